@@ -1,0 +1,52 @@
+#include "converters/Converters.h"
+#include "converters/mpaths.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <fstream>
+
+namespace {
+
+std::string temporaryFile(const std::string& name) {
+    return ::testing::TempDir() + std::to_string(getpid()) + name;
+}
+
+TEST(Paths, BaseTemporaryDirectoryHasSingleSeparatorsAndNoTrailingOne) {
+    EXPECT_EQ(mpaths::getTMP_DIRECTORY(), "/var/tmp/melgrav/tarnowell3");
+}
+
+TEST(Paths, DrawingDirectoryIsSetAtLoad) {
+    EXPECT_EQ(converters::tmpDxfPath.string(), "/var/tmp/melgrav/tarnowell3/temp_dxf_files");
+}
+
+TEST(FromFile, ReadsEveryByte) {
+    const std::string path = temporaryFile("bytes");
+    for (const std::size_t size : {0u, 1u, 65535u, 65536u, 65537u, 200000u}) {
+        std::vector<unsigned char> bytes(size);
+        for (std::size_t i = 0; i < size; ++i) {
+            bytes[i] = static_cast<unsigned char>(i * 7);
+        }
+        std::ofstream(path, std::ios::binary)
+            .write(reinterpret_cast<const char*>(bytes.data()),
+                   static_cast<std::streamsize>(bytes.size()));
+        std::vector<unsigned char> out = {9, 9};
+        EXPECT_TRUE(converters::from_file(path, out));
+        EXPECT_EQ(out, bytes);
+    }
+    unlink(path.c_str());
+}
+
+TEST(FromFile, MissingPathLeavesTheOutputEmpty) {
+    std::vector<unsigned char> out = {1, 2, 3};
+    EXPECT_FALSE(converters::from_file("/nonexistent/file", out));
+    EXPECT_TRUE(out.empty());
+}
+
+TEST(FromFile, DirectoryIsNotReadable) {
+    std::vector<unsigned char> out = {1, 2, 3};
+    EXPECT_FALSE(converters::from_file("/", out));
+    EXPECT_TRUE(out.empty());
+}
+
+} // namespace
