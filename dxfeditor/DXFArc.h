@@ -1,0 +1,28 @@
+#pragma once
+
+#include "dxfeditor/DXFEntity.h"
+
+#include <opencv2/core/types.hpp>
+
+/// A circular arc, counter-clockwise from its start to its end angle, in drawing units and degrees.
+/// Radius and angles are kept as given.
+class DXFEDITOR_EXPORT DXFArc : public DXFEntity {
+public:
+    DXFArc(const cv::Point3_<double>& center, double radius, double startAngle, double endAngle);
+
+    int type() const override;
+    /// Does nothing.
+    void setup() override;
+    DXFArc* clone() const override;
+
+    cv::Point3_<double> getCenter() const { return m_center; }
+    double getRadius() const { return m_radius; }
+    double getStartAngle() const { return m_startAngle; }
+    double getEndAngle() const { return m_endAngle; }
+
+private:
+    cv::Point3_<double> m_center;
+    double m_radius;
+    double m_startAngle;
+    double m_endAngle;
+};

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "dxfeditor/DXFEntity.h"
+
+#include <opencv2/core/types.hpp>
+
+/// A circle, in drawing units. The radius is kept as given, also when it is negative.
+class DXFEDITOR_EXPORT DXFCircle : public DXFEntity {
+public:
+    DXFCircle(const cv::Point3_<double>& center, double radius);
+
+    int type() const override;
+    /// Does nothing.
+    void setup() override;
+    DXFCircle* clone() const override;
+
+    cv::Point3_<double> getCenter() const { return m_center; }
+    double getRadius() const { return m_radius; }
+
+private:
+    cv::Point3_<double> m_center;
+    double m_radius;
+};

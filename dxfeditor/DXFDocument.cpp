@@ -1,0 +1,88 @@
+#include "dxfeditor/DXFDocument.h"
+
+#include "dxfeditor/DXFEntity.h"
+#include "dxfeditor/DXFLayer.h"
+#include "dxfeditor/DXFLineType.h"
+
+#include <iterator>
+#include <utility>
+
+namespace {
+
+/// Appends `element` to `list` and to the index of names, unless its name is there already. When
+/// memory runs out, both stay as they were.
+template <typename Element>
+bool addByName(std::shared_ptr<Element> element, std::list<std::shared_ptr<Element>>& list,
+               std::unordered_map<std::string, std::shared_ptr<Element>>& byName) {
+    list.push_back(element);
+    try {
+        if (element == nullptr || byName.emplace(element->name(), element).second) {
+            return true;
+        }
+    } catch (...) {
+        list.pop_back();
+        throw;
+    }
+    list.pop_back();
+    return false;
+}
+
+} // namespace
+
+DXFDocument::DXFDocument() = default;
+
+DXFDocument::~DXFDocument() = default;
+
+bool DXFDocument::addEntity(std::shared_ptr<DXFEntity> entity) {
+    const DXFEntity* key = entity.get();
+    m_entities.push_back(std::move(entity));
+    try {
+        m_entityPlaces.emplace(key, std::prev(m_entities.end()));
+    } catch (...) {
+        m_entities.pop_back();
+        throw;
+    }
+    return true;
+}
+
+bool DXFDocument::deleteEntity(std::shared_ptr<DXFEntity> entity) {
+    const auto [first, last] = m_entityPlaces.equal_range(entity.get());
+    for (auto place = first; place != last; ++place) {
+        m_entities.erase(place->second);
+    }
+    m_entityPlaces.erase(first, last);
+    return true;
+}
+
+bool DXFDocument::addLayer(std::shared_ptr<DXFLayer> layer) {
+    return addByName(std::move(layer), m_layers, m_layerByName);
+}
+
+bool DXFDocument::addLineType(std::shared_ptr<DXFLineType> lineType) {
+    return addByName(std::move(lineType), m_lineTypes, m_lineTypeByName);
+}
+
+std::shared_ptr<DXFLayer> DXFDocument::getLayer(const std::string& name) const {
+    const auto found = m_layerByName.find(name);
+    return found == m_layerByName.end() ? nullptr : found->second;
+}
+
+std::list<std::shared_ptr<DXFLayer>> DXFDocument::layers() const {
+    return m_layers;
+}
+
+std::list<std::shared_ptr<DXFEntity>> DXFDocument::entities() const {
+    return m_entities;
+}
+
+void DXFDocument::setup() {
+    if (!m_setupPending) {
+        return;
+    }
+    for (const std::shared_ptr<DXFEntity>& entity : m_entities) {
+        if (entity != nullptr) {
+            entity->setup();
+        }
+    }
+    m_setupPending = false;
+}

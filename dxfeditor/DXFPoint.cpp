@@ -1,0 +1,11 @@
+#include "dxfeditor/DXFPoint.h"
+
+int DXFPoint::type() const {
+    return DXFEntityType::Point;
+}
+
+void DXFPoint::setup() {}
+
+DXFPoint* DXFPoint::clone() const {
+    return new DXFPoint(*this);
+}

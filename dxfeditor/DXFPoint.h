@@ -1,0 +1,23 @@
+#pragma once
+
+#include "dxfeditor/DXFEntity.h"
+
+/// A single point, in drawing units.
+class DXFEDITOR_EXPORT DXFPoint : public DXFEntity {
+public:
+    DXFPoint(double x, double y, double z) : m_x(x), m_y(y), m_z(z) {}
+
+    int type() const override;
+    /// Does nothing.
+    void setup() override;
+    DXFPoint* clone() const override;
+
+    double mX() const { return m_x; }
+    double mY() const { return m_y; }
+    double mZ() const { return m_z; }
+
+private:
+    double m_x;
+    double m_y;
+    double m_z;
+};

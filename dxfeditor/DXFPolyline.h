@@ -1,0 +1,81 @@
+#pragma once
+
+#include "dxfeditor/DXFEntity.h"
+
+#include <vector>
+
+/// A corner of a polyline, in drawing units.
+class DXFEDITOR_EXPORT DXFVertex {
+public:
+    /// @param flag   stored only; every creator passes true
+    /// @param bulge  tangent of a quarter of the arc angle to the next vertex; 0 for a straight
+    /// edge
+    DXFVertex(double x, double y, double z, bool flag, double bulge)
+        : m_x(x), m_y(y), m_z(z), m_flag(flag), m_bulge(bulge) {}
+
+    double x() const { return m_x; }
+    double y() const { return m_y; }
+    double z() const { return m_z; }
+    bool flag() const { return m_flag; }
+    double bulge() const { return m_bulge; }
+
+private:
+    double m_x;
+    double m_y;
+    double m_z;
+    bool m_flag;
+    double m_bulge;
+};
+
+/// A straight piece in the drawing plane.
+struct Segment {
+    double startX;
+    double startY;
+    double endX;
+    double endY;
+};
+
+/// A polyline or lightweight polyline: its vertices, and the straight segments that setup()
+/// derives from them.
+class DXFEDITOR_EXPORT DXFPolyline : public DXFEntity {
+public:
+    /// @param mVertices, nVertices  counts given by the creator; stored and returned only
+    /// @param flags                 polyline flags; bit 0 means closed
+    DXFPolyline(unsigned mVertices, unsigned nVertices, unsigned flags);
+
+    int type() const override;
+
+    /// Derives the segments from the vertices, once until setSegments() is called.
+    ///
+    /// Neighbouring vertices give one segment each. Bulges are ignored: a bulged edge becomes its
+    /// chord. A closed polyline of three or more vertices gets one more segment, which runs from
+    /// the first vertex to the last and not back: point extraction walks it in that direction.
+    void setup() override;
+    DXFPolyline* clone() const override;
+
+    const std::vector<DXFVertex>& vertices() const { return m_vertices; }
+    /// Number of vertices.
+    int vertexNumber() const { return static_cast<int>(m_vertices.size()); }
+    bool isClosed() const { return (m_flags & 1U) != 0; }
+    unsigned mVertices() const { return m_mVertices; }
+    unsigned nVertices() const { return m_nVertices; }
+    unsigned flags() const { return m_flags; }
+    /// A copy of the segments that the last setup() or setSegments() left.
+    std::vector<Segment> segments() const { return m_segments; }
+
+    /// Appends a vertex. Segments that setup() has already derived stay as they are.
+    void appendPoint(const DXFVertex& vertex) { m_vertices.push_back(vertex); }
+
+    /// Replaces vertices and segments by a chain of straight pieces: the first one's start, then
+    /// every piece's end. Starts are not compared with the ends before them. Sets mVertices() and
+    /// nVertices() to 0; the next setup() derives the segments anew.
+    void setSegments(const std::vector<Segment>& segments);
+
+private:
+    bool m_setupPending = true;
+    std::vector<Segment> m_segments;
+    unsigned m_mVertices;
+    unsigned m_nVertices;
+    unsigned m_flags;
+    std::vector<DXFVertex> m_vertices;
+};

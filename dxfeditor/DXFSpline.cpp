@@ -1,0 +1,150 @@
+#include "dxfeditor/DXFSpline.h"
+
+#include "dxfeditor/detail/TruncatedCount.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+
+namespace {
+
+constexpr int minimumSampleSteps = 4;
+
+/// Knot intervals and weights below this count as zero.
+constexpr double vanishing = 1e-15;
+
+} // namespace
+
+DXFSpline::DXFSpline(unsigned degree, unsigned /*nKnots*/, unsigned /*nControl*/, unsigned /*nFit*/,
+                     int flags)
+    : m_degree(degree), m_flags(flags) {}
+
+int DXFSpline::type() const {
+    return DXFEntityType::Spline;
+}
+
+void DXFSpline::setup() {}
+
+DXFSpline* DXFSpline::clone() const {
+    return new DXFSpline(*this);
+}
+
+void DXFSpline::appendControlPoint(double x, double y, double z, double w) {
+    m_controlPoints.push_back({x, y, z, w});
+}
+
+void DXFSpline::appendFitPoint(double x, double y, double z) {
+    m_fitPoints.emplace_back(x, y, z);
+}
+
+bool DXFSpline::isEvaluable() const {
+    const auto degree = static_cast<std::int64_t>(static_cast<std::int32_t>(m_degree));
+    const auto controls = static_cast<std::int64_t>(m_controlPoints.size());
+    const auto knots = static_cast<std::int64_t>(m_knots.size());
+    return degree >= 0 && degree <= controls - 1 && controls + degree < knots;
+}
+
+/// The index k of the knot span to evaluate t in: p <= k <= n - 1, whatever the knots hold.
+///
+/// With rising knots the search ends at knots[k] <= t < knots[k + 1]. Knots that are not numbers
+/// compare false and could keep it from ever getting there; it then ends with the interval that is
+/// left.
+std::size_t DXFSpline::findSpan(double t) const {
+    const std::size_t controls = m_controlPoints.size();
+    if (t >= m_knots[controls]) {
+        return controls - 1;
+    }
+    std::size_t low = m_degree;
+    std::size_t high = controls;
+    while (high - low > 1) {
+        const std::size_t middle = (low + high) / 2;
+        if (t >= m_knots[middle]) {
+            if (t < m_knots[middle + 1]) {
+                return middle;
+            }
+            low = middle;
+        } else {
+            high = middle;
+        }
+    }
+    return low;
+}
+
+cv::Point_<double> DXFSpline::evaluate(double t) const {
+    if (!isEvaluable()) {
+        return {0.0, 0.0};
+    }
+    std::vector<cv::Point3_<double>> homogeneous;
+    return evaluate(t, homogeneous);
+}
+
+/// @param homogeneous  scratch space, kept by the caller from one evaluation to the next
+cv::Point_<double> DXFSpline::evaluate(double t,
+                                       std::vector<cv::Point3_<double>>& homogeneous) const {
+    const std::size_t degree = m_degree;
+    if (t < m_knots[degree] && !(t >= m_knots[m_controlPoints.size()])) {
+        t = m_knots[degree];
+    }
+    const std::size_t span = findSpan(t);
+
+    homogeneous.resize(degree + 1);
+    for (std::size_t j = 0; j <= degree; ++j) {
+        const DXFControlPoint& control = m_controlPoints[span - degree + j];
+        homogeneous[j] = {control.x * control.w, control.y * control.w, control.w};
+    }
+    for (std::size_t r = 1; r <= degree; ++r) {
+        for (std::size_t j = degree; j >= r; --j) {
+            const double low = m_knots[j + span - degree];
+            const double high = m_knots[j + 1 + span - r];
+            const double interval = high - low;
+            const double alpha = std::fabs(interval) >= vanishing ? (t - low) / interval : 0.0;
+            const cv::Point3_<double>& before = homogeneous[j - 1];
+            cv::Point3_<double>& point = homogeneous[j];
+            point.x = (1.0 - alpha) * before.x + alpha * point.x;
+            point.y = (1.0 - alpha) * before.y + alpha * point.y;
+            point.z = (1.0 - alpha) * before.z + alpha * point.z;
+        }
+    }
+    const cv::Point3_<double>& result = homogeneous[degree];
+    if (std::fabs(result.z) < vanishing) {
+        return {0.0, 0.0};
+    }
+    const double inverseWeight = 1.0 / result.z;
+    return {result.x * inverseWeight, result.y * inverseWeight};
+}
+
+int DXFSpline::sampleSteps(double step) const {
+    double length = 0.0;
+    for (std::size_t i = 1; i < m_controlPoints.size(); ++i) {
+        const double dx = m_controlPoints[i].x - m_controlPoints[i - 1].x;
+        const double dy = m_controlPoints[i].y - m_controlPoints[i - 1].y;
+        length += std::sqrt(dx * dx + dy * dy);
+    }
+    return std::max(dxfeditor::truncatedCount(length / step), minimumSampleSteps);
+}
+
+std::size_t DXFSpline::sampleCount(double step) const {
+    return isEvaluable() ? static_cast<std::size_t>(sampleSteps(step)) + 1 : m_fitPoints.size();
+}
+
+std::vector<cv::Point_<double>> DXFSpline::sample(double step) const {
+    std::vector<cv::Point_<double>> points;
+    if (!isEvaluable()) {
+        points.reserve(m_fitPoints.size());
+        for (const cv::Point3_<double>& fit : m_fitPoints) {
+            points.emplace_back(fit.x, fit.y);
+        }
+        return points;
+    }
+    const double start = m_knots[m_degree];
+    const double end = m_knots[m_controlPoints.size()];
+    const int steps = sampleSteps(step);
+    const double parameterStep = (end - start) / steps;
+    points.reserve(static_cast<std::size_t>(steps) + 1);
+    std::vector<cv::Point3_<double>> homogeneous;
+    // A 64-bit counter: 2^31 - 1 steps are one point more than a 32-bit one can count.
+    for (std::int64_t i = 0; i <= steps; ++i) {
+        points.push_back(evaluate(start + static_cast<double>(i) * parameterStep, homogeneous));
+    }
+    return points;
+}

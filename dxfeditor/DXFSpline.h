@@ -1,0 +1,76 @@
+#pragma once
+
+#include "dxfeditor/DXFEntity.h"
+
+#include <opencv2/core/types.hpp>
+
+#include <vector>
+
+/// A weighted control point, in drawing units.
+struct DXFControlPoint {
+    double x;
+    double y;
+    double z;
+    double w;
+};
+
+/// A rational B-spline: degree, knots and weighted control points in file order, with optional fit
+/// points.
+///
+/// With degree p, n control points and m knots the curve can be evaluated when p <= n - 1 and
+/// n + p < m; a well-formed spline has m = n + p + 1. Evaluation is planar: z is not used. Any
+/// data is safe to evaluate: knots that fall, repeat or are not numbers give some point, never an
+/// access outside the vectors.
+class DXFEDITOR_EXPORT DXFSpline : public DXFEntity {
+public:
+    /// @param degree  degree of the curve; one that is negative as a signed number cannot be
+    ///                evaluated
+    /// @param nKnots, nControl, nFit  ignored: the vectors grow as values are appended, and a
+    ///                file's counts may be wrong
+    /// @param flags   spline flags, stored only
+    DXFSpline(unsigned degree, unsigned nKnots, unsigned nControl, unsigned nFit, int flags);
+
+    int type() const override;
+    /// Does nothing.
+    void setup() override;
+    DXFSpline* clone() const override;
+
+    void appendKnot(double knot) { m_knots.push_back(knot); }
+    void appendControlPoint(double x, double y, double z, double w);
+    void appendFitPoint(double x, double y, double z);
+
+    unsigned degree() const { return m_degree; }
+    int flags() const { return m_flags; }
+    const std::vector<double>& knots() const { return m_knots; }
+    const std::vector<DXFControlPoint>& controlPoints() const { return m_controlPoints; }
+    const std::vector<cv::Point3_<double>>& fitPoints() const { return m_fitPoints; }
+
+    /// The curve's point at parameter t, by de Boor's algorithm on homogeneous coordinates.
+    ///
+    /// Below knots[p] the parameter counts as knots[p]; from knots[n] on, the last span is
+    /// extrapolated. (0, 0) when the curve cannot be evaluated or the weight vanishes there.
+    /// Costs p² steps.
+    cv::Point_<double> evaluate(double t) const;
+
+    /// The curve as a polyline: N + 1 points at equal steps of the parameter, both ends included,
+    /// where N is the length of the control polygon divided by `step`, truncated, and at least 4.
+    ///
+    /// A quotient that is not a number or does not fit 32 bits counts as 0. A curve that cannot be
+    /// evaluated gives its fit points instead.
+    std::vector<cv::Point_<double>> sample(double step) const;
+
+    /// Number of points that sample(step) returns.
+    std::size_t sampleCount(double step) const;
+
+private:
+    bool isEvaluable() const;
+    int sampleSteps(double step) const;
+    std::size_t findSpan(double t) const;
+    cv::Point_<double> evaluate(double t, std::vector<cv::Point3_<double>>& homogeneous) const;
+
+    unsigned m_degree;
+    int m_flags;
+    std::vector<double> m_knots;
+    std::vector<DXFControlPoint> m_controlPoints;
+    std::vector<cv::Point3_<double>> m_fitPoints;
+};
