@@ -1,5 +1,6 @@
 #include "converters/Converters.h"
 
+#include "converters/PlySerializerDeserializer.h"
 #include "converters/mpaths.h"
 #include "universal_log_interface/universal_log_interface.h"
 
@@ -30,6 +31,14 @@ bool from_file(const std::string& path, std::vector<unsigned char>& out) {
     }
     out.resize(length);
     return !file.bad();
+}
+
+bool toPlyBinary(const pcl::PointCloud<pcl::PointXYZI>& cloud, std::vector<unsigned char>& out) {
+    return PLYSerializer().SerializePlyBinaryT(cloud, out);
+}
+
+bool toPlyAscii(const pcl::PointCloud<pcl::PointXYZI>& cloud, std::vector<unsigned char>& out) {
+    return PLYSerializer().SerializePlyASCIIT(cloud, out);
 }
 
 } // namespace converters

@@ -2,6 +2,9 @@
 
 #include "converters/Export.h"
 
+#include <pcl/point_cloud.h>
+#include <pcl/point_types.h>
+
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -22,5 +25,29 @@ extern CONVERTERS_EXPORT const std::filesystem::path tmpDxfPath;
 ///         empty and nothing is logged
 /// @throws std::bad_alloc when the bytes do not fit into memory
 CONVERTERS_EXPORT bool from_file(const std::string& path, std::vector<unsigned char>& out);
+
+/// Makes a binary little-endian PLY file of x, y, z and intensity as 32-bit floats.
+///
+/// @param cloud  the points, missing ones (nan) included. Its width and height go into the file's
+///               "obj_info" lines and their product says how many points are written; both 0 stand
+///               for one row of all points. Points that the product counts but the cloud does not
+///               hold are written as zeros.
+/// @param out    replaced by the file. For a cloud without points, a header that declares no
+///               vertices is put in front of what `out` holds, which stays.
+/// @return false for a cloud without points, after a message
+/// @throws std::bad_alloc when the file does not fit into memory; `out` is then incomplete
+CONVERTERS_EXPORT bool toPlyBinary(const pcl::PointCloud<pcl::PointXYZI>& cloud,
+                                   std::vector<unsigned char>& out);
+
+/// Makes an ASCII PLY file of x, y, z and intensity, each with six significant digits; nan, -nan,
+/// inf and -inf as these words. The text does not depend on the locale.
+///
+/// @param cloud  as for toPlyBinary
+/// @param out    replaced by the file; left as it is for a cloud without points. Its capacity may
+///               exceed its size.
+/// @return false for a cloud without points, after a message
+/// @throws std::bad_alloc when the file does not fit into memory; `out` is then incomplete
+CONVERTERS_EXPORT bool toPlyAscii(const pcl::PointCloud<pcl::PointXYZI>& cloud,
+                                  std::vector<unsigned char>& out);
 
 } // namespace converters
