@@ -1,5 +1,7 @@
 #!/usr/bin/env bash
-# Installs the Debian packages that building and testing need. Does nothing when all are there.
+# scripts/install-dependencies.sh [--aarch64]: installs the Debian packages that building and
+# testing need, with --aarch64 also those for cross-building and emulation. Does nothing when all
+# are there.
 set -euo pipefail
 
 packages=(
@@ -8,8 +10,35 @@ packages=(
   libpcl-dev libdxflib-dev libopencv-core-dev libeigen3-dev libboost-filesystem-dev libspdlog-dev
   libcli11-dev
   # to test
-  libgtest-dev libgmock-dev clang-format-14
+  libgtest-dev libgmock-dev clang clang-format-14
+  # to package, and to install the packages in a fresh root
+  dpkg-dev file pkg-config debootstrap
 )
+aarch64_packages=(
+  g++-aarch64-linux-gnu qemu-user
+  libpcl-common1.13:arm64 libdxflib-dev:arm64 libboost-filesystem1.74-dev:arm64
+  libspdlog-dev:arm64 libgtest-dev:arm64 libgmock-dev:arm64
+)
+
+as_root=()
+if [ "$(id -u)" -ne 0 ]; then
+  as_root=(sudo)
+fi
+
+for option in "$@"; do
+  case $option in
+  --aarch64)
+    packages+=("${aarch64_packages[@]}")
+    if ! dpkg --print-foreign-architectures | grep -qx arm64; then
+      "${as_root[@]}" dpkg --add-architecture arm64
+    fi
+    ;;
+  *)
+    echo "usage: $0 [--aarch64]" >&2
+    exit 2
+    ;;
+  esac
+done
 
 missing=()
 for package in "${packages[@]}"; do
@@ -22,11 +51,7 @@ if [ "${#missing[@]}" -eq 0 ]; then
   exit 0
 fi
 
-as_root=()
-if [ "$(id -u)" -ne 0 ]; then
-  as_root=(sudo)
-fi
 echo "Installing: ${missing[*]}"
 "${as_root[@]}" apt-get update -qq
-DEBIAN_FRONTEND=noninteractive "${as_root[@]}" apt-get install -y -qq --no-install-recommends \
-  "${missing[@]}" >/dev/null
+"${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq \
+  --no-install-recommends -o DPkg::Lock::Timeout=600 "${missing[@]}" >/dev/null
