@@ -17,15 +17,14 @@ using Bytes = std::vector<unsigned char>;
 /// What the serializer needs to know about a field for every point.
 struct Column {
     explicit Column(const pcl::PCLPointField& field)
-        : name(field.name), datatype(field.datatype), offset(field.offset),
-          elementSize(sizeOf(field.datatype)),
+        : datatype(field.datatype), offset(field.offset), elementSize(sizeOf(field.datatype)),
           writesCount(isSigned(field.count) && field.count > 1),
-          elements(isSigned(field.count) ? std::max(field.count, 1u) : 0) {}
+          elements(isSigned(field.count) ? std::max(field.count, 1u) : 0),
+          isColour(isColourText(field)) {}
 
     /// Position of an element in the bytes of its point.
     std::size_t position(std::size_t element) const { return offset + element * elementSize; }
 
-    const std::string& name;
     unsigned datatype;
     std::size_t offset;
     /// In bytes; 0 for an unknown datatype.
@@ -33,6 +32,8 @@ struct Column {
     bool writesCount;
     /// 1 for a count of 0; none for a count that is negative as a signed number.
     std::size_t elements;
+    /// Whether the text form is that of a packed colour.
+    bool isColour;
 
 private:
     static bool isSigned(std::uint32_t count) { return count <= INT32_MAX; }
@@ -41,30 +42,44 @@ private:
         constexpr std::size_t sizes[] = {0, 1, 1, 2, 2, 4, 4, 4, 8};
         return datatype < std::size(sizes) ? sizes[datatype] : 0;
     }
+
+    /// Unlike in the header, the name only needs to contain the word, but the datatype counts.
+    static bool isColourText(const pcl::PCLPointField& field) {
+        const char* word = field.datatype == pcl::PCLPointField::FLOAT32  ? "rgb"
+                           : field.datatype == pcl::PCLPointField::UINT32 ? "rgba"
+                                                                          : nullptr;
+        return word != nullptr && field.name.find(word) != std::string::npos;
+    }
 };
 
 std::vector<Column> columnsOf(const std::vector<pcl::PCLPointField>& fields) {
     return {fields.begin(), fields.end()};
 }
 
-/// Copies one element of a number of points into records; elements outside the data stay as is.
+/// Copies an element of each point in [first, last) into its record.
 template <std::size_t size>
 void copyElements(const PointBytes& points, std::size_t first, std::size_t last,
                   std::size_t position, unsigned char* record, std::size_t recordSize) {
-    for (std::size_t i = first; i < last; ++i, record += recordSize) {
-        if (const unsigned char* element = points.element(i, position, size)) {
-            std::memcpy(record, element, size);
-        }
+    const unsigned char* element = points.data + first * points.stride + position;
+    for (std::size_t i = first; i < last; ++i) {
+        std::memcpy(record, element, size);
+        element += points.stride;
+        record += recordSize;
     }
 }
 
-/// Of a field with several elements the last one is stored: they share one place.
+/// Copies a field of each point in [first, last) into its record; what is not inside the data is
+/// left as it is. Of a field with several elements the last one is stored: they share one place.
 void copyColumn(const Column& column, const PointBytes& points, std::size_t first, std::size_t last,
                 unsigned char* record, std::size_t recordSize) {
     if (column.elements == 0) {
         return;
     }
     const std::size_t position = column.position(column.elements - 1);
+    last = std::min(last, points.countWithElement(position, column.elementSize));
+    if (first >= last) {
+        return;
+    }
     switch (column.elementSize) {
     case 1:
         return copyElements<1>(points, first, last, position, record, recordSize);
@@ -148,10 +163,6 @@ char* writeColours(char* out, std::uint32_t packed, std::initializer_list<int> s
     return out - 1;
 }
 
-bool contains(const std::string& name, const char* part) {
-    return name.find(part) != std::string::npos;
-}
-
 /// Writes one element of a known datatype.
 char* writeElement(char* out, const Column& column, const unsigned char* bytes) {
     using Field = pcl::PCLPointField;
@@ -166,12 +177,12 @@ char* writeElement(char* out, const Column& column, const unsigned char* bytes) 
     case Field::INT32:
         return writeInteger(out, valueOf<std::int32_t>(bytes));
     case Field::UINT32:
-        if (contains(column.name, "rgba")) {
+        if (column.isColour) {
             return writeColours(out, valueOf<std::uint32_t>(bytes), {16, 8, 0, 24});
         }
         return writeInteger(out, valueOf<std::uint32_t>(bytes));
     case Field::FLOAT32:
-        if (contains(column.name, "rgb")) {
+        if (column.isColour) {
             return writeColours(out, valueOf<std::uint32_t>(bytes), {16, 8, 0});
         }
         return converters::detail::writeGeneral(out, static_cast<double>(valueOf<float>(bytes)));

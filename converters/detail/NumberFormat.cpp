@@ -1,11 +1,145 @@
 #include "converters/detail/NumberFormat.h"
 
+#include <array>
 #include <charconv>
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+
+// Most numbers are scaled by an exact power of ten to a number with six digits before its point and
+// rounded there. The scaling rounds once, by less than 2^-33 of a unit, so the digits are proven
+// unless the fraction is that close to one half: those numbers, and the very small and large ones,
+// are left to std::to_chars, which calculates exactly.
 
 namespace converters::detail {
+namespace {
+
+static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__, "digits are stored as whole words");
+
+/// 10^0 to 10^22: all powers of ten that a double holds exactly.
+constexpr double powersOfTen[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                  1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
+                                  1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+
+constexpr double powerOfTen(int exponent) {
+    return exponent < 0 ? 1 / powersOfTen[-exponent] : powersOfTen[exponent];
+}
+
+/// Decimal exponent of the numbers of one binary exponent: `exponent` below `next`, one more from
+/// there on. `next` may be off by its last bit: a number so close to a power of ten gets the same
+/// digits with either exponent.
+struct Decade {
+    double next;
+    int exponent;
+};
+
+/// Range of binary exponents whose scale is an exact power of ten: 2^-56 is 1.4e-17, the next after
+/// 2^72 is 9.4e21.
+constexpr int firstBinaryExponent = -56;
+constexpr int lastBinaryExponent = 72;
+constexpr int exponentBias = 1023;
+constexpr std::size_t decadeCount = lastBinaryExponent - firstBinaryExponent + 1;
+
+constexpr std::array<Decade, decadeCount> decades = [] {
+    std::array<Decade, decadeCount> table = {};
+    double smallest = 1.0 / (std::uint64_t(1) << -firstBinaryExponent);
+    int exponent = -17;
+    for (Decade& decade : table) {
+        while (powerOfTen(exponent + 1) <= smallest) {
+            ++exponent;
+        }
+        decade = {powerOfTen(exponent + 1), exponent};
+        smallest *= 2;
+    }
+    return table;
+}();
+
+/// The numbers 0 to 999 as three digits, one a byte, the first in the lowest.
+constexpr std::array<std::uint32_t, 1000> threeDigits = [] {
+    std::array<std::uint32_t, 1000> table = {};
+    for (std::uint32_t i = 0; i < table.size(); ++i) {
+        table[i] = i / 100 | (i / 10 % 10) << 8 | (i % 10) << 16;
+    }
+    return table;
+}();
+
+void store(char* out, std::uint64_t characters) {
+    std::memcpy(out, &characters, sizeof characters);
+}
+
+/// Writes digits * 10^(exponent - 5).
+///
+/// @param digits  100000 to 999999
+char* writeDigits(char* out, std::uint32_t digits, int exponent) {
+    const std::uint64_t word =
+        threeDigits[digits / 1000] | static_cast<std::uint64_t>(threeDigits[digits % 1000]) << 24;
+    const std::uint64_t characters = word | 0x3030303030303030;
+    // Without the zeros at the end.
+    const int length = 8 - __builtin_clzll(word) / 8;
+
+    if (exponent >= 0 && exponent < 6) {
+        const int whole = exponent + 1;
+        store(out, characters);
+        out[whole] = '.';
+        store(out + whole + 1, characters >> 8 * whole);
+        return out + (length > whole ? length + 1 : whole);
+    }
+    if (exponent < 0 && exponent >= -4) {
+        std::memcpy(out, "0.000000", 8);
+        store(out + 1 - exponent, characters);
+        return out + 1 - exponent + length;
+    }
+    store(out, characters);
+    out[1] = '.';
+    store(out + 2, characters >> 8);
+    out += length > 1 ? length + 1 : 1;
+    const int magnitude = exponent < 0 ? -exponent : exponent;
+    *out++ = 'e';
+    *out++ = exponent < 0 ? '-' : '+';
+    *out++ = static_cast<char>('0' + magnitude / 10);
+    *out++ = static_cast<char>('0' + magnitude % 10);
+    return out;
+}
+
+/// Zero, infinity, not a number, and what the scaling cannot prove.
+char* writeRare(char* out, double magnitude) {
+    if (magnitude == 0) {
+        *out = '0';
+        return out + 1;
+    }
+    if (!std::isfinite(magnitude)) {
+        std::memcpy(out, std::isnan(magnitude) ? "nan" : "inf", 3);
+        return out + 3;
+    }
+    return std::to_chars(out, out + maxGeneralLength, magnitude, std::chars_format::general, 6).ptr;
+}
+
+} // namespace
 
 char* writeGeneral(char* out, double value) {
-    return std::to_chars(out, out + maxGeneralLength, value, std::chars_format::general, 6).ptr;
+    std::uint64_t bits;
+    std::memcpy(&bits, &value, sizeof bits);
+    *out = '-';
+    out += bits >> 63;
+    const double magnitude = std::fabs(value);
+
+    const std::uint64_t row = (bits >> 52 & 0x7FF) - (exponentBias + firstBinaryExponent);
+    if (row >= decadeCount) {
+        return writeRare(out, magnitude);
+    }
+    const Decade& decade = decades[row];
+    const int exponent = decade.exponent + (magnitude >= decade.next ? 1 : 0);
+    const int scale = 5 - exponent;
+    const double scaled =
+        scale >= 0 ? magnitude * powersOfTen[scale] : magnitude / powersOfTen[-scale];
+    const auto whole = static_cast<std::int32_t>(scaled);
+    const double pastHalf = scaled - whole - 0.5;
+    if (std::fabs(pastHalf) <= 0x1p-32) {
+        return writeRare(out, magnitude);
+    }
+    const auto digits = static_cast<std::uint32_t>(whole + (pastHalf > 0 ? 1 : 0));
+    return digits == 1000000 ? writeDigits(out, 100000, exponent + 1)
+                             : writeDigits(out, digits, exponent);
 }
 
 } // namespace converters::detail

@@ -2,6 +2,7 @@
 
 #include <pcl/PCLPointCloud2.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 
@@ -30,6 +31,15 @@ struct PointBytes {
                                  std::size_t elementSize) const {
         const std::size_t begin = point * stride + position;
         return size >= elementSize && begin <= size - elementSize ? data + begin : nullptr;
+    }
+
+    /// How many points have the element at this position inside the bytes: the first ones.
+    std::size_t countWithElement(std::size_t position, std::size_t elementSize) const {
+        if (size < elementSize || position > size - elementSize) {
+            return 0;
+        }
+        const std::size_t room = size - elementSize - position;
+        return stride == 0 ? count : std::min(count, room / stride + 1);
     }
 
     const unsigned char* data;
