@@ -75,7 +75,7 @@ char* writeDigits(char* out, std::uint32_t digits, int exponent) {
         threeDigits[digits / 1000] | static_cast<std::uint64_t>(threeDigits[digits % 1000]) << 24;
     const std::uint64_t characters = word | 0x3030303030303030;
     // Without the zeros at the end.
-    const int length = 8 - __builtin_clzll(word) / 8;
+    const int length = (64 + 7 - __builtin_clzll(word)) >> 3;
 
     if (exponent >= 0 && exponent < 6) {
         const int whole = exponent + 1;

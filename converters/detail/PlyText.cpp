@@ -1,0 +1,146 @@
+#include "converters/detail/PlyText.h"
+
+#include "converters/detail/NumberFormat.h"
+
+#include <charconv>
+#include <cstdint>
+#include <cstring>
+#include <initializer_list>
+
+namespace converters::detail {
+namespace {
+
+using Field = pcl::PCLPointField;
+
+/// What a writer of one element may overwrite.
+constexpr std::ptrdiff_t elementRoom = 32;
+
+/// Most characters of a colour, "255 255 255 255", and of any other number, with a blank.
+constexpr std::size_t maxColourLength = 16;
+constexpr std::size_t maxNumberLength = maxGeneralLength + 1;
+
+template <typename T>
+T valueOf(const unsigned char* bytes) {
+    T value;
+    std::memcpy(&value, bytes, sizeof value);
+    return value;
+}
+
+template <typename T>
+char* writeInteger(char* out, T value) {
+    return std::to_chars(out, out + elementRoom / 2, value).ptr;
+}
+
+/// The bytes of a packed colour at the given bit positions, separated by blanks.
+char* writeColours(char* out, std::uint32_t packed, std::initializer_list<int> shifts) {
+    for (const int shift : shifts) {
+        out = writeInteger(out, packed >> shift & 0xFF);
+        *out++ = ' ';
+    }
+    return out - 1;
+}
+
+/// Writes one element of a known datatype.
+char* writeElement(char* out, const PlyColumn& column, const unsigned char* bytes) {
+    switch (column.datatype) {
+    case Field::FLOAT32:
+        if (column.isColour) {
+            return writeColours(out, valueOf<std::uint32_t>(bytes), {16, 8, 0});
+        }
+        return writeGeneral(out, static_cast<double>(valueOf<float>(bytes)));
+    case Field::FLOAT64:
+        return writeGeneral(out, valueOf<double>(bytes));
+    case Field::INT8: // without its sign: readers of these files know 8-bit values as unsigned
+    case Field::UINT8:
+        return writeInteger(out, static_cast<unsigned>(*bytes));
+    case Field::INT16:
+        return writeInteger(out, valueOf<std::int16_t>(bytes));
+    case Field::UINT16:
+        return writeInteger(out, valueOf<std::uint16_t>(bytes));
+    case Field::INT32:
+        return writeInteger(out, valueOf<std::int32_t>(bytes));
+    default:
+        if (column.isColour) {
+            return writeColours(out, valueOf<std::uint32_t>(bytes), {16, 8, 0, 24});
+        }
+        return writeInteger(out, valueOf<std::uint32_t>(bytes));
+    }
+}
+
+/// The line of one point under construction. Its end is kept by the writer, in a register.
+class Line {
+public:
+    char* begin() { return text_.data(); }
+
+    /// Makes room for an element behind `end`.
+    /// @return `end`, moved along when the text had to move
+    char* withRoom(char* end) {
+        if (text_.data() + text_.size() - end >= elementRoom) {
+            return end;
+        }
+        const std::ptrdiff_t length = end - text_.data();
+        text_.resize(2 * text_.size());
+        return text_.data() + length;
+    }
+
+private:
+    std::vector<char> text_ = std::vector<char>(16 * elementRoom);
+};
+
+void writeCount(std::uint32_t count, const WriteText& write) {
+    char text[elementRoom];
+    char* end = writeInteger(text, count);
+    *end++ = ' ';
+    write(text, static_cast<std::size_t>(end - text));
+}
+
+/// Appends all elements of a column behind `end`, each followed by a blank.
+/// @return the new end of the line
+char* appendElements(Line& line, char* end, const PlyColumn& column, const PointBytes& points,
+                     std::size_t point, const WarnOfDatatype& warn) {
+    constexpr unsigned char zeros[8] = {};
+    for (std::size_t k = 0; k < column.elements; ++k) {
+        end = line.withRoom(end);
+        if (column.isKnown()) {
+            const auto* bytes = points.element(point, column.position(k), column.elementSize);
+            end = writeElement(end, column, bytes != nullptr ? bytes : zeros);
+        } else {
+            warn(column.datatype);
+        }
+        *end++ = ' ';
+    }
+    return end;
+}
+
+} // namespace
+
+void writeLines(const std::vector<PlyColumn>& columns, const PointBytes& points,
+                const WriteText& write, const WarnOfDatatype& warn) {
+    Line line;
+    // Only the last element of the last column has no blank behind it: the line's end takes its
+    // place. A line that ends in a column without elements keeps the blank.
+    const bool replacesBlank = !columns.empty() && columns.back().elements > 0;
+    for (std::size_t i = 0; i < points.count; ++i) {
+        char* end = line.begin();
+        for (const PlyColumn& column : columns) {
+            if (column.writesCount) {
+                writeCount(column.elements, write);
+            }
+            end = appendElements(line, end, column, points, i, warn);
+        }
+        end = line.withRoom(end) - (replacesBlank ? 1 : 0);
+        *end++ = '\n';
+        write(line.begin(), static_cast<std::size_t>(end - line.begin()));
+    }
+}
+
+std::size_t maxLineLength(const std::vector<PlyColumn>& columns) {
+    std::size_t length = 1;
+    for (const PlyColumn& column : columns) {
+        const std::size_t element = column.isColour ? maxColourLength : maxNumberLength;
+        length += column.elements * element + (column.writesCount ? maxNumberLength : 0);
+    }
+    return length;
+}
+
+} // namespace converters::detail
