@@ -110,8 +110,11 @@ DL_VertexData DXFAdapter::makeVertex(DXFVertex vertex) {
 }
 
 DL_SplineData DXFAdapter::makeSpline(std::shared_ptr<DXFSpline> spline) {
-    return DL_SplineData(static_cast<int>(spline->degree()),
-                         static_cast<int>(spline->knots().size()),
-                         static_cast<int>(spline->controlPoints().size()),
-                         static_cast<int>(spline->fitPoints().size()), 0);
+    DL_SplineData data(static_cast<int>(spline->degree()), static_cast<int>(spline->knots().size()),
+                       static_cast<int>(spline->controlPoints().size()),
+                       static_cast<int>(spline->fitPoints().size()), 0);
+    // Its constructor leaves the tangents unset.
+    data.tangentStartX = data.tangentStartY = data.tangentStartZ = 0.0;
+    data.tangentEndX = data.tangentEndY = data.tangentEndZ = 0.0;
+    return data;
 }

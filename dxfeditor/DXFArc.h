@@ -8,6 +8,9 @@
 /// Radius and angles are kept as given.
 class DXFEDITOR_EXPORT DXFArc : public DXFEntity {
 public:
+    /// An arc; nothing is checked.
+    ///
+    /// @param startAngle, endAngle  degrees; an end below the start sweeps through zero
     DXFArc(const cv::Point3_<double>& center, double radius, double startAngle, double endAngle);
 
     int type() const override;
@@ -15,9 +18,13 @@ public:
     void setup() override;
     DXFArc* clone() const override;
 
+    /// Centre, as given.
     cv::Point3_<double> getCenter() const { return m_center; }
+    /// Radius, as given.
     double getRadius() const { return m_radius; }
+    /// Start angle in degrees, as given.
     double getStartAngle() const { return m_startAngle; }
+    /// End angle in degrees, as given.
     double getEndAngle() const { return m_endAngle; }
 
 private:

@@ -18,14 +18,25 @@ public:
     /// @param inPaperSpace   true when the entity lives in paper space
     DXFAttributes(const std::string& layerName, int color, int color24, int width,
                   const std::string& lineType, double lineTypeScale, int handle, bool inPaperSpace);
+    DXFAttributes(const DXFAttributes&) = default;
+    /// Not assignable: others may share the record.
+    DXFAttributes& operator=(const DXFAttributes&) = delete;
 
+    /// Name of the layer that the entity belongs to.
     std::string layerName() const { return m_layerName; }
+    /// Colour number (group 62).
     int color() const { return m_color; }
+    /// 24-bit true colour (group 420).
     int color24() const { return m_color24; }
+    /// Line weight.
     int width() const { return m_width; }
+    /// Line type name.
     std::string lineType() const { return m_lineType; }
+    /// Line type scale factor.
     double lineTypeScale() const { return m_lineTypeScale; }
+    /// Entity handle.
     int handle() const { return m_handle; }
+    /// True when the entity lives in paper space.
     bool inPaperSpace() const { return m_inPaperSpace; }
 
 private:

@@ -7,6 +7,7 @@
 /// A circle, in drawing units. The radius is kept as given, also when it is negative.
 class DXFEDITOR_EXPORT DXFCircle : public DXFEntity {
 public:
+    /// A circle; nothing is checked.
     DXFCircle(const cv::Point3_<double>& center, double radius);
 
     int type() const override;
@@ -14,7 +15,9 @@ public:
     void setup() override;
     DXFCircle* clone() const override;
 
+    /// Centre, as given.
     cv::Point3_<double> getCenter() const { return m_center; }
+    /// Radius, as given.
     double getRadius() const { return m_radius; }
 
 private:

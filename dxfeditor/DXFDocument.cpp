@@ -13,7 +13,7 @@ namespace {
 /// memory runs out, both stay as they were.
 template <typename Element>
 bool addByName(std::shared_ptr<Element> element, std::list<std::shared_ptr<Element>>& list,
-               std::unordered_map<std::string, std::shared_ptr<Element>>& byName) {
+               std::map<std::string, std::shared_ptr<Element>>& byName) {
     list.push_back(element);
     try {
         if (element == nullptr || byName.emplace(element->name(), element).second) {

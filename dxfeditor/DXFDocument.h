@@ -3,6 +3,7 @@
 #include "dxfeditor/Export.h"
 
 #include <list>
+#include <map>
 #include <memory>
 #include <string>
 #include <unordered_map>
@@ -18,6 +19,7 @@ class DXFLineType;
 /// thread uses it.
 class DXFEDITOR_EXPORT DXFDocument {
 public:
+    /// An empty drawing.
     DXFDocument();
     ~DXFDocument();
     DXFDocument(const DXFDocument&) = delete;
@@ -60,9 +62,10 @@ private:
     EntityList m_entities;
     bool m_setupPending = true;
 
-    // Indexes beside the lists, so that a drawing of n names or n entities costs n, not n², to
-    // build and to take apart.
-    std::unordered_map<std::string, std::shared_ptr<DXFLayer>> m_layerByName;
-    std::unordered_map<std::string, std::shared_ptr<DXFLineType>> m_lineTypeByName;
+    // Indexes beside the lists: building a drawing of n names or n entities and taking it apart
+    // does not cost n². Names come from files, so theirs are trees: no choice of names makes a tree
+    // slow.
+    std::map<std::string, std::shared_ptr<DXFLayer>> m_layerByName;
+    std::map<std::string, std::shared_ptr<DXFLineType>> m_lineTypeByName;
     std::unordered_multimap<const DXFEntity*, EntityList::iterator> m_entityPlaces;
 };

@@ -25,6 +25,7 @@ class DXFEDITOR_EXPORT DXFEntity {
 public:
     /// An entity without attributes, of line width 0.
     DXFEntity() = default;
+    /// Lets go of the attributes.
     virtual ~DXFEntity();
 
     /// The entity's kind, one of DXFEntityType.
@@ -45,6 +46,7 @@ public:
 
     /// The entity's own line width, apart from the width in its attributes.
     int lineWidth() const { return m_lineWidth; }
+    /// Stores a line width.
     void setLineWidth(int width) { m_lineWidth = width; }
 
 protected:

@@ -14,8 +14,13 @@ public:
     ///
     /// @param flags  layer flags (group 70)
     DXFLayer(const std::string& name, int flags);
+    DXFLayer(const DXFLayer&) = default;
+    /// Not assignable: a layer keeps its name, by which drawings find it.
+    DXFLayer& operator=(const DXFLayer&) = delete;
 
+    /// The layer's name; drawings tell case apart.
     std::string name() const { return m_name; }
+    /// Layer flags (group 70), as given.
     int flags() const { return m_flags; }
 
     /// True when the flags are exactly 1 (frozen). The whole word is compared: a layer that carries

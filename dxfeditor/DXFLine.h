@@ -7,6 +7,7 @@
 /// A straight line between two points, in drawing units.
 class DXFEDITOR_EXPORT DXFLine : public DXFEntity {
 public:
+    /// A line from p1 to p2.
     DXFLine(const cv::Point3_<double>& p1, const cv::Point3_<double>& p2);
 
     int type() const override;
@@ -16,7 +17,9 @@ public:
     /// entities, a line's clone does not take them over. Callers that need them install them again.
     DXFLine* clone() const override;
 
+    /// Where the line starts.
     cv::Point3_<double> getP1() const { return m_p1; }
+    /// Where the line ends.
     cv::Point3_<double> getP2() const { return m_p2; }
 
 private:

@@ -14,12 +14,21 @@ public:
     ///                       be null.
     DXFLineType(const std::string& name, const std::string& description, int flags,
                 int numberOfDashes, double patternLength, double* pattern);
+    DXFLineType(const DXFLineType&) = default;
+    /// Not assignable: a line type keeps its name, by which drawings find it.
+    DXFLineType& operator=(const DXFLineType&) = delete;
 
+    /// The line type's name; drawings tell case apart.
     std::string name() const { return m_name; }
+    /// Free text.
     std::string description() const { return m_description; }
+    /// Line type flags, as given.
     int flags() const { return m_flags; }
+    /// Number of entries of the pattern, as given.
     int numberOfDashes() const { return m_numberOfDashes; }
+    /// Total length of the pattern in drawing units, as given.
     double patternLength() const { return m_patternLength; }
+    /// The pointer that the line type was made with.
     double* pattern() const { return m_pattern; }
 
     /// The template "[LTYPE name: %1, ...]", the same for every line type: the caller fills in the

@@ -5,6 +5,7 @@
 /// A single point, in drawing units.
 class DXFEDITOR_EXPORT DXFPoint : public DXFEntity {
 public:
+    /// A point at (x, y, z).
     DXFPoint(double x, double y, double z) : m_x(x), m_y(y), m_z(z) {}
 
     int type() const override;
@@ -12,6 +13,7 @@ public:
     void setup() override;
     DXFPoint* clone() const override;
 
+    /// Coordinates, as given.
     double mX() const { return m_x; }
     double mY() const { return m_y; }
     double mZ() const { return m_z; }

@@ -33,7 +33,7 @@ DXFPolyline* DXFPolyline::clone() const {
 }
 
 void DXFPolyline::setSegments(const std::vector<Segment>& segments) {
-    // Copies first: the argument may be this polyline's own.
+    // Builds both before it changes anything: when memory runs out, the polyline stays as it was.
     std::vector<Segment> newSegments = segments;
     std::vector<DXFVertex> newVertices;
     if (!newSegments.empty()) {

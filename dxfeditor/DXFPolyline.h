@@ -13,10 +13,13 @@ public:
     DXFVertex(double x, double y, double z, bool flag, double bulge)
         : m_x(x), m_y(y), m_z(z), m_flag(flag), m_bulge(bulge) {}
 
+    /// Coordinates, as given.
     double x() const { return m_x; }
     double y() const { return m_y; }
     double z() const { return m_z; }
+    /// The flag given by the creator.
     bool flag() const { return m_flag; }
+    /// The bulge of the edge to the next vertex.
     double bulge() const { return m_bulge; }
 
 private:
@@ -53,12 +56,17 @@ public:
     void setup() override;
     DXFPolyline* clone() const override;
 
+    /// The vertices, in drawing order; valid while the polyline lives and is not changed.
     const std::vector<DXFVertex>& vertices() const { return m_vertices; }
     /// Number of vertices.
     int vertexNumber() const { return static_cast<int>(m_vertices.size()); }
+    /// True when bit 0 of the flags is set.
     bool isClosed() const { return (m_flags & 1U) != 0; }
+    /// First count given by the creator, not the number of vertices.
     unsigned mVertices() const { return m_mVertices; }
+    /// Second count given by the creator, not the number of vertices.
     unsigned nVertices() const { return m_nVertices; }
+    /// Polyline flags, as given.
     unsigned flags() const { return m_flags; }
     /// A copy of the segments that the last setup() or setSegments() left.
     std::vector<Segment> segments() const { return m_segments; }

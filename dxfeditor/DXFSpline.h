@@ -35,12 +35,18 @@ public:
     void setup() override;
     DXFSpline* clone() const override;
 
+    /// Appends a knot.
     void appendKnot(double knot) { m_knots.push_back(knot); }
+    /// Appends a control point of weight w.
     void appendControlPoint(double x, double y, double z, double w);
+    /// Appends a fit point.
     void appendFitPoint(double x, double y, double z);
 
+    /// Degree of the curve, as given.
     unsigned degree() const { return m_degree; }
+    /// Spline flags, as given.
     int flags() const { return m_flags; }
+    /// Knots and points, in file order; valid while the spline lives and is not changed.
     const std::vector<double>& knots() const { return m_knots; }
     const std::vector<DXFControlPoint>& controlPoints() const { return m_controlPoints; }
     const std::vector<cv::Point3_<double>>& fitPoints() const { return m_fitPoints; }
