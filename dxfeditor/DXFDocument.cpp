@@ -3,6 +3,7 @@
 #include "dxfeditor/DXFEntity.h"
 #include "dxfeditor/DXFLayer.h"
 #include "dxfeditor/DXFLineType.h"
+#include "dxfeditor/DXFReader.h"
 
 #include <iterator>
 #include <utility>
@@ -28,6 +29,15 @@ bool addByName(std::shared_ptr<Element> element, std::list<std::shared_ptr<Eleme
 }
 
 } // namespace
+
+std::shared_ptr<DXFDocument> DXFDocument::load(const std::string& path) {
+    auto document = std::make_shared<DXFDocument>();
+    DXFReader reader(*document);
+    if (!reader.load(path)) {
+        document.reset();
+    }
+    return document;
+}
 
 DXFDocument::DXFDocument() = default;
 

@@ -19,6 +19,12 @@ class DXFLineType;
 /// thread uses it.
 class DXFEDITOR_EXPORT DXFDocument {
 public:
+    /// Reads a DXF file through DXFReader; setup() is left to the caller.
+    ///
+    /// @return the drawing, or an empty pointer when the file cannot be opened or read
+    /// @throws std::bad_alloc when the drawing does not fit into memory
+    static std::shared_ptr<DXFDocument> load(const std::string& path);
+
     /// An empty drawing.
     DXFDocument();
     ~DXFDocument();

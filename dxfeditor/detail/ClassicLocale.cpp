@@ -1,0 +1,24 @@
+#include "dxfeditor/detail/ClassicLocale.h"
+
+#include <clocale>
+
+namespace dxfeditor {
+
+ClassicLocale::ClassicLocale() {
+    if (m_before == std::locale::classic()) {
+        return;
+    }
+    m_cLocale = std::setlocale(LC_ALL, nullptr);
+    // A facet of its own makes it a locale without a name, which the C library does not follow.
+    std::locale::global(std::locale(std::locale::classic(), new std::numpunct<char>));
+}
+
+ClassicLocale::~ClassicLocale() {
+    if (m_before == std::locale::classic()) {
+        return;
+    }
+    std::locale::global(m_before);
+    std::setlocale(LC_ALL, m_cLocale.c_str());
+}
+
+} // namespace dxfeditor

@@ -1,0 +1,56 @@
+#include "dxfeditor/detail/DxfParser.h"
+
+#include "dxfeditor/detail/ClassicLocale.h"
+#include "dxfeditor/detail/DxfIntake.h"
+#include "dxfeditor/detail/DxfObjects.h"
+
+#include <dxflib/dl_dxf.h>
+
+#include <cstddef>
+#include <istream>
+#include <streambuf>
+#include <string>
+
+namespace dxfeditor {
+
+namespace {
+
+/// dxflib gets the text in pieces of about this many bytes: the memory that they take does not
+/// grow with the drawing, and stays in the cache.
+constexpr std::size_t pieceSize = std::size_t{1} << 18;
+
+/// Reads a string in place.
+class StringBuffer : public std::streambuf {
+public:
+    explicit StringBuffer(std::string& text) {
+        setg(text.data(), text.data(), text.data() + text.size());
+    }
+};
+
+/// Hands what the intake has ready to dxflib.
+void parsePiece(DxfIntake& intake, DL_Dxf& dxflib, DL_CreationInterface& reader) {
+    intake.close();
+    StringBuffer buffer(intake.output());
+    std::istream stream(&buffer);
+    dxflib.in(stream, &reader);
+    intake.clearOutput();
+}
+
+} // namespace
+
+void parseDxf(std::string_view text, DL_CreationInterface& reader) {
+    text = text.substr(0, text.find('\0'));
+    const ClassicLocale classicLocale;
+    DL_Dxf dxflib;
+    DxfIntake intake(text);
+    DxfObjects objects(text);
+    for (DxfObject object; objects.next(object);) {
+        intake.append(object);
+        if (intake.output().size() >= pieceSize && intake.canBeClosed()) {
+            parsePiece(intake, dxflib, reader);
+        }
+    }
+    parsePiece(intake, dxflib, reader);
+}
+
+} // namespace dxfeditor
