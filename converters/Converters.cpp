@@ -41,4 +41,11 @@ bool toPlyAscii(const pcl::PointCloud<pcl::PointXYZI>& cloud, std::vector<unsign
     return PLYSerializer().SerializePlyASCIIT(cloud, out);
 }
 
+PlyReadResult fromPly(const std::vector<unsigned char>& data,
+                      pcl::PointCloud<pcl::PointXYZI>& cloud) {
+    PLYDeserializer deserializer;
+    const bool success = deserializer.DeserializePlyT(data, cloud);
+    return {success, deserializer.isEmptySceneInTeach()};
+}
+
 } // namespace converters

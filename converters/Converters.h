@@ -50,4 +50,28 @@ CONVERTERS_EXPORT bool toPlyBinary(const pcl::PointCloud<pcl::PointXYZI>& cloud,
 CONVERTERS_EXPORT bool toPlyAscii(const pcl::PointCloud<pcl::PointXYZI>& cloud,
                                   std::vector<unsigned char>& out);
 
+/// What became of a PLY file.
+struct PlyReadResult {
+    /// Whether the file was accepted.
+    bool success;
+    /// Whether the file declares no vertices, or is no PLY file with a vertex element at all. It is
+    /// accepted then.
+    bool emptySceneInTeach;
+};
+
+/// Reads a PLY file, ASCII or binary little-endian, with one "vertex" element of scalar properties.
+///
+/// @param data   the file
+/// @param cloud  replaced by the points of a complete read; untouched when the file is refused or
+///               declares no vertices. x, y, z and intensity are taken from 32-bit float properties
+///               of these names; one that the file does not declare has its default, after a
+///               warning of the Point Cloud Library. Width and height come from the file's
+///               "obj_info" lines, or are the number of points and 1; is_dense is false.
+/// @return whether the file was accepted, else after a message, and whether it is an empty scene
+/// @throws std::invalid_argument, std::out_of_range for "obj_info num_cols" or "num_rows" with a
+///         value that is no 32-bit integer; `cloud` is untouched
+/// @throws std::bad_alloc when the points do not fit into memory; `cloud` is untouched
+CONVERTERS_EXPORT PlyReadResult fromPly(const std::vector<unsigned char>& data,
+                                        pcl::PointCloud<pcl::PointXYZI>& cloud);
+
 } // namespace converters

@@ -1,9 +1,13 @@
 #pragma once
 
 #include "converters/Export.h"
+#include "converters/detail/PlyAsciiBody.h"
+#include "converters/detail/PlyLines.h"
 #include "converters/detail/PlyLog.h"
+#include "converters/detail/PlyPoints.h"
 #include "converters/detail/PointBytes.h"
 
+#include <boost/shared_ptr.hpp>
 #include <pcl/PCLPointCloud2.h>
 #include <pcl/conversions.h>
 #include <pcl/point_cloud.h>
@@ -12,6 +16,8 @@
 #include <cstdint>
 #include <sstream>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 /// Writes point clouds as PLY: a header in text, followed at once by a binary or an ASCII body.
@@ -148,4 +154,202 @@ converters::detail::PointBytes PLYSerializer::Points(const pcl::PointCloud<Point
     return {layout.width, layout.height,
             reinterpret_cast<const unsigned char*>(cloud.points.data()),
             cloud.points.size() * sizeof(PointT)};
+}
+
+/// Storage form of a PLY body, as the "format" line of the header names it.
+enum class PlyFormat : std::uint32_t {
+    /// "ascii"
+    Ascii = 0,
+    /// "binary_big_endian": recognised, its body is not read
+    BinaryBigEndian = 1,
+    /// "binary_little_endian"
+    BinaryLittleEndian = 2,
+};
+
+/// Reads PLY files: a "vertex" element with scalar properties, in ASCII or binary little-endian.
+///
+/// DeserializePlyT reads a whole file into a typed cloud. The steps can also be made one by one, on
+/// a `pcl::PCLPointCloud2`: Init, IsVertexCountZero, ReadHeader, ReadData, in this order. Steps
+/// made in another order fail or do nothing; no input and no order leads outside a buffer.
+///
+/// A file's text ends at its first zero byte. Lines end at a line feed; a carriage return is
+/// whitespace. Nothing depends on a locale. One object serves one read at a time.
+class CONVERTERS_EXPORT PLYDeserializer {
+public:
+    PLYDeserializer() = default;
+
+    /// The cloud being filled. Null before Init.
+    boost::shared_ptr<pcl::PCLPointCloud2> cloud;
+    /// The count of the "element vertex" line.
+    std::uint64_t vertexCount = 0;
+    /// Next byte of the cloud's data that the ASCII body reader writes, modulo 2^32.
+    std::uint32_t writeOffset = 0;
+    /// The whole text, positioned behind what has been read. ReadHeader fills it, DeserializePlyT
+    /// does without.
+    std::istringstream stream;
+    /// Number of lines read so far; the first line of the file is line 1.
+    std::uint64_t lineNumber = 0;
+    /// Whether DeserializePlyT has seen a file that declares no vertices. Init does not reset it.
+    bool emptySceneInTeach = false;
+    /// Storage form that the header declares. Init does not reset it.
+    PlyFormat format = PlyFormat::BinaryLittleEndian;
+
+    /// Makes the object ready for one read: empty stream, counters 0, a new cloud.
+    void Init();
+
+    /// Whether the file declares no vertices: the first line "element vertex ..." of its text has
+    /// the count 0 or no readable count, or there is no such line. The line may stand anywhere, and
+    /// nothing else is checked: a text that is no PLY file is an empty scene, too. Callers rely on
+    /// that. Reads and changes no member.
+    bool IsVertexCountZero(const std::vector<unsigned char>& data) const;
+
+    /// Returns `emptySceneInTeach`.
+    bool isEmptySceneInTeach() const { return emptySceneInTeach; }
+
+    /// Reads the header: the cloud gets its fields, width, height, point_step and a zero-filled
+    /// block of data for all vertices; row_step stays 0.
+    ///
+    /// Some details differ from the PLY format; files in use depend on them. The byte behind "ply"
+    /// is not checked. The second name of "double" is "double64": "float64", like any unknown type,
+    /// is skipped in silence. Any element but "vertex" is refused, even an empty one. "comment" is
+    /// an unknown keyword and reported as such. "obj_info num_cols" and "obj_info num_rows" give
+    /// width and height when both are there.
+    ///
+    /// @param data  the file
+    /// @return false when the header is refused: after a message, or in silence when the text ends
+    ///         before "end_header", when width * height is not the number of vertices, when the
+    ///         records and their points would take more than 64 MiB and 64 bytes for each byte of
+    ///         `data`, or before Init. Members then hold what was read so far.
+    /// @throws std::invalid_argument, std::out_of_range from std::stoi for the value of "num_cols"
+    ///         or "num_rows"
+    /// @throws std::logic_error when `data` has no storage at all
+    bool ReadHeader(const std::vector<unsigned char>& data);
+
+    /// Reads the body behind an accepted header into the cloud's data.
+    ///
+    /// A binary body has to have the exact length, as the rest of `data` behind the header. An
+    /// ASCII body has one vertex a line, taken by ParseVertices; what follows the last value of a
+    /// line and the last vertex is ignored.
+    ///
+    /// @param data  the file that was given to ReadHeader
+    /// @return false when the body is refused, after a message, or before Init
+    bool ReadData(const std::vector<unsigned char>& data);
+
+    /// Reads one ASCII value and stores it at `writeOffset` in the cloud's data, then advances
+    /// `writeOffset`. What would lie outside the data is not stored.
+    ///
+    /// The stored value is what stream extraction in the classic locale gives, also on failure: 0
+    /// for a missing or malformed number, the nearest value for one out of range; after a failure
+    /// the stream gives only zeros. 8-bit types take a single character, not a number. Beyond that,
+    /// "nan", "inf" and "infinity" are read as floating values, in any letter case and with an
+    /// optional sign: organised scans mark missing points with them.
+    ///
+    /// @param type  field datatype, 1 to 8
+    /// @param line  the value, perhaps behind whitespace; whitespace behind it is taken, too
+    /// @return false for an unknown datatype, after a warning; nothing is then read. What the
+    ///         logging library throws leaves this function.
+    bool ParseVertices(const unsigned char& type, std::istringstream& line);
+
+    /// Reads a whole file.
+    ///
+    /// A file that declares no vertices succeeds, sets `emptySceneInTeach` and leaves `output` as
+    /// it is. Neither the text nor the records are held beside file and points.
+    ///
+    /// @param data    the file
+    /// @param output  replaced, when the read succeeds, by width * height points; fields of the
+    ///                point type that the file does not declare have their default, after a warning
+    ///                of the Point Cloud Library. Untouched on failure.
+    /// @return false, after a message, when the file is refused
+    /// @throws what ReadHeader throws
+    template <typename PointT>
+    bool DeserializePlyT(const std::vector<unsigned char>& data, pcl::PointCloud<PointT>& output);
+
+private:
+    /// Which lines a header has had so far.
+    struct Seen {
+        bool format = false;
+        bool vertex = false;
+    };
+
+    bool ParseHeader(std::string_view& text, std::size_t inputSize, std::size_t pointSize);
+    bool ParseMagic(std::string_view& text);
+    bool ParseFormat(std::string_view line, Seen& seen);
+    void ParseObjInfo(std::string_view line);
+    bool ParseElement(std::string_view line, Seen& seen);
+    bool ParseProperty(std::string_view line, const Seen& seen);
+    bool FinishHeader(std::size_t inputSize, std::size_t pointSize);
+    bool RefuseLine(int sourceLine) const;
+    void IgnoreLine(std::string_view line) const;
+
+    bool CheckBody(std::size_t bodySize, std::string_view text);
+    bool CheckBinarySize(std::size_t bodySize, std::uint64_t expected) const;
+    bool ReadAsciiData();
+    bool ParseValue(std::uint8_t type, converters::detail::PlyAsciiLine& line);
+    void Store(const unsigned char* value, std::size_t size);
+    template <typename PointT>
+    auto MakePoints(const unsigned char* body, std::string_view text) const;
+
+    std::uint64_t BlockSize() const { return cloud->point_step * vertexCount; }
+
+    /// The whole of which `writeOffset` is the low part.
+    std::uint64_t writePosition_ = 0;
+};
+
+template <typename PointT>
+bool PLYDeserializer::DeserializePlyT(const std::vector<unsigned char>& data,
+                                      pcl::PointCloud<PointT>& output) {
+    using converters::detail::deliverOrTerminate;
+    if (data.empty()) {
+        deliverOrTerminate(2, __LINE__, "DeserializePlyT",
+                           "[PLYDeserializer::DeserializePlyT] No Input data!\n");
+        return false;
+    }
+    Init();
+    if (IsVertexCountZero(data)) {
+        emptySceneInTeach = true;
+        return true;
+    }
+    std::string_view text = converters::detail::textOf(data);
+    const std::size_t textSize = text.size();
+    if (!ParseHeader(text, data.size(), sizeof(PointT))) {
+        deliverOrTerminate(2, __LINE__, "DeserializePlyT",
+                           "[PLYDeserializer::DeserializePlyT] Reading Header Failed!\n");
+        return false;
+    }
+    const std::size_t bodyStart = textSize - text.size();
+    if (!CheckBody(data.size() - bodyStart, text)) {
+        deliverOrTerminate(2, __LINE__, "DeserializePlyT",
+                           "[PLYDeserializer::DeserializePlyT] Reading Data Failed!\n");
+        return false;
+    }
+    cloud->row_step = cloud->point_step * cloud->width;
+    auto points = MakePoints<PointT>(data.data() + bodyStart, text);
+    output.header = cloud->header;
+    output.width = cloud->width;
+    output.height = cloud->height;
+    output.is_dense = cloud->is_dense == 1;
+    output.points.swap(points);
+    return true;
+}
+
+/// The points that conversion by pcl::fromPCLPointCloud2 would give; CheckBody has accepted the
+/// body. row_step plays no part: records follow one another without gaps.
+template <typename PointT>
+auto PLYDeserializer::MakePoints(const unsigned char* body, std::string_view text) const {
+    using namespace converters::detail;
+    pcl::MsgFieldMap mapping;
+    pcl::createMapping<PointT>(cloud->fields, mapping);
+    const std::size_t count = std::size_t{cloud->width} * cloud->height;
+    const std::size_t recordSize = cloud->point_step;
+    if (format != PlyFormat::Ascii) {
+        return makePoints<PointT>(count, recordSize, mapping, [&](std::size_t size) {
+            return std::exchange(body, body + size * recordSize);
+        });
+    }
+    PlyAsciiBody lines(cloud->fields, text);
+    std::vector<unsigned char> records(recordSize * std::min(count, pointsPerBlock));
+    return makePoints<PointT>(count, recordSize, mapping, [&](std::size_t size) {
+        lines.read(records.data(), size);
+        return static_cast<const unsigned char*>(records.data());
+    });
 }

@@ -1,0 +1,76 @@
+#pragma once
+
+#include "converters/Export.h"
+
+#include <pcl/PCLPointField.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+namespace converters::detail {
+
+/// Size in bytes of a value of a field datatype; 0 for an unknown one.
+constexpr std::size_t sizeOfDatatype(std::uint8_t datatype) {
+    constexpr std::size_t sizes[] = {0, 1, 1, 2, 2, 4, 4, 4, 8};
+    return datatype < sizeof sizes / sizeof *sizes ? sizes[datatype] : 0;
+}
+
+/// The values of one line of an ASCII body. Owns nothing: the line has to outlive it.
+///
+/// After a value that is missing, malformed or out of range, all further values are 0: a stream
+/// that has failed once gives nothing more.
+class PlyAsciiLine {
+public:
+    explicit PlyAsciiLine(std::string_view line)
+        : position_(line.data()), end_(line.data() + line.size()) {}
+
+    /// Takes the next value and stores its bytes.
+    ///
+    /// Values of 8-bit datatypes are single characters, not numbers: of "255" the first one takes
+    /// "2" and leaves "55". Existing readers of these files do so.
+    ///
+    /// @param datatype  a known field datatype
+    /// @param out       room for sizeOfDatatype(datatype) bytes
+    void read(std::uint8_t datatype, unsigned char* out);
+
+    /// Takes whitespace; nothing after a failed value.
+    void skipBlanks();
+
+    /// What has not been taken yet.
+    std::string_view rest() const {
+        return {position_, static_cast<std::size_t>(end_ - position_)};
+    }
+
+    /// Whether a value was missing, malformed or out of range.
+    bool hasFailed() const { return hasFailed_; }
+
+private:
+    template <typename Number>
+    void readNumber(unsigned char* out);
+    void readCharacter(unsigned char* out);
+
+    const char* position_;
+    const char* end_;
+    bool hasFailed_ = false;
+};
+
+/// The body of an ASCII file, decoded record by record.
+class CONVERTERS_EXPORT PlyAsciiBody {
+public:
+    /// @param fields  their datatypes, all known, give the values of a line and of a record
+    /// @param text    the lines; has to outlive this object
+    PlyAsciiBody(const std::vector<pcl::PCLPointField>& fields, std::string_view text);
+
+    /// Decodes the next lines, one record each; a line that is not there counts as empty.
+    ///
+    /// @param records  receives `count` records without gaps, values in the order of the fields
+    void read(unsigned char* records, std::size_t count);
+
+private:
+    std::vector<std::uint8_t> datatypes_;
+    std::string_view text_;
+};
+
+} // namespace converters::detail
