@@ -1,0 +1,44 @@
+#pragma once
+
+#include <dxflib/dl_writer_ascii.h>
+#include <opencv2/core/types.hpp>
+
+#include <string>
+#include <vector>
+
+namespace dxfeditor {
+
+/// dxflib's writer with a text of its own in place of the file: the same bytes for every group,
+/// but safe for every real, independent of locales and without a flush after each number.
+class DxfTextWriter : public DL_WriterA {
+public:
+    explicit DxfTextWriter(DL_Codes::version dxfVersion);
+    ~DxfTextWriter() override;
+
+    DL_Codes::version dxfVersion() const { return version; }
+
+    /// The groups written so far; in a derived writer those that it still holds.
+    const std::string& text() const { return m_text; }
+
+    void dxfReal(int gc, double value) const override;
+    void dxfInt(int gc, int value) const override;
+    void dxfHex(int gc, int value) const override;
+    /// A null pointer is written like an empty text.
+    void dxfString(int gc, const char* value) const override;
+    void dxfString(int gc, const std::string& value) const override;
+
+    /// One object per point: `head`, which holds the groups before the coordinates, then the
+    /// coordinates.
+    void writePoints(const std::string& head, const std::vector<cv::Point3_<double>>& points) const;
+
+protected:
+    /// Called after each group; a derived writer may take the text away.
+    virtual void groupWritten() const {}
+
+    mutable std::string m_text;
+
+private:
+    void append(int gc, const char* value, std::size_t length) const;
+};
+
+} // namespace dxfeditor
