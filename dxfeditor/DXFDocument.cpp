@@ -4,6 +4,9 @@
 #include "dxfeditor/DXFLayer.h"
 #include "dxfeditor/DXFLineType.h"
 #include "dxfeditor/DXFReader.h"
+#include "dxfeditor/detail/Output.h"
+#include "dxfeditor/detail/Sampling.h"
+#include "dxfeditor/detail/Stitching.h"
 
 #include <iterator>
 #include <utility>
@@ -95,4 +98,11 @@ void DXFDocument::setup() {
         }
     }
     m_setupPending = false;
+}
+
+std::vector<cv::Point3_<double>> DXFDocument::getPoints() const {
+    const std::vector<dxfeditor::Run> runs = dxfeditor::runsOf(m_entities);
+    std::vector<cv::Point3_<double>> points = dxfeditor::roomFor(runs);
+    dxfeditor::append(dxfeditor::stitch(runs), runs, points);
+    return points;
 }

@@ -2,11 +2,14 @@
 
 #include "dxfeditor/Export.h"
 
+#include <opencv2/core/types.hpp>
+
 #include <list>
 #include <map>
 #include <memory>
 #include <string>
 #include <unordered_map>
+#include <vector>
 
 class DXFEntity;
 class DXFLayer;
@@ -59,6 +62,26 @@ public:
     /// Calls setup() on every entity, in order. Only the first call does: entities added later are
     /// not set up.
     void setup();
+
+    /// The drawing as one ordered walk of points; setup() comes first, since a polyline has nothing
+    /// to walk before.
+    ///
+    /// Every entity is sampled into a run of about ten points per drawing unit. Runs whose ends lie
+    /// within 0.001 of each other are then joined, so that a contour drawn as many pieces, in any
+    /// order and direction, comes out as one: the end that a joined run shares with the walk is
+    /// left out, and a contour that returns to its start ends with an exact copy of it. The walks
+    /// follow one another, beginning with the one that grew from the last entity; at each step the
+    /// entity that was added first goes first where several fit.
+    ///
+    /// A point (x, y) of the drawing plane becomes (x, 0, y): heights are dropped. Point vectors
+    /// are in the coordinates of the cloud already: (x, y, z) becomes (x, y, -z).
+    ///
+    /// Example: the line from (0, 0) to (1, 0) and, added after it, the one from (1, 1) to (1, 0)
+    /// give 21 points, from (1, 0, 1) over (1, 0, 0) to (0, 0, 0).
+    ///
+    /// The cost grows in proportion to the points, and as n log n with the entities.
+    /// @throw std::bad_alloc when the points do not fit the memory, before any is computed
+    std::vector<cv::Point3_<double>> getPoints() const;
 
 private:
     using EntityList = std::list<std::shared_ptr<DXFEntity>>;

@@ -71,6 +71,9 @@ public:
     /// A copy of the segments that the last setup() or setSegments() left.
     std::vector<Segment> segments() const { return m_segments; }
 
+    /// Those segments themselves; valid while the entity lives and is not changed.
+    const std::vector<Segment>& pieces() const { return m_segments; }
+
     /// Appends a vertex. Segments that setup() has already derived stay as they are.
     void appendPoint(const DXFVertex& vertex) { m_vertices.push_back(vertex); }
 

@@ -1,5 +1,6 @@
 #include "dxfeditor/DXFSpline.h"
 
+#include "dxfeditor/detail/SplineSamples.h"
 #include "dxfeditor/detail/TruncatedCount.h"
 
 #include <algorithm>
@@ -128,23 +129,11 @@ std::size_t DXFSpline::sampleCount(double step) const {
 }
 
 std::vector<cv::Point_<double>> DXFSpline::sample(double step) const {
+    dxfeditor::SplineSamples samples(*this, step);
     std::vector<cv::Point_<double>> points;
-    if (!isEvaluable()) {
-        points.reserve(m_fitPoints.size());
-        for (const cv::Point3_<double>& fit : m_fitPoints) {
-            points.emplace_back(fit.x, fit.y);
-        }
-        return points;
-    }
-    const double start = m_knots[m_degree];
-    const double end = m_knots[m_controlPoints.size()];
-    const int steps = sampleSteps(step);
-    const double parameterStep = (end - start) / steps;
-    points.reserve(static_cast<std::size_t>(steps) + 1);
-    std::vector<cv::Point3_<double>> homogeneous;
-    // A 64-bit counter: 2^31 - 1 steps are one point more than a 32-bit one can count.
-    for (std::int64_t i = 0; i <= steps; ++i) {
-        points.push_back(evaluate(start + static_cast<double>(i) * parameterStep, homogeneous));
+    points.reserve(samples.size());
+    for (std::size_t i = 0; i < samples.size(); ++i) {
+        points.push_back(samples(i));
     }
     return points;
 }

@@ -6,6 +6,10 @@
 
 #include <vector>
 
+namespace dxfeditor {
+class SplineSamples;
+}
+
 /// A weighted control point, in drawing units.
 struct DXFControlPoint {
     double x;
@@ -69,6 +73,8 @@ public:
     std::size_t sampleCount(double step) const;
 
 private:
+    friend class dxfeditor::SplineSamples;
+
     bool isEvaluable() const;
     int sampleSteps(double step) const;
     std::size_t findSpan(double t) const;

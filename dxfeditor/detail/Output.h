@@ -1,0 +1,18 @@
+#pragma once
+
+#include "dxfeditor/detail/Sampling.h"
+#include "dxfeditor/detail/Stitching.h"
+
+#include <vector>
+
+namespace dxfeditor {
+
+/// An empty vector with room for the points of all runs, so that a drawing too large for the memory
+/// fails with std::bad_alloc before any work is done.
+std::vector<Run::Point> roomFor(const std::vector<Run>& runs);
+
+/// Appends the points of a walk through `runs`. The last point of a closed chain becomes an exact
+/// copy of its first.
+void append(const Walk& walk, const std::vector<Run>& runs, std::vector<Run::Point>& points);
+
+} // namespace dxfeditor

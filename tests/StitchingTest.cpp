@@ -1,0 +1,264 @@
+// Drawings of random runs full of near ties, against the plain procedure that goes through all
+// runs after every join.
+
+#include "dxfeditor/DXFDocument.h"
+#include "dxfeditor/DXFLine.h"
+#include "dxfeditor/DXFPoint.h"
+#include "dxfeditor/DXFPointVector.h"
+#include "tests/support/PlainExtraction.h"
+#include "tests/support/SamePoints.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+#include <limits>
+#include <memory>
+#include <random>
+#include <vector>
+
+namespace {
+
+using Point = cv::Point3_<double>;
+using Random = std::mt19937_64;
+
+constexpr double infinity = std::numeric_limits<double>::infinity();
+constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
+
+std::size_t below(Random& random, std::size_t limit) {
+    return static_cast<std::size_t>(random() % limit);
+}
+
+/// In [-1, 1), the same with every standard library.
+double symmetric(Random& random) {
+    return static_cast<double>(random() >> 11) * 0x1p-52 - 1.0;
+}
+
+/// Makes the ends of runs.
+using EndSource = std::function<Point(Random&)>;
+
+/// A drawing of runs of one to four points, a third of them closed, copied or reversed.
+DXFDocument& fill(DXFDocument& document, Random& random, std::size_t runs, const EndSource& end) {
+    std::vector<std::vector<Point>> made;
+    for (std::size_t i = 0; i < runs; ++i) {
+        std::vector<Point> run{end(random)};
+        const std::size_t kind = below(random, 12);
+        if (kind == 0 && !made.empty()) {
+            run = made[below(random, made.size())];
+        } else if (kind == 1 && !made.empty()) {
+            run = made[below(random, made.size())];
+            std::reverse(run.begin(), run.end());
+        } else if (kind == 2) {
+            run.emplace_back(7.0, 8.0, 9.0 + static_cast<double>(i));
+            run.push_back(run.front());
+        } else if (kind != 3) {
+            for (std::size_t between = below(random, 3); between > 0; --between) {
+                run.emplace_back(100.0, static_cast<double>(i), static_cast<double>(between));
+            }
+            run.push_back(end(random));
+        }
+        made.push_back(run);
+        document.addEntity(std::make_shared<DXFPointVector>(run));
+    }
+    return document;
+}
+
+void expectPlainResult(std::uint64_t seed, std::size_t drawings, std::size_t largest,
+                       const EndSource& end) {
+    Random random(seed);
+    for (std::size_t i = 0; i < drawings; ++i) {
+        DXFDocument document;
+        fill(document, random, 1 + below(random, largest), end);
+        ASSERT_TRUE(samePoints(document.getPoints(), plainPoints(document))) << "drawing " << i;
+    }
+}
+
+TEST(StitchingTest, RunsThatMeetInFewPlaces) {
+    expectPlainResult(1, 1500, 60, [](Random& random) {
+        return Point(static_cast<double>(below(random, 4)), 0.0,
+                     static_cast<double>(below(random, 3)));
+    });
+}
+
+TEST(StitchingTest, ContoursWithEveryEndNearOneOther) {
+    expectPlainResult(2, 300, 150, [](Random& random) {
+        return Point(static_cast<double>(below(random, 12)) + 4e-4 * symmetric(random), 0.0,
+                     static_cast<double>(below(random, 12)) + 4e-4 * symmetric(random));
+    });
+}
+
+TEST(StitchingTest, EndsJustInsideAndJustBeyondTheTolerance) {
+    expectPlainResult(3, 1000, 60, [](Random& random) {
+        const double steps[] = {0.0, 0.0009, 0.0011, 0.002, -0.0009, -0.0011, 0.001};
+        const auto step = [&] { return steps[below(random, 7)]; };
+        return Point(static_cast<double>(below(random, 2)) + step(), step(), step());
+    });
+}
+
+TEST(StitchingTest, EndsWithinAFewBitsOfTheTolerance) {
+    expectPlainResult(4, 1000, 60, [](Random& random) {
+        Point point(0.001 * static_cast<double>(below(random, 3)), 0.0,
+                    0.001 * static_cast<double>(below(random, 3)));
+        for (std::size_t bits = below(random, 4); bits > 0; --bits) {
+            point.x = std::nextafter(point.x, symmetric(random));
+            point.z = std::nextafter(point.z, symmetric(random));
+        }
+        return point;
+    });
+}
+
+TEST(StitchingTest, EndsAllOverOneNeighbourhoodOfTheTolerance) {
+    for (const double extent : {0.0003, 0.001, 0.002, 0.005}) {
+        expectPlainResult(5, 250, 120, [extent](Random& random) {
+            return Point(extent * symmetric(random), extent * symmetric(random),
+                         extent * symmetric(random));
+        });
+    }
+}
+
+TEST(StitchingTest, EndsOnASphereOfTheToleranceAroundOnePoint) {
+    expectPlainResult(6, 500, 120, [](Random& random) {
+        if (below(random, 3) == 0) {
+            return Point(5.0, 0.0, 5.0);
+        }
+        const double angle = 3.2 * symmetric(random);
+        const double radius = 0.001 + 1e-18 * static_cast<double>(below(random, 3));
+        return Point(5.0 + radius * std::cos(angle), 0.0, 5.0 + radius * std::sin(angle));
+    });
+}
+
+TEST(StitchingTest, CoordinatesWithoutMeaningNeverJoinAndHugeOnesOnlyTheirEquals) {
+    const double odd[] = {
+        0.0,      -0.0,      0.0,        1e300,     -1e300,   1e300,  std::nextafter(1e300, 0.0),
+        infinity, -infinity, notANumber, 1.7e308,   -1.7e308, 5e-324, -5e-324,
+        1e-310,   0.0005,    1e16,       1e16 + 2.0};
+    expectPlainResult(7, 2000, 50, [&odd](Random& random) {
+        const auto coordinate = [&] {
+            return below(random, 2) == 0 ? 0.0 : odd[below(random, std::size(odd))];
+        };
+        return Point(coordinate(), coordinate(), coordinate());
+    });
+}
+
+TEST(StitchingTest, EndsOfVeryDifferentMagnitude) {
+    expectPlainResult(8, 500, 100, [](Random& random) {
+        const auto coordinate = [&] {
+            return std::ldexp(static_cast<double>(below(random, 3)) - 1.0,
+                              static_cast<int>(below(random, 40)) - 20);
+        };
+        return Point(coordinate(), 0.0, coordinate());
+    });
+}
+
+TEST(StitchingTest, CoordinatesCoarserThanTheTolerance) {
+    expectPlainResult(9, 300, 80, [](Random& random) {
+        return Point(1e15 + 0.125 * static_cast<double>(below(random, 4)), 0.0,
+                     -1e14 - 0.0156 * static_cast<double>(below(random, 4)));
+    });
+}
+
+TEST(StitchingTest, ShuffledAndFlippedLinesOfALargeDrawing) {
+    Random random(10);
+    std::vector<std::shared_ptr<DXFEntity>> lines;
+    for (int contour = 0; contour < 60; ++contour) {
+        const Point corner(3.0 * contour, 0.0, 0.0);
+        const Point corners[] = {corner, corner + Point(0.2, 0.0, 0.0),
+                                 corner + Point(0.2, 0.2, 0.0), corner + Point(0.1, 0.3, 0.0),
+                                 corner + Point(0.0, 0.2, 0.0)};
+        for (std::size_t i = 0; i < 5; ++i) {
+            Point start = corners[i];
+            Point end = corners[(i + 1) % 5] + Point(3e-4 * symmetric(random), 0.0, 0.0);
+            if (below(random, 2) == 0) {
+                std::swap(start, end);
+            }
+            lines.push_back(std::make_shared<DXFLine>(start, end));
+        }
+    }
+    for (int order = 0; order < 20; ++order) {
+        for (std::size_t i = lines.size() - 1; i > 0; --i) {
+            std::swap(lines[i], lines[below(random, i + 1)]);
+        }
+        DXFDocument document;
+        for (const auto& line : lines) {
+            document.addEntity(line);
+        }
+        ASSERT_TRUE(samePoints(document.getPoints(), plainPoints(document))) << "order " << order;
+    }
+}
+
+/// A run of the given points, as they are to come out.
+std::shared_ptr<DXFPointVector> run(std::vector<Point> points) {
+    for (Point& point : points) {
+        point.z = -point.z;
+    }
+    return std::make_shared<DXFPointVector>(points);
+}
+
+std::vector<Point> stitched(const std::vector<std::vector<Point>>& runs) {
+    DXFDocument document;
+    for (const std::vector<Point>& points : runs) {
+        document.addEntity(run(points));
+    }
+    return document.getPoints();
+}
+
+const Point a(0, 0, 0);
+const Point b(1, 0, 0);
+const Point c(1, 0, 1);
+const Point d(0, 0, 1);
+const Point near(1.0, 0.0, 0.0005);
+
+TEST(StitchingTest, ARunIsAppendedByItsFirstPoint) {
+    EXPECT_TRUE(samePoints(stitched({{near, c}, {a, b}}), {a, b, c}));
+}
+
+TEST(StitchingTest, ARunIsAppendedBackwardsByItsLastPoint) {
+    EXPECT_TRUE(samePoints(stitched({{c, d, near}, {a, b}}), {a, b, d, c}));
+}
+
+TEST(StitchingTest, ARunIsPutInFrontByItsLastPoint) {
+    EXPECT_TRUE(samePoints(stitched({{c, near}, {b, a}}), {c, b, a}));
+}
+
+TEST(StitchingTest, ARunIsPutInFrontBackwardsByItsFirstPoint) {
+    EXPECT_TRUE(samePoints(stitched({{near, d, c}, {b, a}}), {c, d, b, a}));
+}
+
+TEST(StitchingTest, TheLowestRunThatFitsEitherEndGoesFirst) {
+    EXPECT_TRUE(samePoints(stitched({{c, a}, {d, a}, {b, c}, {a, b}}), {c, a, b, c, d, a}));
+}
+
+TEST(StitchingTest, ChainsGrowFromTheLastRunBackwards) {
+    EXPECT_TRUE(samePoints(stitched({{a}, {b}, {c}}), {c, b, a}));
+}
+
+TEST(StitchingTest, ASinglePointThatFitsIsDroppedAndTheChainEndsWhereItDid) {
+    // The second point is within the tolerance of the chain's end, the first only of the second.
+    const Point step1(1.0009, 0, 0);
+    const Point step2(1.0018, 0, 0);
+    EXPECT_TRUE(samePoints(stitched({{step2}, {step1}, {a, b}}), {a, b, step2}));
+}
+
+TEST(StitchingTest, AClosedContourEndsWithAnExactCopyOfItsFirstPoint) {
+    const Point almostA(0.0005, 0, -0.0005);
+    EXPECT_TRUE(samePoints(stitched({{a, b, c, almostA}}), {a, b, c, a}));
+    EXPECT_TRUE(samePoints(stitched({{c, almostA}, {a, b, c}}), {a, b, c, a}));
+}
+
+TEST(StitchingTest, ClosingCopiesTheSignOfZero) {
+    EXPECT_TRUE(samePoints(stitched({{Point(-0.0, -0.0, -0.0), b, Point(0.0, 0.0, 0.0)}}),
+                           {Point(-0.0, -0.0, -0.0), b, Point(-0.0, -0.0, -0.0)}));
+}
+
+TEST(StitchingTest, EndsAtExactlyTheToleranceDoNotMeet) {
+    EXPECT_EQ(stitched({{Point(0.001, 0, 0), b}, {d, a}}).size(), 4U) << "0.001 squared is 1e-06";
+    EXPECT_EQ(stitched({{Point(std::nextafter(0.001, 0.0), 0, 0), b}, {d, a}}).size(), 3U);
+}
+
+TEST(StitchingTest, AllThreeCoordinatesCount) {
+    EXPECT_EQ(stitched({{Point(0.0006, 0.0006, 0.0006), b}, {d, a}}).size(), 4U);
+    EXPECT_EQ(stitched({{Point(0.0005, 0.0005, 0.0005), b}, {d, a}}).size(), 3U);
+}
+
+} // namespace
