@@ -98,6 +98,8 @@ void DxfIntake::append(const DxfObject& object) {
 
 void DxfIntake::close() {
     if (m_polylineCutShort) {
+        // The vertex before is reported, the polyline does not end.
+        writeGroup(0, "VERTEX");
         return;
     }
     endPolyline();

@@ -1,0 +1,103 @@
+#include "dxfeditor/DXFDocument.h"
+#include "dxfeditor/DXFReader.h"
+#include "tests/support/DrawingText.h"
+
+#include <gtest/gtest.h>
+
+#include <clocale>
+#include <locale>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace {
+
+/// Numbers as in much of Europe: 1.234,5.
+class CommaNumbers : public std::numpunct<char> {
+    char do_decimal_point() const override { return ','; }
+    char do_thousands_sep() const override { return '.'; }
+    std::string do_grouping() const override { return "\3"; }
+};
+
+/// Makes a locale global while it lives.
+class GlobalLocale {
+public:
+    explicit GlobalLocale(const std::locale& locale) : m_before(std::locale::global(locale)) {}
+    ~GlobalLocale() { std::locale::global(m_before); }
+
+private:
+    std::locale m_before;
+};
+
+std::locale commaLocale() {
+    return {std::locale::classic(), new CommaNumbers};
+}
+
+std::vector<char> drawing() {
+    const std::string text =
+        dxf({"0", "LINE", "10", "1.5", "20", "2,5", "30", "1234567.25", "0", "EOF"});
+    return {text.begin(), text.end()};
+}
+
+/// Keeps the global locale that it sees while dxflib parses.
+class LocaleWatcher : public DXFReader {
+public:
+    using DXFReader::DXFReader;
+    void addLine(const DL_LineData& data) override {
+        seen = std::locale();
+        if (throws) {
+            throw std::runtime_error("stop");
+        }
+        DXFReader::addLine(data);
+    }
+
+    std::locale seen;
+    bool throws = false;
+};
+
+TEST(DxfLocale, ADecimalCommaDoesNotChangeNumbers) {
+    const GlobalLocale comma(commaLocale());
+    DXFDocument document;
+    DXFReader(document).load(drawing());
+    EXPECT_EQ(describe(document), "line 1.5 2.5 1234567.25 0 0 0 {0 256 -1 -1 BYLAYER 1 -1}\n");
+}
+
+TEST(DxfLocale, TheGlobalLocaleIsBackAfterALoad) {
+    const std::locale before = commaLocale();
+    const GlobalLocale comma(before);
+    DXFDocument document;
+    LocaleWatcher reader(document);
+    reader.load(drawing());
+    EXPECT_FALSE(reader.seen == before);
+    EXPECT_TRUE(std::locale() == before);
+}
+
+TEST(DxfLocale, TheGlobalLocaleIsBackAfterAnException) {
+    const std::locale before = commaLocale();
+    const GlobalLocale comma(before);
+    DXFDocument document;
+    LocaleWatcher reader(document);
+    reader.throws = true;
+    EXPECT_THROW(reader.load(drawing()), std::runtime_error);
+    EXPECT_TRUE(std::locale() == before);
+}
+
+TEST(DxfLocale, TheClassicGlobalLocaleIsLeftAlone) {
+    DXFDocument document;
+    LocaleWatcher reader(document);
+    reader.load(drawing());
+    EXPECT_TRUE(reader.seen == std::locale::classic());
+}
+
+TEST(DxfLocale, TheLocaleOfTheCLibraryIsLeftAlone) {
+    const GlobalLocale named(std::locale("C.UTF-8"));
+    std::setlocale(LC_ALL, "C");
+    std::setlocale(LC_CTYPE, "C.UTF-8");
+    const std::string before = std::setlocale(LC_ALL, nullptr);
+    DXFDocument document;
+    DXFReader(document).load(drawing());
+    EXPECT_EQ(std::setlocale(LC_ALL, nullptr), before);
+    std::setlocale(LC_ALL, "C");
+}
+
+} // namespace
