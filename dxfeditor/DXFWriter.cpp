@@ -1,0 +1,224 @@
+#include "dxfeditor/DXFWriter.h"
+
+#include "dxfeditor/DXFAdapter.h"
+#include "dxfeditor/DXFAttributes.h"
+#include "dxfeditor/DXFDocument.h"
+#include "dxfeditor/DXFLayer.h"
+#include "dxfeditor/DXFLineType.h"
+#include "dxfeditor/DXFPoint.h"
+#include "dxfeditor/DXFPointVector.h"
+#include "dxfeditor/DXFPolyline.h"
+#include "dxfeditor/detail/DxfFileWriter.h"
+#include "universal_log_interface/universal_log_interface.h"
+
+#include <dxflib/dl_dxf.h>
+
+namespace {
+
+constexpr DL_Codes::version outputVersion = DL_Codes::AC1009; // release R12
+// Later releases want a handle and class names with every table and table entry.
+constexpr DL_Codes::version firstVersionWithHandles = DL_Codes::AC1015;
+
+constexpr const char* sourceFile = "dxfeditor/DXFWriter";
+
+/// The attributes of the layer "0" that a drawing gets when it has none.
+std::shared_ptr<DXFAttributes> defaultAttributes() {
+    return DXFAdapter::makeAttributes(DL_Attributes("0", 7, -1, -1, "CONTINUOUS", -1));
+}
+
+DL_Attributes recordOf(const std::shared_ptr<DXFAttributes>& attributes) {
+    return DXFAdapter::makeAttributes(attributes ? attributes : defaultAttributes());
+}
+
+/// Ends the process when the log throws.
+void reportUnsupportedEntity() noexcept {
+    p7::deliver(p7::level_info, __LINE__, sourceFile, "fillEntities",
+                "DXFWriter:: attempted writing of unsuported entity");
+}
+
+/// The entity as the class that its type code stands for. Ends the process when it is not of that
+/// class.
+template <class Concrete>
+std::shared_ptr<Concrete> castTo(const std::shared_ptr<DXFEntity>& entity) noexcept {
+    static_cast<void>(dynamic_cast<Concrete&>(*entity));
+    return std::static_pointer_cast<Concrete>(entity);
+}
+
+void writePolyline(DL_Dxf& engine, DL_WriterA& file, const std::shared_ptr<DXFPolyline>& polyline) {
+    engine.writePolyline(file, DXFAdapter::makePolyline(polyline),
+                         recordOf(polyline->attributes()));
+    for (const DXFVertex& vertex : polyline->vertices()) {
+        engine.writeVertex(file, DXFAdapter::makeVertex(vertex));
+    }
+    engine.writePolylineEnd(file);
+}
+
+/// What dxflib writes for a POINT of these attributes, up to the coordinates. They come last.
+std::string pointHead(DL_Dxf& engine, DL_Codes::version version, const DL_Attributes& attributes) {
+    dxfeditor::DxfTextWriter point(version);
+    engine.writePoint(point, DL_PointData(0.0, 0.0, 0.0), attributes);
+    dxfeditor::DxfTextWriter coordinates(version);
+    coordinates.coord(10, 0.0, 0.0, 0.0);
+    return point.text().substr(0, point.text().size() - coordinates.text().size());
+}
+
+} // namespace
+
+DXFWriter::DXFWriter(const DXFDocument& document) : m_document(document) {}
+
+DXFWriter::~DXFWriter() = default;
+
+bool DXFWriter::hasOpenFile() const {
+    return m_file && m_file->isOpen();
+}
+
+bool DXFWriter::save(const std::string& path) {
+    // An unfinished file is closed first: it may be the one at `path`.
+    m_file.reset();
+    m_engine = std::make_unique<DL_Dxf>();
+    // dxflib creates the file; it stays open until the own writer has it, so that the reader of a
+    // pipe does not see it end.
+    const std::unique_ptr<DL_WriterA> created(m_engine->out(path.c_str(), outputVersion));
+    if (created) {
+        m_file = dxfeditor::DxfFileWriter::open(path, outputVersion);
+        created->close();
+    }
+    if (!m_file) {
+        p7::deliver(p7::level_info, __LINE__, sourceFile, "save",
+                    "DXFWriter: Cannot open %s for writing.", path.c_str());
+        return false;
+    }
+
+    writeHeader();
+    m_file->sectionTables();
+    writeLineType_table();
+    writeLAYER_table();
+    m_file->sectionEnd();
+    m_file->sectionBlocks();
+    m_file->sectionEnd();
+    const bool complete = writeEntities_section();
+    if (complete) {
+        m_file->dxfEOF();
+    }
+    m_file->flush();
+    // After an entity that cannot be written, the file stays open.
+    if (complete || !m_file->succeeded()) {
+        m_file->close();
+    }
+    return complete && m_file->succeeded();
+}
+
+void DXFWriter::writeHeader() {
+    if (!hasOpenFile()) {
+        return;
+    }
+    m_engine->writeHeader(*m_file);
+    m_file->sectionEnd();
+}
+
+void DXFWriter::beginTable(const char* name, int handle, int entries) {
+    m_file->dxfString(0, "TABLE");
+    m_file->dxfString(2, name);
+    if (m_file->dxfVersion() >= firstVersionWithHandles) {
+        m_file->dxfHex(5, handle);
+        m_file->dxfString(100, "AcDbSymbolTable");
+    }
+    m_file->dxfInt(70, entries);
+}
+
+void DXFWriter::writeLineType_table() {
+    if (!hasOpenFile()) {
+        return;
+    }
+    const std::list<std::shared_ptr<DXFLineType>> lineTypes = {
+        DXFAdapter::makeLineType(DL_LinetypeData("CONTINUOUS", "Solid Line", 0, 0, 0.0, nullptr))};
+    beginTable("LTYPE", 5, static_cast<int>(lineTypes.size()));
+    for (const std::shared_ptr<DXFLineType>& lineType : lineTypes) {
+        m_engine->writeLinetype(*m_file, DXFAdapter::makeLineType(lineType));
+    }
+    m_file->tableEnd();
+}
+
+void DXFWriter::writeLAYER_table() {
+    if (!hasOpenFile()) {
+        return;
+    }
+    std::list<std::shared_ptr<DXFLayer>> layers = m_document.layers();
+    layers.remove(nullptr);
+    if (!m_document.getLayer("0")) {
+        const std::shared_ptr<DXFLayer> layer = DXFAdapter::makeLayer(DL_LayerData("0", 0));
+        layer->setAttributes(defaultAttributes());
+        layers.push_front(layer);
+        for (const std::shared_ptr<DXFEntity>& entity : m_document.entities()) {
+            if (entity && !entity->attributes()) {
+                entity->setAttributes(layer->attributes());
+            }
+        }
+    }
+    beginTable("LAYER", 2, static_cast<int>(layers.size()));
+    for (const std::shared_ptr<DXFLayer>& layer : layers) {
+        m_engine->writeLayer(*m_file, DXFAdapter::makeLayer(layer), recordOf(layer->attributes()));
+    }
+    m_file->tableEnd();
+}
+
+bool DXFWriter::writeEntities_section() {
+    if (!hasOpenFile()) {
+        return false;
+    }
+    m_file->sectionEntities();
+    for (const std::shared_ptr<DXFEntity>& entity : m_document.entities()) {
+        if (!fillEntities(entity)) {
+            return false;
+        }
+    }
+    m_file->sectionEnd();
+    return true;
+}
+
+bool DXFWriter::fillEntities(std::shared_ptr<DXFEntity> entity) {
+    constexpr int noType = -1;
+    const int type = entity ? entity->type() : noType;
+    if (type != DXFEntityType::Polyline && type != DXFEntityType::Point &&
+        type != DXFEntityType::PointVector) {
+        reportUnsupportedEntity();
+        return false;
+    }
+    if (!hasOpenFile()) {
+        return false;
+    }
+    if (type == DXFEntityType::Polyline) {
+        writePolyline(*m_engine, *m_file, castTo<DXFPolyline>(entity));
+    } else if (type == DXFEntityType::Point) {
+        m_engine->writePoint(*m_file, DXFAdapter::makePoint(castTo<DXFPoint>(entity)),
+                             recordOf(entity->attributes()));
+    } else {
+        const DL_Attributes attributes = recordOf(entity->attributes());
+        m_file->writePoints(pointHead(*m_engine, m_file->dxfVersion(), attributes),
+                            castTo<DXFPointVector>(entity)->points());
+    }
+    return m_file->succeeded();
+}
+
+void DXFWriter::writeVPORT_table() {
+    if (hasOpenFile()) {
+        m_engine->writeVPort(*m_file);
+    }
+}
+
+void DXFWriter::writeAPPID_table() {
+    if (!hasOpenFile()) {
+        return;
+    }
+    const bool hasHandles = m_file->dxfVersion() >= firstVersionWithHandles;
+    beginTable("APPID", 9, 1);
+    m_file->dxfString(0, "APPID");
+    if (hasHandles) {
+        m_file->dxfHex(5, 18);
+        m_file->dxfString(100, "AcDbSymbolTableRecord");
+        m_file->dxfString(100, "AcDbRegAppTableRecord");
+    }
+    m_file->dxfString(2, "ACAD");
+    m_file->dxfInt(70, 0);
+    m_file->tableEnd();
+}
