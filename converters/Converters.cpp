@@ -1,15 +1,78 @@
 #include "converters/Converters.h"
 
 #include "converters/PlySerializerDeserializer.h"
+#include "converters/detail/TransientFile.h"
 #include "converters/mpaths.h"
+#include "dxfeditor/DXFAdapter.h"
+#include "dxfeditor/DXFAttributes.h"
+#include "dxfeditor/DXFDraw.h"
+#include "dxfeditor/DXFPointVector.h"
 #include "universal_log_interface/universal_log_interface.h"
 
+#include <unistd.h>
+
+#include <cstdint>
 #include <fstream>
+#include <memory>
+#include <system_error>
+#include <utility>
 
 namespace converters {
 
 const std::filesystem::path tmpDxfPath = std::filesystem::path(mpaths::getTMP_DIRECTORY()) /=
     "temp_dxf_files";
+
+namespace {
+
+std::vector<cv::Point3_<double>> widened(const pcl::PointCloud<pcl::PointXYZ>& cloud) {
+    std::vector<cv::Point3_<double>> points;
+    points.reserve(cloud.points.size());
+    for (const pcl::PointXYZ& point : cloud.points) {
+        points.emplace_back(point.x, point.y, point.z);
+    }
+    return points;
+}
+
+/// Writes the drawing that holds the points alone.
+/// @return true when every byte of it was written
+bool saveDrawing(const std::string& path, std::shared_ptr<DXFPointVector> points) {
+    DXFDraw draw(path);
+    draw.setupFile();
+    draw.entities.push_back(points);
+    // 1 is a valid 24-bit colour, nearly black. R12 has no group for it: it is not written.
+    points->setAttributes(
+        DXFAdapter::makeAttributes(DL_Attributes("0", 7, 1, 10, "CONTINUOUS", -1)));
+    if (draw.document.addEntity(points)) {
+        draw.document.setup();
+    }
+    return draw.saveFile();
+}
+
+bool writeAndReadBack(std::shared_ptr<DXFPointVector> points, std::vector<unsigned char>& out) {
+    if (!std::filesystem::exists(tmpDxfPath)) {
+        std::filesystem::create_directories(tmpDxfPath);
+    }
+    std::filesystem::path path = tmpDxfPath;
+    path /= "tmp" + std::to_string(getpid()) + ".dxf";
+
+    // If the file could not be created, the writer cannot either and says so.
+    TransientFile file(path);
+    if (file.isBlocked() || !saveDrawing(path.string(), std::move(points)) || !file.isInPlace()) {
+        return false;
+    }
+    if (!from_file(path.string(), out)) {
+        file.keep();
+        return false;
+    }
+    if (!file.isInPlace()) {
+        out.clear();
+        return false;
+    }
+    file.remove();
+    return true;
+}
+
+} // namespace
 
 bool from_file(const std::string& path, std::vector<unsigned char>& out) {
     std::ifstream file(path, std::ios::in | std::ios::binary);
@@ -18,19 +81,32 @@ bool from_file(const std::string& path, std::vector<unsigned char>& out) {
         return false;
     }
 
-    constexpr std::size_t blockSize = 1 << 16;
-    std::size_t length = 0;
+    // A hint only: pipes have no size, and a file may grow.
+    std::error_code unknown;
+    const std::uintmax_t size = std::filesystem::file_size(path, unknown);
+    if (!unknown) {
+        out.reserve(size);
+    }
+    std::vector<char> block(1 << 18);
     while (file) {
-        out.resize(length + blockSize);
-        file.read(reinterpret_cast<char*>(out.data() + length), blockSize);
-        length += static_cast<std::size_t>(file.gcount());
+        file.read(block.data(), static_cast<std::streamsize>(block.size()));
+        out.insert(out.end(), block.begin(), block.begin() + file.gcount());
     }
     // A directory opens but cannot be read: that sets badbit, the end of a file does not.
     if (file.bad()) {
-        length = 0;
+        out.clear();
     }
-    out.resize(length);
     return !file.bad();
+}
+
+bool toDxf(const std::vector<cv::Point3_<double>>& points, std::vector<unsigned char>& out) {
+    out.clear();
+    return writeAndReadBack(DXFAdapter::makePointVector(points), out);
+}
+
+bool toDxf(const pcl::PointCloud<pcl::PointXYZ>& cloud, std::vector<unsigned char>& out) {
+    out.clear();
+    return writeAndReadBack(DXFAdapter::makePointVector(widened(cloud)), out);
 }
 
 bool toPlyBinary(const pcl::PointCloud<pcl::PointXYZI>& cloud, std::vector<unsigned char>& out) {

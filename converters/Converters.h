@@ -2,6 +2,7 @@
 
 #include "converters/Export.h"
 
+#include <opencv2/core/types.hpp>
 #include <pcl/point_cloud.h>
 #include <pcl/point_types.h>
 
@@ -25,6 +26,36 @@ extern CONVERTERS_EXPORT const std::filesystem::path tmpDxfPath;
 ///         empty and nothing is logged
 /// @throws std::bad_alloc when the bytes do not fit into memory
 CONVERTERS_EXPORT bool from_file(const std::string& path, std::vector<unsigned char>& out);
+
+/// Makes a DXF drawing (release R12) with one POINT on layer "0" for each point, in order.
+///
+/// Coordinates are written as they are, rounded to sixteen decimals; nan and infinities as the
+/// words "nan", "-nan", "inf" and "-inf", which few readers of drawings take. The text does not
+/// depend on the locale.
+///
+/// The drawing passes through the file "tmp<process id>.dxf" in tmpDxfPath, a directory that is
+/// created on first need and stays. What is left over under that name is removed first. One call
+/// at a time in a process: calls that overlap share the file, and callers must prevent it. Other
+/// processes do not disturb.
+///
+/// @param points  the points; none give a drawing without entities
+/// @param out     replaced by the bytes of the drawing; empty when the call fails
+/// @return true when `out` is the complete drawing of these points, and the file is removed. False
+///         when the file cannot be created (after a message, unless something is in its place that
+///         cannot be removed), when a byte of it cannot be written (what was written is removed),
+///         or when it cannot be read back (it stays).
+/// @throws std::filesystem::filesystem_error when the directory cannot be queried or created, or
+///         the file cannot be removed
+/// @throws std::bad_alloc when the drawing does not fit into memory
+CONVERTERS_EXPORT bool toDxf(const std::vector<cv::Point3_<double>>& points,
+                             std::vector<unsigned char>& out);
+
+/// Makes the drawing of the cloud's points, as the other toDxf does; the file is the same.
+///
+/// @param cloud  its points, missing ones (nan) included; its width, height and is_dense do not
+///               matter
+CONVERTERS_EXPORT bool toDxf(const pcl::PointCloud<pcl::PointXYZ>& cloud,
+                             std::vector<unsigned char>& out);
 
 /// Makes a binary little-endian PLY file of x, y, z and intensity as 32-bit floats.
 ///
