@@ -5,8 +5,10 @@
 #include "converters/mpaths.h"
 #include "dxfeditor/DXFAdapter.h"
 #include "dxfeditor/DXFAttributes.h"
+#include "dxfeditor/DXFDocument.h"
 #include "dxfeditor/DXFDraw.h"
 #include "dxfeditor/DXFPointVector.h"
+#include "dxfeditor/DXFReader.h"
 #include "universal_log_interface/universal_log_interface.h"
 
 #include <unistd.h>
@@ -122,6 +124,31 @@ PlyReadResult fromPly(const std::vector<unsigned char>& data,
     PLYDeserializer deserializer;
     const bool success = deserializer.DeserializePlyT(data, cloud);
     return {success, deserializer.isEmptySceneInTeach()};
+}
+
+bool fromDxf(const std::vector<char>& data, std::vector<cv::Point3_<double>>& points) {
+    DXFDocument document;
+    if (!DXFReader(document).load(data.data(), data.size())) {
+        return false;
+    }
+    document.setup();
+    points = document.getPoints();
+    return true;
+}
+
+bool fromDxf(const std::vector<char>& data, pcl::PointCloud<pcl::PointXYZ>& cloud) {
+    std::vector<cv::Point3_<double>> points;
+    if (!fromDxf(data, points)) {
+        return false;
+    }
+    cloud.clear();
+    cloud.points.reserve(points.size());
+    // Past the cloud's own push_back, which would set its width and height.
+    for (const cv::Point3_<double>& point : points) {
+        cloud.points.emplace_back(static_cast<float>(point.x), static_cast<float>(point.y),
+                                  static_cast<float>(point.z));
+    }
+    return true;
 }
 
 } // namespace converters

@@ -105,4 +105,27 @@ struct PlyReadResult {
 CONVERTERS_EXPORT PlyReadResult fromPly(const std::vector<unsigned char>& data,
                                         pcl::PointCloud<pcl::PointXYZI>& cloud);
 
+/// Reads a DXF file: its points, lines, circles, arcs, polylines and splines outside blocks,
+/// sampled into one ordered walk of points as DXFDocument::getPoints() describes.
+///
+/// The numbers have a decimal point whatever the locale. If the global C++ locale is not the
+/// classic one, the classic one is global during the call, for all threads.
+///
+/// @param data    the file, up to its first NUL. What cannot be read of a broken file is passed
+///                over; a file that is no DXF text at all gives no points.
+/// @param points  replaced by the walk; untouched when the result is false
+/// @return false when `data` is empty
+/// @throws std::bad_alloc when the drawing or its points do not fit into memory; `points` is
+///         untouched
+CONVERTERS_EXPORT bool fromDxf(const std::vector<char>& data,
+                               std::vector<cv::Point3_<double>>& points);
+
+/// The same, with each coordinate rounded to the nearest 32-bit float, beyond their range to
+/// infinity.
+///
+/// @param cloud  its points are replaced; its width and height become 0 although it holds points,
+///               so a caller that needs them sets them. Untouched when the result is false.
+CONVERTERS_EXPORT bool fromDxf(const std::vector<char>& data,
+                               pcl::PointCloud<pcl::PointXYZ>& cloud);
+
 } // namespace converters

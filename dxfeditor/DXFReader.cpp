@@ -51,6 +51,14 @@ bool DXFReader::load(std::vector<char> bytes) {
     return true;
 }
 
+bool DXFReader::load(const char* bytes, std::size_t size) {
+    if (size == 0) {
+        return false;
+    }
+    dxfeditor::parseDxf(std::string_view(bytes, size), *this);
+    return true;
+}
+
 void DXFReader::addLayer(const DL_LayerData& data) {
     const std::shared_ptr<DXFLayer> layer = DXFAdapter::makeLayer(data);
     layer->setAttributes(DXFAdapter::makeAttributes(getAttributes()));

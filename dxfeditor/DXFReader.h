@@ -4,6 +4,7 @@
 
 #include <dxflib/dl_creationadapter.h>
 
+#include <cstddef>
 #include <memory>
 #include <string>
 #include <vector>
@@ -46,6 +47,10 @@ public:
     ///         and gives true
     /// @throws std::bad_alloc as above
     bool load(std::vector<char> bytes);
+
+    /// The same for bytes in the caller's memory, which are not copied.
+    /// @return false when there are none
+    bool load(const char* bytes, std::size_t size);
 
     // What dxflib reports; also callable directly.
 

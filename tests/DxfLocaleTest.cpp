@@ -1,5 +1,6 @@
 #include "dxfeditor/DXFDocument.h"
 #include "dxfeditor/DXFReader.h"
+#include "tests/support/CommaLocale.h"
 #include "tests/support/DrawingText.h"
 
 #include <gtest/gtest.h>
@@ -12,13 +13,6 @@
 
 namespace {
 
-/// Numbers as in much of Europe: 1.234,5.
-class CommaNumbers : public std::numpunct<char> {
-    char do_decimal_point() const override { return ','; }
-    char do_thousands_sep() const override { return '.'; }
-    std::string do_grouping() const override { return "\3"; }
-};
-
 /// Makes a locale global while it lives.
 class GlobalLocale {
 public:
@@ -28,10 +22,6 @@ public:
 private:
     std::locale m_before;
 };
-
-std::locale commaLocale() {
-    return {std::locale::classic(), new CommaNumbers};
-}
 
 std::vector<char> drawing() {
     const std::string text =
@@ -56,15 +46,15 @@ public:
 };
 
 TEST(DxfLocale, ADecimalCommaDoesNotChangeNumbers) {
-    const GlobalLocale comma(commaLocale());
+    const CommaLocale comma;
     DXFDocument document;
     DXFReader(document).load(drawing());
     EXPECT_EQ(describe(document), "line 1.5 2.5 1234567.25 0 0 0 {0 256 -1 -1 BYLAYER 1 -1}\n");
 }
 
 TEST(DxfLocale, TheGlobalLocaleIsBackAfterALoad) {
-    const std::locale before = commaLocale();
-    const GlobalLocale comma(before);
+    const CommaLocale comma;
+    const std::locale before;
     DXFDocument document;
     LocaleWatcher reader(document);
     reader.load(drawing());
@@ -73,8 +63,8 @@ TEST(DxfLocale, TheGlobalLocaleIsBackAfterALoad) {
 }
 
 TEST(DxfLocale, TheGlobalLocaleIsBackAfterAnException) {
-    const std::locale before = commaLocale();
-    const GlobalLocale comma(before);
+    const CommaLocale comma;
+    const std::locale before;
     DXFDocument document;
     LocaleWatcher reader(document);
     reader.throws = true;

@@ -6,14 +6,13 @@
 #include "dxfeditor/DXFLayer.h"
 #include "dxfeditor/DXFPolyline.h"
 #include "tests/support/DrawingText.h"
+#include "tests/support/TemporaryDirectory.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
 
 namespace {
 
@@ -432,6 +431,15 @@ TEST(DxfReader, AVectorThatNeverHeldStorageIsAFailedLoad) {
     EXPECT_EQ(describe(document), "");
 }
 
+TEST(DxfReader, BytesInTheCallersMemoryAreReadInPlace) {
+    const std::string text = dxf({"0", "LINE", "0", "EOF"});
+    DXFDocument document;
+    EXPECT_TRUE(DXFReader(document).load(text.data(), text.size()));
+    EXPECT_FALSE(DXFReader(document).load(nullptr, 0));
+    EXPECT_FALSE(DXFReader(document).load(text.data(), 0));
+    EXPECT_EQ(document.entities().size(), 1U);
+}
+
 TEST(DxfReader, AnEmptyTextIsAnEmptyDrawing) {
     std::vector<char> reserved;
     reserved.reserve(8);
@@ -570,26 +578,15 @@ TEST_F(DxfReaderHazards, ExtendedDataIsDropped) {
 
 // Files.
 
-class DxfFile : public testing::Test {
+class DxfFile : public DxfReaderHazards {
 protected:
-    void SetUp() override {
-        alarm(60);
-        m_directory = std::filesystem::temp_directory_path() /
-                      ("dxf_reader_test." + std::to_string(getpid()));
-        std::filesystem::create_directories(m_directory);
-    }
-    void TearDown() override {
-        std::filesystem::remove_all(m_directory);
-        alarm(0);
-    }
-
     std::string write(const std::string& text) const {
-        const std::string path = m_directory / "drawing.dxf";
-        std::ofstream(path, std::ios::binary) << text;
+        const std::string path = directory.file("drawing.dxf");
+        writeContent(path, text);
         return path;
     }
 
-    std::filesystem::path m_directory;
+    TemporaryDirectory directory;
 };
 
 TEST_F(DxfFile, IsReadLikeItsBytes) {
@@ -631,15 +628,15 @@ TEST_F(DxfFile, LargerThanAReadBlockIsReadWhole) {
 }
 
 TEST_F(DxfFile, ThatCannotBeOpenedIsAFailedLoad) {
-    EXPECT_EQ(DXFDocument::load(m_directory / "missing.dxf"), nullptr);
+    EXPECT_EQ(DXFDocument::load(directory.file("missing.dxf")), nullptr);
     DXFDocument document;
-    EXPECT_FALSE(DXFReader(document).load(std::string(m_directory / "missing.dxf")));
+    EXPECT_FALSE(DXFReader(document).load(directory.file("missing.dxf")));
 }
 
 TEST_F(DxfFile, ThatIsADirectoryIsAFailedLoad) {
-    EXPECT_EQ(DXFDocument::load(m_directory), nullptr);
+    EXPECT_EQ(DXFDocument::load(directory.path()), nullptr);
     DXFDocument document;
-    EXPECT_FALSE(DXFReader(document).load(m_directory.string()));
+    EXPECT_FALSE(DXFReader(document).load(directory.path().string()));
 }
 
 } // namespace
