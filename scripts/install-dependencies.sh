@@ -11,6 +11,7 @@ packages=(
   libcli11-dev
   # to test
   libgtest-dev libgmock-dev clang clang-format-14
+  gdal-bin python3-ezdxf
   # to package, and to install the packages in a fresh root
   dpkg-dev file pkg-config debootstrap
 )

@@ -2,9 +2,11 @@
 #include "converters/mpaths.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <fstream>
+#include <future>
 
 namespace {
 
@@ -34,6 +36,29 @@ TEST(FromFile, ReadsEveryByte) {
         EXPECT_TRUE(converters::from_file(path, out));
         EXPECT_EQ(out, bytes);
     }
+    unlink(path.c_str());
+}
+
+TEST(FromFile, ReadsFilesThatDoNotTellTheirSize) {
+    std::vector<unsigned char> out;
+    EXPECT_TRUE(converters::from_file("/proc/self/cmdline", out));
+    EXPECT_NE(std::string(out.begin(), out.end()).find("paths_test"), std::string::npos);
+
+    const std::string pipe = temporaryFile("pipe");
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    const std::string bytes(1'000'000, 'x');
+    auto writer = std::async(std::launch::async, [&] { std::ofstream(pipe) << bytes; });
+    EXPECT_TRUE(converters::from_file(pipe, out));
+    EXPECT_EQ(std::string(out.begin(), out.end()), bytes);
+    unlink(pipe.c_str());
+}
+
+TEST(FromFile, TakesNoMoreMemoryThanTheFileIsLong) {
+    const std::string path = temporaryFile("long");
+    std::ofstream(path) << std::string(3'000'000, 'x');
+    std::vector<unsigned char> out;
+    EXPECT_TRUE(converters::from_file(path, out));
+    EXPECT_EQ(out.capacity(), 3'000'000U);
     unlink(path.c_str());
 }
 
