@@ -1,5 +1,6 @@
 #include "converters/PlySerializerDeserializer.h"
 
+#include "converters/detail/OutputMemory.h"
 #include "converters/detail/PlyColumn.h"
 #include "converters/detail/PlyRecords.h"
 #include "converters/detail/PlyText.h"
@@ -71,13 +72,9 @@ std::string sizeLines(std::uint32_t width, std::uint32_t height) {
            std::to_string(height * width);
 }
 
-/// Empties `out` and gives it room. What is too small is freed first, not kept beside the new.
+/// Replaces `out` by the header, with room for the body.
 void restart(Bytes& out, const std::string& header, std::size_t bodySize) {
-    out.clear();
-    if (out.capacity() < header.size() + bodySize) {
-        Bytes().swap(out);
-        out.reserve(header.size() + bodySize);
-    }
+    converters::detail::restartOutput(out, header.size() + bodySize);
     out.insert(out.end(), header.begin(), header.end());
 }
 

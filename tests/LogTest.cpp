@@ -8,7 +8,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <map>
-#include <regex>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -41,7 +40,17 @@ std::vector<std::string> linesOf(const std::string& environment, const std::stri
 }
 
 const char* const switchedOn = "VOLMAR_ENABLE_LOG=1";
-const std::string timePattern = R"(\d{4}-\d\d-\d\d \d\d:\d\d:\d\d\.\d{3} )";
+/// "2000-01-31 23:59:59.999 "
+constexpr std::size_t timeLength = 24;
+
+void expectTimeIn(const std::string& line) {
+    EXPECT_THAT(line.substr(0, timeLength),
+                testing::MatchesRegex("[0-9]{4}-[0-9]{2}-[0-9]{2} [0-9:]{8}\\.[0-9]{3} "));
+}
+
+std::string withoutTime(const std::string& line) {
+    return line.size() < timeLength ? "" : line.substr(timeLength);
+}
 
 TEST(Log, SwitchIsNamedVolmarEnableLog) {
     EXPECT_EQ(p7::ENABLE_LOG_ENV_VAR, "VOLMAR_ENABLE_LOG");
@@ -88,33 +97,31 @@ TEST(Log, EachMessageIsOneLineWithTimeLevelPlaceFunctionAndText) {
     const std::vector<std::string> lines = linesOf(switchedOn, "levels");
     const std::string expected[] = {
         "info unit/first:11 inform text a and 7",
-        R"(warning unit/second:22 warn two\\x0Alines\\x1B\[0m)",
-        "error unit/third:33 fail x{5000}",
+        "warning unit/second:22 warn two\\x0Alines\\x1B[0m",
+        "error unit/third:33 fail " + std::string(5000, 'x'),
     };
     ASSERT_THAT(lines, testing::SizeIs(std::size(expected)));
     for (std::size_t i = 0; i < lines.size(); ++i) {
-        // The text of 5000 characters is compared by itself: std::regex recurses for each.
-        const std::string line = std::regex_replace(lines[i], std::regex("x{1000}"), "X");
-        const std::string pattern =
-            std::regex_replace(expected[i], std::regex(R"(x\{5000\})"), "X{5}");
-        EXPECT_TRUE(std::regex_match(line, std::regex(timePattern + pattern))) << lines[i];
+        expectTimeIn(lines[i]);
+        EXPECT_EQ(withoutTime(lines[i]), expected[i]);
     }
 }
 
 TEST(Log, MessageOfTheLibraryNamesItsUnit) {
     const std::vector<std::string> lines = linesOf(switchedOn, "library");
     ASSERT_THAT(lines, testing::SizeIs(1));
-    const std::string pattern = timePattern + R"(info converters/PlySerializerDeserializer:\d+ )" +
-                                R"(SerializePlyASCIIT PLYSerializer::SerializePlyBinary\] )" +
-                                "Input point cloud has no data!";
-    EXPECT_TRUE(std::regex_match(lines[0], std::regex(pattern))) << lines[0];
+    expectTimeIn(lines[0]);
+    EXPECT_THAT(withoutTime(lines[0]),
+                testing::MatchesRegex("info converters/PlySerializerDeserializer:[0-9]+ "
+                                      "SerializePlyASCIIT PLYSerializer::SerializePlyBinary\\] "
+                                      "Input point cloud has no data!"));
 }
 
 TEST(Log, MessagesOfManyThreadsAreWholeLines) {
     std::map<std::string, int> counts;
     for (const std::string& line : linesOf(switchedOn, "threads")) {
-        ASSERT_GT(line.size(), 24U);
-        ++counts[line.substr(24)];
+        expectTimeIn(line);
+        ++counts[withoutTime(line)];
     }
     ASSERT_EQ(counts.size(), 8U);
     for (int i = 0; i < 8; ++i) {

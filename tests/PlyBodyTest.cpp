@@ -6,10 +6,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <iomanip>
 #include <limits>
 #include <locale>
+#include <new>
 #include <random>
 #include <stdexcept>
 
@@ -361,6 +364,39 @@ TEST(PlyBody, NumberOfPointsWrapsAt32Bits) {
     EXPECT_EQ(binary(cloud), Bytes(65536, 5));
     expectAsReference(cloud);
 }
+
+TEST(PlyBody, BinaryBodyBeyondTwoGibibytesIsWhole) {
+    // 17 million points of one byte each, whose 16 fields overlap: 128 bytes a record.
+    constexpr std::size_t points = 17000000;
+    constexpr std::size_t recordSize = 16 * sizeof(double);
+    if (std::getenv("CONVERTERS_LARGE_TESTS") == nullptr) {
+        GTEST_SKIP() << "set CONVERTERS_LARGE_TESTS to run this test, which takes 3 GiB of memory";
+    }
+    auto cloud = rawCloud(17000, 1000, {}, Bytes(points));
+    for (std::uint32_t offset = 0; offset < recordSize; offset += sizeof(double)) {
+        cloud.fields.push_back(field("a", offset, Field::FLOAT64));
+    }
+    for (std::size_t i = 0; i < points; ++i) {
+        cloud.data[i] = static_cast<unsigned char>(i * 2654435761U >> 24);
+    }
+    const Bytes out = binary(cloud);
+    ASSERT_EQ(out.size(), points * recordSize);
+    for (std::size_t i = 0; i < points - recordSize; i += 499) {
+        ASSERT_EQ(std::memcmp(&out[i * recordSize], &cloud.data[i], recordSize), 0) << i;
+    }
+    EXPECT_EQ(std::count(out.end() - recordSize, out.end(), 0), recordSize)
+        << "the last point's fields lie partly or wholly outside the data";
+}
+
+#ifndef __SANITIZE_ADDRESS__ // which ends the process for such an allocation
+TEST(PlyBody, BodyBeyondTheAddressSpaceIsBadAlloc) {
+    const auto cloud =
+        rawCloud(0x7FFFFFFF, 1, std::vector<Field>(1 << 15, field("a", 0, Field::FLOAT64)), {1});
+    Bytes out = {7};
+    EXPECT_THROW(PLYSerializer().AppendContentBinary(cloud, out), std::bad_alloc);
+    EXPECT_EQ(out, (Bytes{7}));
+}
+#endif
 
 TEST(PlyBody, GoodCloudIsNotReported) {
     const CapturedLog log;

@@ -1,5 +1,7 @@
 #include "converters/detail/PlyRecords.h"
 
+#include "converters/detail/OutputMemory.h"
+
 #include <algorithm>
 #include <cstring>
 
@@ -110,7 +112,7 @@ void appendRecords(const std::vector<PlyColumn>& columns, const PointBytes& poin
     constexpr std::size_t pointsPerBlock = 256;
     const std::size_t size = recordSize(columns);
     std::vector<unsigned char> records(size * std::min(pointsPerBlock, points.count));
-    out.reserve(out.size() + size * points.count);
+    reserveOutput(out, out.size() + size * points.count);
     for (std::size_t first = 0; first < points.count; first += pointsPerBlock) {
         const std::size_t last = std::min(first + pointsPerBlock, points.count);
         for (const Piece& piece : last <= complete ? joinedPieces : pieces) {
