@@ -12,4 +12,4 @@ if [ ! -f "build/$preset/build.ninja" ]; then
   }
   rm -f "/tmp/converters-configure-$$.log"
 fi
-cmake --build "build/$preset" ${1:+--target "$@"}
+cmake --build "build/$preset" ${1:+--target "$@"} -- --quiet

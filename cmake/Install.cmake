@@ -1,0 +1,88 @@
+# What `cmake --install` puts where: the libraries, the headers, the CMake package, the pkg-config
+# file and the licence notes. tools/ installs cloudconv.
+#
+# Components, one for each Debian package: runtime, development, cloudconv.
+include(CMakePackageConfigHelpers)
+
+# Outside the folders that the loader searches, the libraries find each other by their place.
+if(NOT CMAKE_INSTALL_PREFIX STREQUAL "/usr")
+  set_target_properties(converters PROPERTIES INSTALL_RPATH "$ORIGIN")
+endif()
+
+install(
+  TARGETS converters universal_log_interface
+  EXPORT converters-targets
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT development)
+
+# Every header is public, except what lives in a folder detail/.
+foreach(folder IN ITEMS converters dxfeditor universal_log_interface)
+  install(
+    DIRECTORY ${PROJECT_SOURCE_DIR}/${folder}
+    DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
+    COMPONENT development
+    FILES_MATCHING
+    PATTERN "*.h"
+    PATTERN detail EXCLUDE)
+endforeach()
+
+# Templates in public headers need these.
+install(
+  FILES ${PROJECT_SOURCE_DIR}/converters/detail/PlyAsciiBody.h
+        ${PROJECT_SOURCE_DIR}/converters/detail/PlyLines.h
+        ${PROJECT_SOURCE_DIR}/converters/detail/PlyLog.h
+        ${PROJECT_SOURCE_DIR}/converters/detail/PlyPoints.h
+        ${PROJECT_SOURCE_DIR}/converters/detail/PointBytes.h
+  DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/converters/detail
+  COMPONENT development)
+
+# The CMake package.
+set(_package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/converters)
+configure_package_config_file(
+  ${CMAKE_CURRENT_LIST_DIR}/converters-config.cmake.in
+  ${PROJECT_BINARY_DIR}/converters-config.cmake
+  INSTALL_DESTINATION ${_package_dir}
+  NO_SET_AND_CHECK_MACRO)
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/converters-config-version.cmake
+                                 COMPATIBILITY SameMajorVersion)
+install(
+  FILES ${PROJECT_BINARY_DIR}/converters-config.cmake
+        ${PROJECT_BINARY_DIR}/converters-config-version.cmake
+        ${CMAKE_CURRENT_LIST_DIR}/FindDxflib.cmake
+        ${CMAKE_CURRENT_LIST_DIR}/FindOpenCVCoreHeaders.cmake
+        ${CMAKE_CURRENT_LIST_DIR}/FindPclCommon.cmake
+  DESTINATION ${_package_dir}
+  COMPONENT development)
+install(
+  EXPORT converters-targets
+  NAMESPACE converters::
+  DESTINATION ${_package_dir}
+  COMPONENT development)
+
+# The pkg-config file. The prefix is given relative to the file, so that the installed tree can be
+# moved. The dependencies are named by flag: not all of them have pkg-config files of their own.
+file(RELATIVE_PATH PKGCONFIG_PREFIX
+     ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
+string(REGEX REPLACE "/$" "" PKGCONFIG_PREFIX "${PKGCONFIG_PREFIX}")
+get_filename_component(_pcl_library "${PclCommon_LIBRARY}" NAME)
+if(_pcl_library MATCHES "^lib(.*)\\.so$")
+  set(PKGCONFIG_PCL_LIBRARY "-l${CMAKE_MATCH_1}")
+else()
+  set(PKGCONFIG_PCL_LIBRARY "-l:${_pcl_library}")
+endif()
+get_target_property(_eigen_include_dir Eigen3::Eigen INTERFACE_INCLUDE_DIRECTORIES)
+set(PKGCONFIG_CFLAGS "")
+foreach(folder IN LISTS PclCommon_INCLUDE_DIR OpenCVCoreHeaders_INCLUDE_DIR _eigen_include_dir)
+  string(APPEND PKGCONFIG_CFLAGS " -isystem ${folder}")
+endforeach()
+configure_file(${CMAKE_CURRENT_LIST_DIR}/converters.pc.in ${PROJECT_BINARY_DIR}/converters.pc @ONLY)
+install(
+  FILES ${PROJECT_BINARY_DIR}/converters.pc
+  DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig
+  COMPONENT development)
+
+if(NOT CONVERTERS_DEBIAN_LAYOUT)
+  install(
+    FILES ${PROJECT_SOURCE_DIR}/docs/licences.md
+    DESTINATION ${CMAKE_INSTALL_DOCDIR}
+    COMPONENT runtime)
+endif()

@@ -1,0 +1,62 @@
+# Debian packages, one for each install component: libconverters1, libconverters-dev, cloudconv.
+# scripts/package.sh makes them.
+
+# Lays the install out as Debian packages want it; the preset "package" sets it.
+option(CONVERTERS_DEBIAN_LAYOUT "Install the licence notes as Debian's copyright files" OFF)
+
+set(_library_package libconverters${PROJECT_VERSION_MAJOR})
+
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_NAME converters)
+set(CPACK_PACKAGE_CONTACT "The converters developers <converters@localhost>")
+set(CPACK_PACKAGE_DIRECTORY ${PROJECT_SOURCE_DIR}/build/packages)
+set(CPACK_PACKAGING_INSTALL_PREFIX ${CMAKE_INSTALL_PREFIX})
+set(CPACK_STRIP_FILES ON)
+set(CPACK_COMPONENTS_ALL runtime development)
+if(CONVERTERS_BUILD_TOOLS AND TARGET cloudconv)
+  list(APPEND CPACK_COMPONENTS_ALL cloudconv)
+endif()
+
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_SECTION libs)
+set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
+set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
+if(CMAKE_SYSTEM_PROCESSOR STREQUAL "aarch64")
+  set(CPACK_DEBIAN_PACKAGE_ARCHITECTURE arm64)
+endif()
+# A package depends on the others in exactly its own version.
+set(CPACK_DEBIAN_ENABLE_COMPONENT_DEPENDS ON)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS $<TARGET_FILE_DIR:converters>
+                                                $<TARGET_FILE_DIR:universal_log_interface>)
+
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME ${_library_package})
+set(CPACK_DEBIAN_RUNTIME_DESCRIPTION "Shared libraries libconverters and libuniversal_log_interface.")
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_SHLIBDEPS ON)
+
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libconverters-dev)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
+set(CPACK_DEBIAN_DEVELOPMENT_DESCRIPTION "Headers, CMake package and pkg-config file of libconverters.")
+set(CPACK_COMPONENT_DEVELOPMENT_DEPENDS runtime)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS
+    "libpcl-dev (>= 1.13), libdxflib-dev, libopencv-core-dev, libeigen3-dev, libboost-filesystem-dev"
+)
+
+set(CPACK_DEBIAN_CLOUDCONV_PACKAGE_NAME cloudconv)
+set(CPACK_DEBIAN_CLOUDCONV_PACKAGE_SECTION utils)
+set(CPACK_DEBIAN_CLOUDCONV_DESCRIPTION "Command-line tool.")
+set(CPACK_DEBIAN_CLOUDCONV_PACKAGE_SHLIBDEPS ON)
+set(CPACK_COMPONENT_CLOUDCONV_DEPENDS runtime)
+
+if(CONVERTERS_DEBIAN_LAYOUT)
+  foreach(_component IN LISTS CPACK_COMPONENTS_ALL)
+    string(TOUPPER ${_component} _variable)
+    install(
+      FILES ${PROJECT_SOURCE_DIR}/docs/licences.md
+      DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc/${CPACK_DEBIAN_${_variable}_PACKAGE_NAME}
+      RENAME copyright
+      COMPONENT ${_component})
+  endforeach()
+endif()
+
+include(CPack)

@@ -1,0 +1,78 @@
+#!/usr/bin/env bash
+# packages.sh ARCHITECTURE CACHE CONSUMER: makes the Debian packages, installs them with apt-get in
+# a fresh Debian system and runs cloudconv and the program CONSUMER there.
+#
+# The fresh system is made once, by debootstrap, and kept as an archive in the folder CACHE. One of
+# this machine's kind serves both processors: packages of the other one are installed beside its
+# own and run under emulation. Exits with 77 where a fresh system cannot be made.
+set -euo pipefail
+architecture=$1 cache=$2 consumer=$3
+project=$(cd "$(dirname "$0")/../.." && pwd)
+native=$(dpkg --print-architecture)
+
+skip() {
+  echo "skipped: $1"
+  exit 77
+}
+
+[ "$(id -u)" -eq 0 ] || skip "only root can make a fresh root with debootstrap"
+mirror=$(apt-get indextargets --format '$(CODENAME) $(REPO_URI)' 'Created-By: Packages' |
+  sed -n 's/^bookworm //p' | head -n 1)
+[ -n "$mirror" ] || skip "apt-get has no package source for Debian 12"
+
+# The archive of the fresh system, made by one test at a time.
+mkdir -p "$cache"
+exec 9>"$cache/lock"
+flock 9
+if [ ! -f "$cache/minbase.tar" ]; then
+  rm -rf "$cache/minbase"
+  debootstrap --variant=minbase bookworm "$cache/minbase" "$mirror" >"$cache/debootstrap.log" 2>&1 ||
+    skip "debootstrap fails here: $(tail -n 1 "$cache/debootstrap.log")"
+  tar -C "$cache/minbase" -cf "$cache/minbase.tar.part" .
+  mv "$cache/minbase.tar.part" "$cache/minbase.tar"
+  rm -rf "$cache/minbase"
+fi
+flock -u 9
+
+root=$(mktemp -d)
+trap 'rm -rf "$root"' EXIT
+tar -C "$root" -xf "$cache/minbase.tar"
+
+emulator=()
+in_root=(chroot "$root")
+at=
+if [ "$architecture" != "$native" ]; then
+  emulator=(qemu-aarch64 -L "$root")
+  in_root=("${emulator[@]}")
+  at=$root
+  chroot "$root" dpkg --add-architecture "$architecture"
+fi
+
+quiet() {
+  "$@" >"$root/tmp/log" 2>&1 || {
+    cat "$root/tmp/log"
+    return 1
+  }
+}
+# install PACKAGE [OPTION...]: one of the packages just made.
+install() {
+  local file
+  file=$(find "$root/tmp" -name "$1_*.deb" -printf '/tmp/%f')
+  quiet chroot "$root" env DEBIAN_FRONTEND=noninteractive apt-get install -y \
+    --no-install-recommends "${@:2}" "$file"
+}
+
+"$project/scripts/package.sh" $([ "$architecture" = "$native" ] || echo --aarch64)
+cp "$project"/build/packages/*_"$architecture".deb "$root/tmp"
+quiet chroot "$root" apt-get update
+install libconverters1
+
+# The consumer was linked with a staged install that the root does not have.
+cp "$consumer" "$root/tmp/consumer"
+"${in_root[@]}" "$at/tmp/consumer" | grep -qx '1 2 3 4'
+
+# Development files: that their dependencies can be met, the other processor's cannot be installed
+# beside this one's.
+if [ "$architecture" = "$native" ]; then
+  install libconverters-dev --simulate
+fi
