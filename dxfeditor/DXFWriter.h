@@ -48,7 +48,7 @@ public:
 
     /// Writes the LAYER table: every layer of the document, behind a layer "0" when the document
     /// has none. Layers without attributes get those of that layer "0"; empty pointers are left
-    /// out.
+    /// out. A layer without a name counts among the table's entries, but dxflib writes none.
     ///
     /// When layer "0" is added, the document's entities that have no attributes are given those of
     /// layer "0", for good: they all share one record afterwards. The document gets no new layer.

@@ -150,6 +150,11 @@ TEST_F(DXFWriterTest, EmptyLayerPointersAreNeitherWrittenNorCounted) {
     EXPECT_NE(saved().find(layerTable(1) + layerZero + "  0\nENDTAB\n"), std::string::npos);
 }
 
+TEST_F(DXFWriterTest, LayerWithoutNameIsCountedThoughDxflibLeavesItOut) {
+    m_document.addLayer(layerNamed("", 0, 7));
+    EXPECT_NE(saved().find(layerTable(2) + layerZero + "  0\nENDTAB\n"), std::string::npos);
+}
+
 TEST_F(DXFWriterTest, AddingLayerZeroGivesItsAttributesToEntitiesThatHaveNoneForGood) {
     const auto first = std::make_shared<DXFPoint>(1.0, 0.0, 0.0);
     const auto second = std::make_shared<DXFCircle>(cv::Point3_<double>(0.0, 0.0, 0.0), 1.0);
@@ -417,6 +422,30 @@ TEST_F(DXFWriterTest, LocalesChangeNothing) {
         }
     }
     std::setlocale(LC_ALL, "C");
+}
+
+std::ptrdiff_t openDescriptors() {
+    return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
+}
+
+TEST_F(DXFWriterTest, FilesAreClosed) {
+    const std::ptrdiff_t before = openDescriptors();
+    {
+        DXFWriter writer(m_document);
+        EXPECT_TRUE(writer.save(m_path));
+        EXPECT_EQ(openDescriptors(), before);
+        EXPECT_FALSE(writer.save(m_directory.file("missing/drawing.dxf")));
+        EXPECT_EQ(openDescriptors(), before);
+        if (access("/dev/full", W_OK) == 0) {
+            EXPECT_FALSE(writer.save("/dev/full"));
+        }
+        EXPECT_EQ(openDescriptors(), before);
+        m_document.addEntity(nullptr);
+        EXPECT_FALSE(writer.save(m_path));
+        EXPECT_FALSE(writer.save(m_path));
+        EXPECT_EQ(openDescriptors(), before + 1) << "the unfinished file";
+    }
+    EXPECT_EQ(openDescriptors(), before);
 }
 
 TEST_F(DXFWriterTest, DrawingReachesThePipeOfAReader) {

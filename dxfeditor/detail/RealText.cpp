@@ -1,5 +1,6 @@
 #include "dxfeditor/detail/RealText.h"
 
+#include <array>
 #include <charconv>
 #include <cmath>
 #include <cstdint>
@@ -45,11 +46,25 @@ Decimal rounded(std::uint64_t mantissa, unsigned shift) {
     return result;
 }
 
-void writeEightDigits(std::uint32_t value, char* to) {
-    for (int i = 7; i >= 0; --i) {
-        to[i] = static_cast<char>('0' + value % 10);
-        value /= 10;
+/// The texts "00" to "99", one behind the other.
+constexpr std::array<char, 200> makeDigitPairs() {
+    std::array<char, 200> pairs = {};
+    for (unsigned i = 0; i < 100; ++i) {
+        pairs[2 * i] = static_cast<char>('0' + i / 10);
+        pairs[2 * i + 1] = static_cast<char>('0' + i % 10);
     }
+    return pairs;
+}
+constexpr std::array<char, 200> digitPairs = makeDigitPairs();
+
+void writeFourDigits(std::uint32_t value, char* to) {
+    std::memcpy(to, digitPairs.data() + value / 100 * 2, 2);
+    std::memcpy(to + 2, digitPairs.data() + value % 100 * 2, 2);
+}
+
+void writeEightDigits(std::uint32_t value, char* to) {
+    writeFourDigits(value / 10'000, to);
+    writeFourDigits(value % 10'000, to + 4);
 }
 
 /// Writes the point and the decimals without the zeros at their end, at least one decimal.
