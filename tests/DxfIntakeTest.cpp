@@ -18,6 +18,7 @@
 
 namespace {
 
+using dxfeditor::DxfDecoding;
 using dxfeditor::dxfIntake;
 using dxfeditor::dxfInteger;
 
@@ -28,9 +29,11 @@ protected:
     void TearDown() override { alarm(0); }
 };
 
-std::string drawingOf(const std::string& text) {
+/// The document of a text, without the decoder.
+std::string drawingOf(const std::string& text, DxfDecoding decoding = DxfDecoding::Dxflib) {
     DXFDocument document;
-    DXFReader(document).load(std::vector<char>(text.begin(), text.end()));
+    DXFReader reader(document);
+    dxfeditor::parseDxf(text, reader, decoding);
     return describe(document);
 }
 
@@ -41,9 +44,10 @@ std::string drawingByDxflib(const std::string& text) {
     return describe(document);
 }
 
-std::vector<std::string> callsOf(const std::string& text) {
+std::vector<std::string> callsOf(const std::string& text,
+                                 DxfDecoding decoding = DxfDecoding::Dxflib) {
     CallbackRecorder recorder;
-    dxfeditor::parseDxf(text, recorder);
+    dxfeditor::parseDxf(text, recorder, decoding);
     return recorder.calls;
 }
 
@@ -121,6 +125,7 @@ TEST_F(DxfIntake, ChangesNothingThatDxflibReportsOfRandomDrawings) {
         const std::string text = randomDrawing(seed);
         const std::vector<std::string> expected = callsByDxflib(text);
         ASSERT_EQ(difference(callsOf(text), expected), "") << "seed " << seed << '\n' << text;
+        ASSERT_EQ(difference(callsOf(text, DxfDecoding::Ours), expected), "") << "seed " << seed;
         calls += expected.size();
     }
     EXPECT_GT(calls, 20000U);
@@ -129,14 +134,18 @@ TEST_F(DxfIntake, ChangesNothingThatDxflibReportsOfRandomDrawings) {
 TEST_F(DxfIntake, ChangesNothingInTheDocumentsOfRandomDrawings) {
     for (std::uint32_t seed = 10000; seed < 10800; ++seed) {
         const std::string text = randomDrawing(seed);
-        ASSERT_EQ(drawingOf(text), drawingByDxflib(text)) << "seed " << seed << '\n' << text;
+        const std::string expected = drawingByDxflib(text);
+        ASSERT_EQ(drawingOf(text), expected) << "seed " << seed << '\n' << text;
+        ASSERT_EQ(drawingOf(text, DxfDecoding::Ours), expected) << "seed " << seed << '\n' << text;
     }
 }
 
 TEST_F(DxfIntake, ChangesNothingOfALongDrawing) {
     const std::string text = randomDrawing(1, 60000);
     ASSERT_GT(text.size(), 1000000U);
-    EXPECT_EQ(difference(callsOf(text), callsByDxflib(text)), "");
+    const std::vector<std::string> expected = callsByDxflib(text);
+    EXPECT_EQ(difference(callsOf(text), expected), "");
+    EXPECT_EQ(difference(callsOf(text, DxfDecoding::Ours), expected), "");
 }
 
 TEST_F(DxfIntake, ChangesNothingOfDrawingsByOtherPrograms) {
@@ -154,6 +163,7 @@ TEST_F(DxfIntake, ChangesNothingOfDrawingsByOtherPrograms) {
         const std::string text{std::istreambuf_iterator<char>(stream), {}};
         EXPECT_EQ(difference(callsOf(text), callsByDxflib(text)), "") << file.path();
         EXPECT_EQ(drawingOf(text), drawingByDxflib(text)) << file.path();
+        EXPECT_EQ(drawingOf(text, DxfDecoding::Ours), drawingByDxflib(text)) << file.path();
         ++compared;
     }
     EXPECT_GE(compared, 4);
@@ -183,9 +193,135 @@ TEST_F(DxfIntake, GivesDxflibNothingHarmfulOfHostileTexts) {
         ASSERT_LE(longest, 1023U) << "seed " << seed;
         // Values promised and not given: a control point is described in eight bytes.
         ASSERT_LE(drawingOf(text).size(), 10000 + text.size() * 40) << "seed " << seed;
+        ASSERT_EQ(drawingOf(text, DxfDecoding::Ours), drawingOf(text)) << "seed " << seed << '\n'
+                                                                       << text;
         // What the intake wrote needs no second one.
         ASSERT_EQ(drawingByDxflib(intake), drawingOf(text)) << "seed " << seed << '\n' << text;
     }
+}
+
+TEST(DxfDecoder, ReadsNumbersAsDxflibDoes) {
+    const std::vector<std::string> values = {
+        "0",
+        "-0",
+        "1",
+        "-1",
+        "1.5",
+        " 1.5",
+        "1.5 ",
+        "  -2.25  ",
+        "\t1",
+        "1\t",
+        ".5",
+        "5.",
+        "-.5",
+        "-5.",
+        ".",
+        "-",
+        "",
+        " ",
+        "+1",
+        "+-1",
+        "--1",
+        "1e5",
+        "1E5",
+        "1e+5",
+        "1e-5",
+        "1e",
+        "1e+",
+        "e5",
+        "1.e2",
+        "1e400",
+        "-1e400",
+        "1e-400",
+        "5e-324",
+        "2e-324",
+        "2.2250738585072011e-308",
+        "1.7976931348623157e308",
+        "1.7976931348623159e308",
+        "inf",
+        "-inf",
+        "nan",
+        "-nan",
+        "infinity",
+        "0x10",
+        "1f",
+        "1,5",
+        "1.000,5",
+        "1 2",
+        "1.5.5",
+        "0001",
+        "-0001.50",
+        "123456789012345678901234567890",
+        "0.1000000000000000055511151231257827021181583404541015625",
+        "9007199254740993",
+        "9007199254740992.99999999999999999999",
+        "8.5",
+        "\v1",
+        "\r1",
+        "1\v",
+        std::string(1000, '9'),
+        "0." + std::string(1000, '0') + "1",
+        "1" + std::string(400, '0') + "e-400"};
+    for (const std::string& value : values) {
+        const std::string text =
+            dxf({"0", "POINT", "10", "7", "20", value, "48", value, "0", "EOF"});
+        // dxflib makes a random number of nothing, so not with dxflib by itself.
+        EXPECT_EQ(drawingOf(text, DxfDecoding::Ours), drawingOf(text)) << value;
+    }
+}
+
+TEST(DxfDecoder, ReadsIntegersAsDxflibDoes) {
+    const std::vector<std::string> values = {"0",
+                                             "1F",
+                                             "1f",
+                                             "FFFFFFFF",
+                                             "100000000",
+                                             "7FFFFFFFFFFFFFFF",
+                                             "8000000000000000",
+                                             "FFFFFFFFFFFFFFFFFF",
+                                             "0x1F",
+                                             "0X",
+                                             " 1F",
+                                             "1F ",
+                                             "+1F",
+                                             "-1F",
+                                             "",
+                                             "G",
+                                             "1G",
+                                             "99999999999",
+                                             "-99999999999",
+                                             "000000000000000001F"};
+    for (const std::string& value : values) {
+        for (const std::string code : {"5", "39", "62", "67", "370", "420"}) {
+            const std::string text = dxf({"0", "LINE", code, value, "0", "EOF"});
+            EXPECT_EQ(drawingOf(text, DxfDecoding::Ours), drawingOf(text)) << value;
+            EXPECT_EQ(drawingOf(text), drawingByDxflib(text)) << value;
+        }
+        for (const std::string code : {"70", "71", "72"}) {
+            const std::string text =
+                dxf({"0", "LWPOLYLINE", "90", "1", code, value, "10", "1", "0", "EOF"});
+            EXPECT_EQ(drawingOf(text, DxfDecoding::Ours), drawingByDxflib(text)) << value;
+        }
+    }
+}
+
+/// Counts what goes past dxflib: a plain entity does not end the object before it twice.
+class EndCounter : public DL_CreationAdapter {
+public:
+    int sections = 0;
+    int entities = 0;
+    void endSection() override { ++sections; }
+    void endEntity() override { ++entities; }
+};
+
+TEST(DxfDecoder, EndsEachObjectAsDxflibDoes) {
+    EndCounter counter;
+    dxfeditor::parseDxf(
+        dxf({"0", "POINT", "0", "LINE", "0", "CIRCLE", "0", "ARC", "0", "LWPOLYLINE", "0", "EOF"}),
+        counter, DxfDecoding::Ours);
+    EXPECT_EQ(counter.sections, 5);
+    EXPECT_EQ(counter.entities, 1);
 }
 
 } // namespace

@@ -40,17 +40,23 @@ bool DxfCountedList::takes(const DxfGroup& group) const {
     return !m_count || group.value.data() > m_count->value.data();
 }
 
+int DxfCountedList::stated() const {
+    return m_count ? dxfInteger(m_count->value) : static_cast<int>(m_values);
+}
+
+int DxfCountedList::count() const {
+    return std::min(stated(), static_cast<int>(m_values));
+}
+
 int DxfCountedList::count(const char* textEnd, std::size_t& padding) const {
-    const auto values = static_cast<int>(m_values);
-    const int stated = m_count ? dxfInteger(m_count->value) : values;
-    if (stated <= values || !m_codes.padded) {
-        return std::min(stated, values);
+    if (!m_codes.padded || stated() <= count()) {
+        return count();
     }
     // The last group of a text needs no line end, hence the one byte more.
     const auto bytesLeft = static_cast<std::size_t>(textEnd - endOf(m_count->value)) + 1;
     const std::size_t most = std::min(bytesLeft / leastGroupSize, greatestCount);
     const std::size_t bounded =
-        std::max(std::min(static_cast<std::size_t>(stated), most), m_values);
+        std::max(std::min(static_cast<std::size_t>(stated()), most), m_values);
     const std::size_t promised = std::min(bounded - m_values, padding);
     padding -= promised;
     return static_cast<int>(m_values + promised);

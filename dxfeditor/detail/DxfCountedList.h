@@ -22,6 +22,11 @@ struct DxfListCodes {
     bool padded;
 };
 
+inline constexpr DxfListCodes lwPolylineVertices = {90, 10, {10, 20, 30, 42}, false};
+inline constexpr DxfListCodes splineKnots = {72, 40, {40}, true};
+inline constexpr DxfListCodes splineControlPoints = {73, 10, {10, 20, 30, 41}, true};
+inline constexpr DxfListCodes splineFitPoints = {74, 11, {11, 21, 31}, true};
+
 /// One list of one entity: where it begins, and a count of it that does dxflib no harm.
 class DxfCountedList {
 public:
@@ -42,7 +47,13 @@ public:
     ///                 without having them; what this one promises is taken off
     int count(const char* textEnd, std::size_t& padding) const;
 
+    /// The same for a list that is not padded.
+    int count() const;
+
 private:
+    /// The entity's own count.
+    int stated() const;
+
     const DxfListCodes& m_codes;
     /// The last count.
     std::optional<DxfGroup> m_count;

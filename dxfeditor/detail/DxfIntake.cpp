@@ -25,11 +25,6 @@ constexpr DxfGroupSet lwPolylineGroups = polylineGroups | vertexGroups;
 constexpr DxfGroupSet splineGroups =
     lineGroups | DxfGroupSet{12, 13, 22, 23, 32, 33, 40, 41, 70, 71};
 
-constexpr DxfListCodes lwPolylineVertices = {90, 10, {10, 20, 30, 42}, false};
-constexpr DxfListCodes splineKnots = {72, 40, {40}, true};
-constexpr DxfListCodes splineControlPoints = {73, 10, {10, 20, 30, 41}, true};
-constexpr DxfListCodes splineFitPoints = {74, 11, {11, 21, 31}, true};
-
 /// An object that dxflib does not know.
 constexpr std::string_view unknownObject = "DROPPED";
 

@@ -1,6 +1,7 @@
 #include "dxfeditor/detail/DxfParser.h"
 
 #include "dxfeditor/detail/ClassicLocale.h"
+#include "dxfeditor/detail/DxfEntityDecoder.h"
 #include "dxfeditor/detail/DxfIntake.h"
 #include "dxfeditor/detail/DxfObjects.h"
 
@@ -29,6 +30,9 @@ public:
 
 /// Hands what the intake has ready to dxflib.
 void parsePiece(DxfIntake& intake, DL_Dxf& dxflib, DL_CreationInterface& reader) {
+    if (intake.output().empty()) {
+        return;
+    }
     intake.close();
     StringBuffer buffer(intake.output());
     std::istream stream(&buffer);
@@ -38,13 +42,19 @@ void parsePiece(DxfIntake& intake, DL_Dxf& dxflib, DL_CreationInterface& reader)
 
 } // namespace
 
-void parseDxf(std::string_view text, DL_CreationInterface& reader) {
+void parseDxf(std::string_view text, DL_CreationInterface& reader, DxfDecoding decoding) {
     text = text.substr(0, text.find('\0'));
     const ClassicLocale classicLocale;
     DL_Dxf dxflib;
     DxfIntake intake(text);
+    DxfEntityDecoder decoder;
     DxfObjects objects(text);
     for (DxfObject object; objects.next(object);) {
+        if (decoding == DxfDecoding::Ours && decoder.decode(object)) {
+            parsePiece(intake, dxflib, reader);
+            decoder.report(reader);
+            continue;
+        }
         intake.append(object);
         if (intake.output().size() >= pieceSize && intake.canBeClosed()) {
             parsePiece(intake, dxflib, reader);
