@@ -40,6 +40,69 @@ const char* takeDigits(const char* position, const char* end, std::uint64_t& sig
     return position;
 }
 
+// Eight characters in a word, the first in the lowest byte.
+constexpr std::size_t wordLength = 8;
+constexpr bool canUseWords = __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__;
+
+constexpr std::uint64_t everyByte(std::uint64_t byte) {
+    return byte * 0x0101010101010101;
+}
+
+std::uint64_t loadWord(const char* text) {
+    std::uint64_t word;
+    std::memcpy(&word, text, sizeof word);
+    return word;
+}
+
+/// Number of digits at the start of a word of characters.
+unsigned countDigits(std::uint64_t word) {
+    const std::uint64_t values = word ^ everyByte('0'); // 0 to 9 for digits
+    // The top bit of each byte: is the byte above 9? Adding carries out of no byte.
+    const std::uint64_t others =
+        (((values & everyByte(0x7F)) + everyByte(0x7F - 9)) | values) & everyByte(0x80);
+    return others == 0 ? wordLength : static_cast<unsigned>(__builtin_ctzll(others)) / 8;
+}
+
+/// Value of the first `count` characters of a word, all digits; count is 1 to 8.
+std::uint64_t valueOfDigits(std::uint64_t word, unsigned count) {
+    // The digits move to the end, behind zeros; then neighbours are joined: 1, 2, 4 digits each.
+    std::uint64_t value = (word ^ everyByte('0')) << (8 * (wordLength - count));
+    value = (value * 10 + (value >> 8)) & 0x00FF00FF00FF00FF;
+    value = (value * 100 + (value >> 16)) & 0x0000FFFF0000FFFF;
+    return (value * 10000 + (value >> 32)) & 0xFFFFFFFF;
+}
+
+/// Takes digits with at most one point among them, up to eight characters of digits in a few steps
+/// without branches that depend on them: the branches of a loop would be mispredicted for most
+/// numbers.
+///
+/// @param readable  end of the memory that may be read; the line's end before it is no digit
+/// @param point     behind the point, or null when there is none
+/// @return whether the digits have been taken; else nothing has happened
+bool takeShortDigits(const char*& position, const char* readable, std::uint64_t& significand,
+                     const char*& point) {
+    if (!canUseWords || readable - position <= static_cast<std::ptrdiff_t>(wordLength)) {
+        return false;
+    }
+    const std::uint64_t word = loadWord(position);
+    const unsigned whole = countDigits(word);
+    if (whole == wordLength) {
+        return false;
+    }
+    const bool hasPoint = position[whole] == '.';
+    // The word as if there were no point.
+    const std::uint64_t before = (std::uint64_t{1} << (8 * whole)) - 1;
+    const std::uint64_t joined = (word & before) | (loadWord(position + hasPoint) & ~before);
+    const unsigned count = countDigits(joined);
+    if (count == 0 || count == wordLength) {
+        return false;
+    }
+    significand = valueOfDigits(joined, count);
+    point = hasPoint ? position + whole + 1 : nullptr;
+    position += count + (hasPoint ? 1 : 0);
+    return true;
+}
+
 /// The number of digits from the first that is not 0.
 std::ptrdiff_t countSignificant(const char* position, const char* end) {
     while (position != end && (*position == '0' || *position == '.')) {
@@ -71,8 +134,8 @@ bool takeExponent(const char*& position, const char* end, std::int64_t& exponent
     return position != digits;
 }
 
-/// Takes digits with at most one point among them, then an exponent.
-bool takeDecimal(const char*& position, const char* end, Decimal& decimal) {
+/// Takes any digits with at most one point among them; false when there is no digit.
+bool takeLongDigits(const char*& position, const char* end, Decimal& decimal) {
     constexpr std::ptrdiff_t maxDigits = 19;
     const char* const begin = position;
     position = takeDigits(position, end, decimal.significand);
@@ -83,10 +146,20 @@ bool takeDecimal(const char*& position, const char* end, Decimal& decimal) {
         decimal.exponent = -(position - fraction);
         digits += position - fraction;
     }
-    if (digits == 0) {
+    decimal.isShort = digits <= maxDigits || countSignificant(begin, position) <= maxDigits;
+    return digits != 0;
+}
+
+/// Takes digits with at most one point among them, then an exponent.
+bool takeDecimal(const char*& position, const char* end, const char* readable, Decimal& decimal) {
+    const char* const begin = position;
+    const char* point = nullptr;
+    if (takeShortDigits(position, readable, decimal.significand, point)) {
+        decimal.exponent = point == nullptr ? 0 : point - position;
+        decimal.isShort = true;
+    } else if (!takeLongDigits(position, end, decimal)) {
         return false;
     }
-    decimal.isShort = digits <= maxDigits || countSignificant(begin, position) <= maxDigits;
     const bool hasExponent = position != end && (*position == 'e' || *position == 'E');
     const bool isComplete = !hasExponent || takeExponent(position, end, decimal.exponent);
     decimal.text = {begin, static_cast<std::size_t>(position - begin)};
@@ -215,16 +288,15 @@ bool takeSpecialWord(const char*& position, const char* end, Float& value) {
 }
 
 template <typename Float>
-bool extractFloat(const char*& position, const char* end, Float& value) {
+bool extractFloat(const char*& position, const char* end, const char* readable, Float& value) {
     value = 0;
-    bool negative = false;
-    if (position != end && (*position == '-' || *position == '+')) {
-        negative = *position == '-';
-        ++position;
-    }
+    // Without a branch: signs are as good as random.
+    const char first = position != end ? *position : ' ';
+    const bool negative = first == '-';
+    position += negative || first == '+' ? 1 : 0;
     const char* const begin = position;
     Decimal decimal;
-    bool isFinite = takeDecimal(position, end, decimal);
+    bool isFinite = takeDecimal(position, end, readable, decimal);
     if (isFinite) {
         if (!decimal.isShort || !convertFast(decimal, value)) {
             convertSlowly(decimal.text, value);
@@ -242,12 +314,12 @@ bool extractFloat(const char*& position, const char* end, Float& value) {
 
 } // namespace
 
-bool extractNumber(const char*& position, const char* end, float& value) {
-    return extractFloat(position, end, value);
+bool extractNumber(const char*& position, const char* end, const char* readable, float& value) {
+    return extractFloat(position, end, readable, value);
 }
 
-bool extractNumber(const char*& position, const char* end, double& value) {
-    return extractFloat(position, end, value);
+bool extractNumber(const char*& position, const char* end, const char* readable, double& value) {
+    return extractFloat(position, end, readable, value);
 }
 
 } // namespace converters::detail

@@ -45,9 +45,13 @@ bool extractNumber(const char*& position, const char* end, Integer& value) {
 /// A decimal number, rounded to nearest. Beyond what extraction takes, the words "nan", "inf" and
 /// "infinity" are numbers, in any letter case and with an optional sign, also with what C libraries
 /// print behind nan in brackets: "-nan(ind)". A word has to be followed by whitespace or the end.
-bool extractNumber(const char*& position, const char* end, float& value);
+///
+/// @param readable  end of the memory that may be read, `end` or behind it. If behind, the
+/// character
+///                  at `end` is a line feed or a zero byte.
+bool extractNumber(const char*& position, const char* end, const char* readable, float& value);
 
 /// As for float.
-bool extractNumber(const char*& position, const char* end, double& value);
+bool extractNumber(const char*& position, const char* end, const char* readable, double& value);
 
 } // namespace converters::detail

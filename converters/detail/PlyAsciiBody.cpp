@@ -4,6 +4,7 @@
 #include "converters/detail/PlyLines.h"
 
 #include <cstring>
+#include <type_traits>
 
 namespace converters::detail {
 
@@ -18,7 +19,11 @@ void PlyAsciiLine::readNumber(unsigned char* out) {
     Number value = 0;
     skipBlanks();
     if (!hasFailed_) {
-        hasFailed_ = !extractNumber(position_, end_, value);
+        if constexpr (std::is_floating_point_v<Number>) {
+            hasFailed_ = !extractNumber(position_, end_, readable_, value);
+        } else {
+            hasFailed_ = !extractNumber(position_, end_, value);
+        }
     }
     std::memcpy(out, &value, sizeof value);
 }
@@ -63,7 +68,7 @@ void PlyAsciiBody::read(unsigned char* records, std::size_t count) {
     for (std::size_t i = 0; i < count; ++i) {
         std::string_view text;
         takeLine(text_, text);
-        PlyAsciiLine line(text);
+        PlyAsciiLine line(text, text_.data() + text_.size());
         for (const std::uint8_t datatype : datatypes_) {
             line.read(datatype, records);
             records += sizeOfDatatype(datatype);

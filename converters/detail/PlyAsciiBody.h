@@ -23,8 +23,11 @@ constexpr std::size_t sizeOfDatatype(std::uint8_t datatype) {
 /// that has failed once gives nothing more.
 class PlyAsciiLine {
 public:
-    explicit PlyAsciiLine(std::string_view line)
-        : position_(line.data()), end_(line.data() + line.size()) {}
+    explicit PlyAsciiLine(std::string_view line) : PlyAsciiLine(line, line.data() + line.size()) {}
+
+    /// @param readable  end of the text that the line is a part of: decoding looks ahead
+    PlyAsciiLine(std::string_view line, const char* readable)
+        : position_(line.data()), end_(line.data() + line.size()), readable_(readable) {}
 
     /// Takes the next value and stores its bytes.
     ///
@@ -53,6 +56,7 @@ private:
 
     const char* position_;
     const char* end_;
+    const char* readable_;
     bool hasFailed_ = false;
 };
 
