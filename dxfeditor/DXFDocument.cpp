@@ -101,8 +101,17 @@ void DXFDocument::setup() {
 }
 
 std::vector<cv::Point3_<double>> DXFDocument::getPoints() const {
+    return walk(nullptr);
+}
+
+std::vector<cv::Point3_<double>> DXFDocument::getPoints(std::vector<DXFContour>& contours) const {
+    contours.clear();
+    return walk(&contours);
+}
+
+std::vector<cv::Point3_<double>> DXFDocument::walk(std::vector<DXFContour>* contours) const {
     const std::vector<dxfeditor::Run> runs = dxfeditor::runsOf(m_entities);
     std::vector<cv::Point3_<double>> points = dxfeditor::roomFor(runs);
-    dxfeditor::append(dxfeditor::stitch(runs), runs, points);
+    dxfeditor::append(dxfeditor::stitch(runs), runs, points, contours);
     return points;
 }

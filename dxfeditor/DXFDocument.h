@@ -1,5 +1,6 @@
 #pragma once
 
+#include "dxfeditor/DXFContour.h"
 #include "dxfeditor/Export.h"
 
 #include <opencv2/core/types.hpp>
@@ -83,8 +84,18 @@ public:
     /// @throw std::bad_alloc when the points do not fit the memory, before any is computed
     std::vector<cv::Point3_<double>> getPoints() const;
 
+    /// The same walk, with its contours.
+    ///
+    /// @param contours  replaced by the stretches of the result that are joined end to end. They
+    ///                  follow one another without gaps and cover it. In the example above there is
+    ///                  one, of 21 points, not closed.
+    /// @throw std::bad_alloc as above; `contours` is then incomplete
+    std::vector<cv::Point3_<double>> getPoints(std::vector<DXFContour>& contours) const;
+
 private:
     using EntityList = std::list<std::shared_ptr<DXFEntity>>;
+
+    std::vector<cv::Point3_<double>> walk(std::vector<DXFContour>* contours) const;
 
     std::list<std::shared_ptr<DXFLayer>> m_layers;
     std::list<std::shared_ptr<DXFLineType>> m_lineTypes;

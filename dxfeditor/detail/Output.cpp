@@ -46,7 +46,8 @@ std::vector<Point> roomFor(const std::vector<Run>& runs) {
     return points;
 }
 
-void append(const Walk& walk, const std::vector<Run>& runs, std::vector<Point>& points) {
+void append(const Walk& walk, const std::vector<Run>& runs, std::vector<Point>& points,
+            std::vector<DXFContour>* contours) {
     auto piece = walk.pieces.begin();
     for (const Chain& chain : walk.chains) {
         const std::size_t start = points.size();
@@ -56,6 +57,9 @@ void append(const Walk& walk, const std::vector<Run>& runs, std::vector<Point>& 
         }
         if (chain.closed) {
             points.back() = points[start];
+        }
+        if (contours != nullptr) {
+            contours->push_back({start, points.size(), chain.closed});
         }
     }
 }

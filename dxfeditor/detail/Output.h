@@ -1,5 +1,6 @@
 #pragma once
 
+#include "dxfeditor/DXFContour.h"
 #include "dxfeditor/detail/Sampling.h"
 #include "dxfeditor/detail/Stitching.h"
 
@@ -13,6 +14,9 @@ std::vector<Run::Point> roomFor(const std::vector<Run>& runs);
 
 /// Appends the points of a walk through `runs`. The last point of a closed chain becomes an exact
 /// copy of its first.
-void append(const Walk& walk, const std::vector<Run>& runs, std::vector<Run::Point>& points);
+///
+/// @param contours  receives one contour for each chain; may be null
+void append(const Walk& walk, const std::vector<Run>& runs, std::vector<Run::Point>& points,
+            std::vector<DXFContour>* contours);
 
 } // namespace dxfeditor

@@ -159,8 +159,8 @@ std::vector<PlainRun> plainRuns(const DXFDocument& document) {
     return runs;
 }
 
-PlainRun plainStitching(std::vector<PlainRun> pool) {
-    PlainRun result;
+std::vector<PlainRun> plainStitching(std::vector<PlainRun> pool) {
+    std::vector<PlainRun> result;
     while (!pool.empty()) {
         PlainRun chain = pool.back();
         pool.pop_back();
@@ -175,11 +175,15 @@ PlainRun plainStitching(std::vector<PlainRun> pool) {
         if (squaredDistance(chain.front(), chain.back()) < 1e-06) {
             chain.back() = chain.front();
         }
-        result.insert(result.end(), chain.begin(), chain.end());
+        result.push_back(chain);
     }
     return result;
 }
 
 PlainRun plainPoints(const DXFDocument& document) {
-    return plainStitching(plainRuns(document));
+    PlainRun points;
+    for (const PlainRun& contour : plainStitching(plainRuns(document))) {
+        points.insert(points.end(), contour.begin(), contour.end());
+    }
+    return points;
 }

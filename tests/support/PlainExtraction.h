@@ -13,8 +13,8 @@ using PlainRun = std::vector<cv::Point3_<double>>;
 std::vector<PlainRun> plainRuns(const DXFDocument& document);
 
 /// Joins runs by going through all of them after every join: quadratic, but plainly what it should
-/// be.
-PlainRun plainStitching(std::vector<PlainRun> pool);
+/// be. The result is one run for each contour.
+std::vector<PlainRun> plainStitching(std::vector<PlainRun> pool);
 
 /// What DXFDocument::getPoints() is to return.
 PlainRun plainPoints(const DXFDocument& document);

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <cstddef>
+
+/// A stretch of a drawing's walk that is joined end to end: the points from `begin` up to, not
+/// including, `end`, of which there is at least one.
+struct DXFContour {
+    std::size_t begin;
+    std::size_t end;
+    /// Whether the last point is a copy of the first. True for a single point; false for a circle
+    /// by itself, whose walk stops a step short of its start.
+    bool closed;
+};
