@@ -1,12 +1,18 @@
 #!/usr/bin/env bash
-# scripts/build.sh PRESET [TARGET...]: configures a preset where needed and builds it.
+# scripts/build.sh PRESET [-DNAME=VALUE...] [TARGET...]: configures a preset where needed, with the
+# given values, and builds it.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
 preset=$1
 shift
-if [ ! -f "build/$preset/build.ninja" ]; then
-  cmake --preset "$preset" >"/tmp/converters-configure-$$.log" 2>&1 || {
+values=()
+while [[ ${1-} == -D* ]]; do
+  values+=("$1")
+  shift
+done
+if [ ! -f "build/$preset/build.ninja" ] || [ "${#values[@]}" -gt 0 ]; then
+  cmake --preset "$preset" "${values[@]}" >"/tmp/converters-configure-$$.log" 2>&1 || {
     cat "/tmp/converters-configure-$$.log"
     exit 1
   }

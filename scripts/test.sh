@@ -19,8 +19,15 @@ esac
 scripts/install-dependencies.sh "$@"
 scripts/check-format.sh
 for preset in "${presets[@]}"; do
-  scripts/build.sh "$preset"
+  values=()
+  if [ "$preset" = release ]; then
+    values+=(-DCONVERTERS_BUILD_PYTHON=ON)
+  fi
+  scripts/build.sh "$preset" "${values[@]}"
   # Shows what failed or was skipped and the closing lines.
   ctest --preset "$preset" --parallel "$(nproc)" |
     grep -vE '^ +Start +[0-9]+: | Passed +[0-9.]+ sec$'
+  if [ "$preset" = release ]; then
+    tail -n 1 build/release/python/pytest.log
+  fi
 done

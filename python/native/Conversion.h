@@ -1,0 +1,56 @@
+#pragma once
+
+#include "python/native/LogRecord.h"
+
+#include <pybind11/pybind11.h>
+
+#include <new>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+/// Raises an exception of Python; text that is not UTF-8 is shown as \xHH.
+///
+/// @param type  the exception's class
+[[noreturn]] void raise(PyObject* type, const std::string& text);
+
+/// Runs a conversion without the interpreter lock and raises what the library logged when it fails.
+///
+/// @param type        class of the exception
+/// @param otherwise   text of the exception when nothing was logged
+/// @param conversion  returns false when it fails; must not touch objects of Python
+template <typename Conversion>
+void convert(PyObject* type, const char* otherwise, Conversion conversion) {
+    LogRecord log;
+    bool succeeded = false;
+    {
+        const pybind11::gil_scoped_release unlocked;
+        succeeded = conversion();
+    }
+    if (!succeeded) {
+        raise(type, log.reason().empty() ? otherwise : log.reason());
+    }
+}
+
+/// A bytes object of the same contents, copied without the interpreter lock.
+pybind11::bytes toBytes(const std::vector<unsigned char>& contents);
+
+/// The contents of any contiguous buffer, of any item type, borrowed.
+class ByteView {
+public:
+    /// @throws pybind11::error_already_set (BufferError, TypeError) for anything else
+    explicit ByteView(const pybind11::object& source);
+    ~ByteView();
+    ByteView(const ByteView&) = delete;
+    ByteView& operator=(const ByteView&) = delete;
+
+    /// A copy of the bytes. Needs no interpreter lock.
+    template <typename Byte>
+    std::vector<Byte> copy() const {
+        const auto* begin = static_cast<const Byte*>(m_buffer.buf);
+        return std::vector<Byte>(begin, begin + m_buffer.len);
+    }
+
+private:
+    Py_buffer m_buffer;
+};
