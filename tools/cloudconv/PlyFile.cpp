@@ -1,0 +1,109 @@
+#include "tools/cloudconv/PlyFile.h"
+
+#include "converters/Converters.h"
+#include "converters/PlySerializerDeserializer.h"
+#include "tools/cloudconv/CollectedLog.h"
+#include "tools/cloudconv/FileError.h"
+
+#include <pcl/PCLPointCloud2.h>
+#include <pcl/console/print.h>
+#include <pcl/conversions.h>
+
+#include <algorithm>
+#include <array>
+#include <sstream>
+
+namespace {
+
+/// Whether the header, up to "end_header", is that of a PLY file and says "element vertex 0".
+bool declaresNoVertices(const std::vector<unsigned char>& bytes) {
+    constexpr char endOfHeader[] = "end_header";
+    const auto end =
+        std::search(bytes.begin(), bytes.end(), std::begin(endOfHeader), std::end(endOfHeader) - 1);
+    std::istringstream header(std::string(bytes.begin(), end));
+    std::string line;
+    if (end == bytes.end() || !std::getline(header, line) || line.compare(0, 3, "ply") != 0) {
+        return false;
+    }
+    while (std::getline(header, line)) {
+        std::istringstream words(line);
+        std::string element;
+        std::string name;
+        std::string count;
+        words >> element >> name >> count;
+        if (element == "element" && name == "vertex") {
+            return count == "0";
+        }
+    }
+    return false;
+}
+
+bool isFloat(const std::vector<pcl::PCLPointField>& fields, const std::string& name) {
+    return std::any_of(fields.begin(), fields.end(), [&](const pcl::PCLPointField& field) {
+        return field.name == name && field.datatype == pcl::PCLPointField::FLOAT32;
+    });
+}
+
+bool readInto(PLYDeserializer& reader, const std::vector<unsigned char>& bytes,
+              pcl::PointCloud<pcl::PointXYZI>& cloud) {
+    // Its warnings of missing fields say less than ours.
+    pcl::console::setVerbosityLevel(pcl::console::L_ERROR);
+    return reader.DeserializePlyT(bytes, cloud);
+}
+
+void checkFields(const std::string& path, const std::vector<pcl::PCLPointField>& fields,
+                 PlyContents& contents) {
+    for (const char* coordinate : {"x", "y", "z"}) {
+        if (!isFloat(fields, coordinate)) {
+            throw FileError(path, std::string("no property \"") + coordinate + "\" of type float");
+        }
+    }
+    contents.hasIntensity = isFloat(fields, "intensity");
+    for (const pcl::PCLPointField& field : fields) {
+        constexpr std::array<const char*, 4> kept = {"x", "y", "z", "intensity"};
+        if (std::find(kept.begin(), kept.end(), field.name) == kept.end()) {
+            contents.droppedProperties.push_back(field.name);
+        }
+    }
+}
+
+} // namespace
+
+PlyContents readPly(const std::string& path, const std::vector<unsigned char>& bytes) {
+    const CollectedLog log;
+    PlyContents contents;
+    PLYDeserializer reader;
+    try {
+        if (!readInto(reader, bytes, contents.cloud)) {
+            throw FileError(path, log.reason("not readable as PLY"));
+        }
+    } catch (const std::logic_error&) {
+        throw FileError(path, "the value of an obj_info line is not a number that fits");
+    }
+    if (!reader.isEmptySceneInTeach()) {
+        checkFields(path, reader.cloud->fields, contents);
+    } else if (!declaresNoVertices(bytes)) {
+        throw FileError(path, "not a PLY file with vertices");
+    }
+    return contents;
+}
+
+std::vector<unsigned char> writePly(const std::string& path,
+                                    const pcl::PointCloud<pcl::PointXYZI>& cloud, bool ascii) {
+    if (cloud.points.empty()) {
+        // The header that the library gives for such a cloud has neither format nor properties:
+        // other programs refuse it.
+        pcl::PCLPointCloud2 empty;
+        pcl::toPCLPointCloud2(pcl::PointCloud<pcl::PointXYZI>(), empty);
+        const std::string header = PLYSerializer().GenerateHeader(empty, !ascii);
+        return {header.begin(), header.end()};
+    }
+    const CollectedLog log;
+    std::vector<unsigned char> bytes;
+    const bool written =
+        ascii ? converters::toPlyAscii(cloud, bytes) : converters::toPlyBinary(cloud, bytes);
+    if (!written) {
+        throw FileError(path, log.reason("could not be made"));
+    }
+    return bytes;
+}

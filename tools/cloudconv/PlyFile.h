@@ -1,0 +1,35 @@
+#pragma once
+
+#include <pcl/point_cloud.h>
+#include <pcl/point_types.h>
+
+#include <string>
+#include <vector>
+
+/// What a PLY file holds.
+struct PlyContents {
+    /// Empty when the file declares no vertices.
+    pcl::PointCloud<pcl::PointXYZI> cloud;
+    /// Properties of the file that the cloud has no place for, in file order.
+    std::vector<std::string> droppedProperties;
+    /// False when the file has no property "intensity" of type float; the cloud's are 0 then.
+    bool hasIntensity = true;
+};
+
+/// Reads a PLY file's bytes.
+///
+/// The library takes a text without vertices for an empty scene, whatever else it says. Here a file
+/// is empty only when it is a PLY file and declares so; and one whose x, y or z is missing or not
+/// of type float is refused, where the library would leave the coordinate 0.
+///
+/// @param path  the file's name, for messages
+/// @throws FileError with the reason that the library logged
+PlyContents readPly(const std::string& path, const std::vector<unsigned char>& bytes);
+
+/// Makes a PLY file. A cloud without points gives a header that declares the same properties as
+/// any other and no vertices.
+///
+/// @param path  the name of the file to come, for messages
+/// @throws FileError with the reason that the library logged
+std::vector<unsigned char> writePly(const std::string& path,
+                                    const pcl::PointCloud<pcl::PointXYZI>& cloud, bool ascii);

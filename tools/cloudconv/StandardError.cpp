@@ -1,0 +1,24 @@
+#include "tools/cloudconv/StandardError.h"
+
+#include <cstdio>
+
+namespace {
+
+constexpr std::size_t longestText = 1000;
+
+} // namespace
+
+void printToStandardError(const std::string& text) {
+    std::string line = "cloudconv: ";
+    for (const char character : text.substr(0, longestText)) {
+        const auto byte = static_cast<unsigned char>(character);
+        if (byte >= 0x20 && byte != 0x7F) {
+            line += character;
+        } else {
+            constexpr char digits[] = "0123456789ABCDEF";
+            line += {'\\', 'x', digits[byte >> 4], digits[byte & 0xF]};
+        }
+    }
+    line += text.size() > longestText ? "...\n" : "\n";
+    std::fwrite(line.data(), 1, line.size(), stderr);
+}
