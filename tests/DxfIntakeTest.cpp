@@ -121,18 +121,18 @@ TEST_F(DxfIntake, ReadsIntegersAsTheCLibraryDoes) {
 
 TEST_F(DxfIntake, ChangesNothingThatDxflibReportsOfRandomDrawings) {
     std::size_t calls = 0;
-    for (std::uint32_t seed = 0; seed < 800; ++seed) {
+    for (std::uint32_t seed = 0; seed < 500; ++seed) {
         const std::string text = randomDrawing(seed);
         const std::vector<std::string> expected = callsByDxflib(text);
         ASSERT_EQ(difference(callsOf(text), expected), "") << "seed " << seed << '\n' << text;
         ASSERT_EQ(difference(callsOf(text, DxfDecoding::Ours), expected), "") << "seed " << seed;
         calls += expected.size();
     }
-    EXPECT_GT(calls, 20000U);
+    EXPECT_GT(calls, 10000U);
 }
 
 TEST_F(DxfIntake, ChangesNothingInTheDocumentsOfRandomDrawings) {
-    for (std::uint32_t seed = 10000; seed < 10800; ++seed) {
+    for (std::uint32_t seed = 10000; seed < 10500; ++seed) {
         const std::string text = randomDrawing(seed);
         const std::string expected = drawingByDxflib(text);
         ASSERT_EQ(drawingOf(text), expected) << "seed " << seed << '\n' << text;
@@ -181,7 +181,7 @@ TEST_F(DxfIntake, ReadsADrawingWithLongLines) {
 }
 
 TEST_F(DxfIntake, GivesDxflibNothingHarmfulOfHostileTexts) {
-    for (std::uint32_t seed = 0; seed < 1000; ++seed) {
+    for (std::uint32_t seed = 0; seed < 600; ++seed) {
         const std::string text = mutated(randomDrawing(seed), seed);
         const std::string intake = dxfIntake(text.substr(0, text.find('\0')));
         std::size_t longest = 0;
