@@ -7,7 +7,6 @@
 #include <limits>
 #include <locale>
 #include <map>
-#include <regex>
 
 namespace {
 
@@ -15,16 +14,22 @@ bool isWhitespace(char c) {
     return std::isspace(c, std::locale::classic());
 }
 
+/// Whether the word is nan, inf or infinity; `kind` is then its first three letters, small.
 bool isSpecialWord(std::string word, std::string& kind) {
     std::transform(word.begin(), word.end(), word.begin(),
                    [](char c) { return std::tolower(c, std::locale::classic()); });
-    static const std::regex pattern("[+-]?(nan|inf)(inity)?(\\([a-z0-9_]*\\))?");
-    std::smatch match;
-    if (word.find('n') == std::string::npos || !std::regex_match(word, match, pattern)) {
+    if (!word.empty() && (word[0] == '-' || word[0] == '+')) {
+        word.erase(0, 1);
+    }
+    kind = word.substr(0, 3);
+    if (word == "nan" || word == "inf" || word == "infinity") {
+        return true;
+    }
+    if (kind != "nan" || word[3] != '(' || word.back() != ')') {
         return false;
     }
-    kind = match[1];
-    return kind == "nan" ? !match[2].matched : !match[3].matched;
+    const std::string inside = word.substr(4, word.size() - 5);
+    return inside.find_first_not_of("abcdefghijklmnopqrstuvwxyz0123456789_") == std::string::npos;
 }
 
 /// The stream's next word; the stream stays where it is.
