@@ -402,6 +402,22 @@ TEST_F(CloudconvRefusal, IsOneLineWhateverTheFileSays) {
     EXPECT_EQ(result.errors.back(), '\n');
 }
 
+TEST_F(CloudconvRefusal, ComesAfterEveryMessageWhenTheLogIsSwitchedOn) {
+    const fs::path from = input("ply\ncomment a\nelement vertex 1\nelement face 0\n");
+    const std::string face = "[PlyDeserializer::ReadHeader] Error parsing ply, line: 4 element "
+                             "type 'face' not supported\n";
+    const ProgramResult result =
+        run({from, in("out.ply")}, [] { setenv("VOLMAR_ENABLE_LOG", "1", 1); });
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.errors,
+              "cloudconv: ReadHeader: [PlyDeserializer::ReadHeader] Ignoring line 2 : comment a\n"
+              "cloudconv: ReadHeader: " +
+                  face +
+                  "cloudconv: DeserializePlyT: [PLYDeserializer::DeserializePlyT] Reading Header "
+                  "Failed!\ncloudconv: " +
+                  from.string() + ": " + face);
+}
+
 using CloudconvInput = Cloudconv;
 
 TEST_F(CloudconvInput, ThatDoesNotExistIsNamed) {

@@ -5,7 +5,7 @@
 /// Collects what the library logs while it lives. One lives at a time.
 ///
 /// The program defines p7::deliver itself, through this unit, so that the library's messages come
-/// here and not to standard error.
+/// here. They are printed as well when the logging library's switch, VOLMAR_ENABLE_LOG, is on.
 class CollectedLog {
 public:
     CollectedLog();

@@ -20,5 +20,5 @@ void printToStandardError(const std::string& text) {
         }
     }
     line += text.size() > longestText ? "...\n" : "\n";
-    std::fwrite(line.data(), 1, line.size(), stderr);
+    static_cast<void>(std::fwrite(line.data(), 1, line.size(), stderr));
 }
