@@ -158,6 +158,20 @@ TEST(StitchingTest, CoordinatesCoarserThanTheTolerance) {
     });
 }
 
+TEST(StitchingTest, LargeDrawings) {
+    for (const double extent : {0.02, 0.3, 30.0}) {
+        expectPlainResult(11, 2, 1500, [extent](Random& random) {
+            return Point(extent * symmetric(random), 0.0, extent * symmetric(random));
+        });
+        // Many equal coordinates.
+        expectPlainResult(12, 2, 1500, [extent](Random& random) {
+            return Point(extent * static_cast<double>(below(random, 5)),
+                         4e-4 * static_cast<double>(below(random, 2)),
+                         extent * std::floor(9.0 * symmetric(random)));
+        });
+    }
+}
+
 TEST(StitchingTest, ShuffledAndFlippedLinesOfALargeDrawing) {
     Random random(10);
     std::vector<std::shared_ptr<DXFEntity>> lines;

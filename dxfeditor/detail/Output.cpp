@@ -9,6 +9,10 @@ namespace {
 
 using Point = Run::Point;
 
+/// The walk jumps about in the drawing; this many pieces ahead, entities are on their way from
+/// memory.
+constexpr std::size_t lookAhead = 8;
+
 void append(const Piece& piece, const std::vector<Run>& runs, std::vector<Point>& points) {
     const Run& run = runs[piece.run];
     switch (piece.dropped) {
@@ -48,12 +52,16 @@ std::vector<Point> roomFor(const std::vector<Run>& runs) {
 
 void append(const Walk& walk, const std::vector<Run>& runs, std::vector<Point>& points,
             std::vector<DXFContour>* contours) {
-    auto piece = walk.pieces.begin();
+    const std::size_t pieces = walk.pieces.size();
+    std::size_t piece = 0;
     for (const Chain& chain : walk.chains) {
         const std::size_t start = points.size();
-        const auto end = walk.pieces.begin() + static_cast<std::ptrdiff_t>(chain.piecesEnd);
-        for (; piece != end; ++piece) {
-            append(*piece, runs, points);
+        for (; piece < chain.piecesEnd; ++piece) {
+            if (piece + 2 * lookAhead < pieces) {
+                __builtin_prefetch(&runs[walk.pieces[piece + 2 * lookAhead].run]);
+                runs[walk.pieces[piece + lookAhead].run].prefetch();
+            }
+            append(walk.pieces[piece], runs, points);
         }
         if (chain.closed) {
             points.back() = points[start];

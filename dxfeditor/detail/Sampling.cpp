@@ -223,21 +223,14 @@ SplinePoints pointsOf(const DXFSpline& spline) {
 }
 
 template <typename Sequence>
-Point firstOf(Sequence sequence) {
-    return sequence(0);
+std::pair<Point, Point> endsOf(Sequence sequence) {
+    const Point first = sequence(0);
+    return {first, sequence(sequence.size() - 1)};
 }
 
-Point firstOf(const PolylinePoints& polyline) {
-    return firstOf(LinePoints(polyline.pieces().front()));
-}
-
-template <typename Sequence>
-Point lastOf(Sequence sequence) {
-    return sequence(sequence.size() - 1);
-}
-
-Point lastOf(const PolylinePoints& polyline) {
-    return lastOf(LinePoints(polyline.pieces().back()));
+std::pair<Point, Point> endsOf(const PolylinePoints& polyline) {
+    return {endsOf(LinePoints(polyline.pieces().front())).first,
+            endsOf(LinePoints(polyline.pieces().back())).second};
 }
 
 template <typename Sequence>
@@ -301,12 +294,18 @@ Run::Run(Shape shape)
     : m_shape(shape),
       m_size(std::visit([](const auto* entity) { return pointsOf(*entity).size(); }, shape)) {}
 
-Point Run::first() const {
-    return std::visit([](const auto* entity) { return firstOf(pointsOf(*entity)); }, m_shape);
+std::pair<Point, Point> Run::ends() const {
+    return std::visit([](const auto* entity) { return endsOf(pointsOf(*entity)); }, m_shape);
 }
 
-Point Run::last() const {
-    return std::visit([](const auto* entity) { return lastOf(pointsOf(*entity)); }, m_shape);
+void Run::prefetch() const {
+    std::visit(
+        [](const auto* entity) {
+            const char* const begin = reinterpret_cast<const char*>(entity);
+            __builtin_prefetch(begin);
+            __builtin_prefetch(begin + sizeof *entity - 1);
+        },
+        m_shape);
 }
 
 void Run::appendTo(std::vector<Point>& points, Direction direction) const {

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <list>
 #include <memory>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -41,9 +42,12 @@ public:
     /// Number of points.
     std::size_t size() const { return m_size; }
 
-    /// The ends, of a run that is not empty; the same to the bit as appendTo() gives them.
-    Point first() const;
-    Point last() const;
+    /// The first and the last point of a run that is not empty, the same to the bit as appendTo()
+    /// gives them.
+    std::pair<Point, Point> ends() const;
+
+    /// Asks the processor to fetch the entity, for an appendTo() some runs later.
+    void prefetch() const;
 
     /// Appends all points of the run.
     void appendTo(std::vector<Point>& points, Direction direction) const;

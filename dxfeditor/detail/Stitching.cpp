@@ -9,14 +9,19 @@ namespace dxfeditor {
 
 namespace {
 
-using Point = Run::Point;
 using RunNumber = RunEndTree::RunNumber;
+using Place = RunEndTree::Place;
+using Match = RunEndTree::Match;
+
+/// Chains begin all over the drawing; this many runs ahead, their ends are on their way from
+/// memory.
+constexpr RunNumber lookAhead = 8;
 
 /// One of the two ends of the chain that grows.
 struct Tip {
-    Point point;
-    /// The lowest run of the pool that fits here, or none.
-    RunNumber candidate = RunEndTree::none;
+    Place end = RunEndTree::none;
+    /// The lowest run of the pool that fits here.
+    Match candidate;
     /// The pieces joined on this side, from the inside outwards.
     std::vector<Piece> pieces;
 };
@@ -24,11 +29,18 @@ struct Tip {
 /// Builds a walk, chain by chain.
 class Stitcher {
 public:
-    explicit Stitcher(const std::vector<Run>& runs) : m_runs(runs), m_pool(runs) {
+    explicit Stitcher(const std::vector<Run>& runs) : m_pool(runs) {
         m_walk.pieces.reserve(runs.size());
     }
 
     bool isInPool(RunNumber run) const { return m_pool.contains(run); }
+
+    /// Fetches a run that comes soon, while chains before it are built.
+    void prefetchBefore(RunNumber run) const {
+        if (run >= lookAhead && isInPool(run - lookAhead)) {
+            m_pool.prefetch(run - lookAhead);
+        }
+    }
 
     /// Adds the chain that grows from `start`, a run in the pool.
     void addChain(RunNumber start);
@@ -36,12 +48,11 @@ public:
     Walk takeWalk() { return std::move(m_walk); }
 
 private:
-    void join(RunNumber run);
-    void extend(Tip& tip, const Piece& piece, const Point& newEnd);
+    void join(Match found);
+    void extend(Tip& tip, const Piece& piece, Place joined, Place other);
     void finishChain(RunNumber start);
-    void search(Tip& tip) { tip.candidate = m_pool.lowestRunAt(tip.point); }
+    void search(Tip& tip) { tip.candidate = m_pool.lowestRunAt(tip.end); }
 
-    const std::vector<Run>& m_runs;
     RunEndTree m_pool;
     Walk m_walk;
     Tip m_front;
@@ -49,45 +60,50 @@ private:
 };
 
 void Stitcher::addChain(RunNumber start) {
-    m_front.point = m_pool.first(start);
-    m_back.point = m_pool.last(start);
-    m_pool.remove(start);
+    m_front.end = m_pool.first(start);
+    m_back.end = m_pool.last(start);
+    m_pool.remove(m_front.end, m_back.end);
     search(m_front);
     search(m_back);
-    while (std::min(m_front.candidate, m_back.candidate) != RunEndTree::none) {
-        join(std::min(m_front.candidate, m_back.candidate));
+    for (;;) {
+        const Match& atFront = m_front.candidate;
+        const Match& atBack = m_back.candidate;
+        const Match& lowest = atFront.run < atBack.run ? atFront : atBack;
+        if (lowest.run == RunEndTree::none) {
+            break;
+        }
+        join(lowest);
     }
     finishChain(start);
 }
 
 /// Joins a run that fits, in the first of the ways that hold.
-void Stitcher::join(RunNumber run) {
-    const Point first = m_pool.first(run);
-    const Point last = m_pool.last(run);
-    m_pool.remove(run);
-    if (meet(m_back.point, first)) {
-        extend(m_back, {run, Direction::Forwards, Dropped::First}, last);
-    } else if (meet(m_back.point, last)) {
-        extend(m_back, {run, Direction::Backwards, Dropped::First}, first);
-    } else if (meet(m_front.point, last)) {
-        extend(m_front, {run, Direction::Forwards, Dropped::Last}, first);
+void Stitcher::join(const Match found) {
+    const auto [run, first, last] = found;
+    m_pool.remove(first, last);
+    if (m_pool.meet(m_back.end, first)) {
+        extend(m_back, {run, Direction::Forwards, Dropped::First}, first, last);
+    } else if (m_pool.meet(m_back.end, last)) {
+        extend(m_back, {run, Direction::Backwards, Dropped::First}, last, first);
+    } else if (m_pool.meet(m_front.end, last)) {
+        extend(m_front, {run, Direction::Forwards, Dropped::Last}, last, first);
     } else {
-        extend(m_front, {run, Direction::Backwards, Dropped::Last}, last);
+        extend(m_front, {run, Direction::Backwards, Dropped::Last}, first, last);
     }
     // A candidate stays the lowest until it is joined or its end of the chain moves.
-    if (m_front.candidate == run) {
+    if (m_front.candidate.run == run) {
         search(m_front);
     }
-    if (m_back.candidate == run) {
+    if (m_back.candidate.run == run) {
         search(m_back);
     }
 }
 
-void Stitcher::extend(Tip& tip, const Piece& piece, const Point& newEnd) {
+void Stitcher::extend(Tip& tip, const Piece& piece, Place joined, Place other) {
     tip.pieces.push_back(piece);
     // Of a run of one point nothing is left once it is dropped: the chain ends where it did.
-    if (m_runs[piece.run].size() > 1) {
-        tip.point = newEnd;
+    if (other != joined) {
+        tip.end = other;
     }
 }
 
@@ -96,7 +112,7 @@ void Stitcher::finishChain(RunNumber start) {
     pieces.insert(pieces.end(), m_front.pieces.rbegin(), m_front.pieces.rend());
     pieces.push_back({start, Direction::Forwards, Dropped::Nothing});
     pieces.insert(pieces.end(), m_back.pieces.begin(), m_back.pieces.end());
-    m_walk.chains.push_back({pieces.size(), meet(m_front.point, m_back.point)});
+    m_walk.chains.push_back({pieces.size(), m_pool.meet(m_front.end, m_back.end)});
     m_front.pieces.clear();
     m_back.pieces.clear();
 }
@@ -107,6 +123,7 @@ Walk stitch(const std::vector<Run>& runs) {
     Stitcher stitcher(runs);
     for (std::size_t run = runs.size(); run > 0; --run) {
         const auto number = static_cast<RunNumber>(run - 1);
+        stitcher.prefetchBefore(number);
         if (stitcher.isInPool(number)) {
             stitcher.addChain(number);
         }
