@@ -11,6 +11,7 @@ namespace {
 using Group = std::pair<int, std::string>;
 using Groups = std::vector<Group>;
 
+/// Draws one number a statement: the order of draws within an expression is the compiler's.
 class Generator {
 public:
     explicit Generator(std::uint32_t seed) : m_random(seed) {}
@@ -99,8 +100,8 @@ std::string Generator::word() {
 
 void Generator::write(const Group& group) {
     static const char* const before[] = {"", "", "  ", " ", "\t"};
-    m_text += before[below(5)] + std::to_string(group.first) + (oneIn(20) ? " " : "") + m_lineEnd +
-              group.second + m_lineEnd;
+    m_text += before[below(5)] + std::to_string(group.first);
+    m_text += (oneIn(20) ? " " : "") + m_lineEnd + group.second + m_lineEnd;
 }
 
 /// Writes an object, the first group first.
@@ -285,7 +286,8 @@ void Generator::tableEntry() {
     Groups groups = begin(oneIn(2) ? "LAYER" : "LTYPE");
     for (const int code : {2, 3}) {
         if (!oneIn(5)) {
-            groups.emplace_back(code, word() + std::to_string(below(20)));
+            groups.emplace_back(code, word());
+            groups.back().second += std::to_string(below(20));
         }
     }
     for (const int code : {70, 73}) {
@@ -300,7 +302,8 @@ void Generator::tableEntry() {
 void Generator::headerVariable() {
     static const int codes[] = {1, 3, 7, 10, 40, 50, 62, 70, 290};
     Groups groups = {{9, oneIn(2) ? "$ACADVER" : "$EXTMIN"}};
-    groups.emplace_back(codes[below(9)], number());
+    const int code = codes[below(9)];
+    groups.emplace_back(code, number());
     addNoise(groups);
     add(groups, false);
 }
@@ -406,7 +409,8 @@ std::string mutated(std::string text, std::uint32_t seed) {
             text.erase(at, static_cast<std::size_t>(random.below(30)));
             break;
         case 4:
-            text.insert(at, text.substr(place(), static_cast<std::size_t>(random.below(3000))));
+            text.insert(
+                at, text.substr(place()).substr(0, static_cast<std::size_t>(random.below(3000))));
             break;
         default:
             text.insert(at, static_cast<std::size_t>(random.below(3000)), '7');
