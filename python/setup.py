@@ -4,6 +4,7 @@ CMAKE_ARGS in the environment is passed on to CMake.
 """
 
 import os
+import re
 import shlex
 import subprocess
 import sys
@@ -42,6 +43,7 @@ class BuildWithCMake(build_ext):
 
 BUILD.mkdir(parents=True, exist_ok=True)
 setup(
+    version=re.search(r"VERSION (\d+\.\d+\.\d+)", (PROJECT / "CMakeLists.txt").read_text())[1],
     ext_modules=[Extension("converters._native", sources=[])],
     cmdclass={"build_ext": BuildWithCMake},
     options={"build": {"build_base": str(BUILD)}, "egg_info": {"egg_base": str(BUILD)}},

@@ -21,6 +21,7 @@ What cannot be converted raises :exc:`ValueError` with the reason that the libra
 the environment variable ``VOLMAR_ENABLE_LOG`` to 1 shows all messages on standard error.
 """
 
+from converters._native import __version__
 from converters.drawing import (
     Arc,
     Circle,
@@ -50,6 +51,7 @@ __all__ = [
     "PointVector",
     "Polyline",
     "Spline",
+    "__version__",
     "from_dxf",
     "from_ply",
     "to_dxf",

@@ -5,6 +5,8 @@ import numpy.typing as npt
 
 from converters._buffers import Column, ReadableBuffer
 
+__version__: str
+
 def to_ply(
     x: Column,
     y: Column,

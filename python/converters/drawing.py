@@ -234,8 +234,14 @@ class Drawing:
         return self._model.walk()[0]
 
     def contours(self) -> list[Contour]:
-        """The walk of :meth:`points`, cut where it jumps: what is joined end to end is one
-        contour. The contours' arrays are views of one array."""
+        r"""The walk of :meth:`points`, cut where it jumps: what is joined end to end is one
+        contour. The contours' arrays are views of one array.
+
+        >>> lines = "0 LINE 10 0 20 0 11 1 21 0 0 LINE 10 3 20 0 11 1 21 0 0 EOF"
+        >>> drawing = Drawing.from_bytes(lines.replace(" ", "\n").encode() + b"\n")
+        >>> [(len(c.points), round(c.length, 6)) for c in drawing.contours()]
+        [(31, 3.0)]
+        """
         points, spans = self._model.walk()
         return [Contour(points[begin:end], closed) for begin, end, closed in spans]
 

@@ -162,6 +162,7 @@ void translateFileSystemError(std::exception_ptr thrown) {
 
 PYBIND11_MODULE(_native, module) {
     module.doc() = "The converters library, behind the functions of the package.";
+    module.attr("__version__") = CONVERTERS_VERSION;
     py::register_local_exception_translator(translateFileSystemError);
 
     module.def("to_ply", toPly, py::arg("x"), py::arg("y"), py::arg("z"), py::arg("intensity"),

@@ -6,8 +6,6 @@ import subprocess
 import sys
 from pathlib import Path
 
-import pytest
-
 import converters
 from converters import _native
 
@@ -118,10 +116,3 @@ def test_nothing_but_the_module_is_exported():
         capture_output=True,
     ).stdout
     assert [line.split()[0] for line in symbols.splitlines()] == ["PyInit__native"]
-
-
-def test_importing_creates_nothing_in_the_temporary_folder():
-    folder = Path("/var/tmp/melgrav/tarnowell3/temp_dxf_files")
-    before = sorted(folder.iterdir()) if folder.exists() else None
-    run("import converters")
-    assert (sorted(folder.iterdir()) if folder.exists() else None) == before

@@ -222,6 +222,10 @@ class TestRefusedPoints:
             to_ply(np.zeros(shape))
         assert str(raised.value) == f"points have shape {shape}, expected (N, 3) or (N, 4)"
 
+    def test_more_points_than_a_file_can_count_are_refused(self):
+        with pytest.raises(ValueError, match="2147483648 points are more than a file can count"):
+            to_ply(np.broadcast_to(np.zeros(3), (2**31, 3)))
+
     def test_missing_fields_are_named(self):
         with pytest.raises(ValueError, match="points have no field y, z"):
             to_ply(np.zeros(3, dtype=[("x", "f4"), ("u", "f4")]))

@@ -73,6 +73,20 @@ def test_threads_get_their_own_results():
         np.testing.assert_array_equal(walked[i], points * [1, 1, -1])
 
 
+def test_drawings_are_written_one_at_a_time():
+    """All of them go through one temporary file."""
+    together = threading.Barrier(4)
+
+    def draw(number):
+        points = np.full((2000, 3), float(number))
+        together.wait()
+        return [to_dxf(points).count(b"\n%d.0\n" % number) for _ in range(25)]
+
+    with ThreadPoolExecutor(4) as pool:
+        for counts in pool.map(draw, range(11, 15)):
+            assert counts == [6000] * 25
+
+
 def test_threads_get_their_own_reasons():
     def reason(number):
         header = b"ply\nformat ascii 1.0\nelement vertex 1\nelement e%d 1\n" % number

@@ -74,7 +74,7 @@ def test_stubs_name_what_the_module_has():
     assert stub.count("def ") == len(names) - 1 + len(methods)
 
 
-@pytest.mark.parametrize("name", converters.__all__)
+@pytest.mark.parametrize("name", [n for n in converters.__all__ if not n.startswith("_")])
 def test_everything_public_has_a_docstring(name):
     thing = getattr(converters, name)
     assert thing.__doc__

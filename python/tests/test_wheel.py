@@ -8,6 +8,8 @@ from pathlib import Path
 
 import pytest
 
+import converters
+
 ROOT = Path(__file__).parent.parent
 
 PROGRAM = """
@@ -50,7 +52,7 @@ def test_wheel_holds_the_package_and_the_logging_library(environment):
     assert names == sources | {"converters/py.typed"} | libraries
     assert any("/_native." in name for name in libraries)
     assert "converters/libuniversal_log_interface.so.1" in libraries
-    assert wheel.name.startswith("converters-1.0.0-")
+    assert wheel.name.startswith(f"converters-{converters.__version__}-")
     assert "linux" in wheel.name
 
 
