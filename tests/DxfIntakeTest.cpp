@@ -2,6 +2,7 @@
 
 #include "dxfeditor/DXFDocument.h"
 #include "dxfeditor/DXFReader.h"
+#include "dxfeditor/detail/DxfEntityDecoder.h"
 #include "dxfeditor/detail/DxfParser.h"
 #include "tests/support/BareDxflib.h"
 #include "tests/support/DrawingText.h"
@@ -200,6 +201,36 @@ TEST_F(DxfIntake, GivesDxflibNothingHarmfulOfHostileTexts) {
     }
 }
 
+/// Whether the decoder takes the first object of a text.
+bool decodes(const std::vector<std::string>& lines) {
+    const std::string text = dxf(lines);
+    dxfeditor::DxfObjects objects(text);
+    dxfeditor::DxfObject object;
+    return objects.next(object) && dxfeditor::DxfEntityDecoder().decode(object, objects);
+}
+
+TEST(DxfDecoder, TakesPlainEntities) {
+    for (const std::string kind : {"POINT", "LINE", "CIRCLE", "ARC", "LWPOLYLINE"}) {
+        EXPECT_TRUE(decodes({"0", kind, "5", "1F", "8", "walls", "10", "1.5", "20", "-2e3", "40",
+                             " 3 ", "1001", "APP", "0", "EOF"}))
+            << kind;
+    }
+    EXPECT_TRUE(decodes({"0", "POLYLINE", "0", "VERTEX", "10", "1", "0", "VERTEX", "0", "SEQEND"}));
+}
+
+TEST(DxfDecoder, LeavesTheRestToDxflib) {
+    EXPECT_FALSE(decodes({"0", "LINE", "10", "1"})) << "nothing follows";
+    EXPECT_FALSE(decodes({"0", "LINE", "10", "+1", "0", "EOF"}));
+    EXPECT_FALSE(decodes({"0", "LINE", "10", "", "0", "EOF"}));
+    EXPECT_FALSE(decodes({"0", "LINE", "5", "0x1", "0", "EOF"}));
+    EXPECT_FALSE(decodes({"0", "SPLINE", "0", "EOF"}));
+    EXPECT_FALSE(decodes({"0", "VERTEX", "0", "EOF"}));
+    EXPECT_FALSE(decodes({"0", "POLYLINE", "0", "SEQEND"}));
+    EXPECT_FALSE(decodes({"0", "POLYLINE", "0", "VERTEX", "0", "EOF"}));
+    EXPECT_FALSE(decodes({"0", "POLYLINE", "0", "VERTEX", "0", "TEXT", "0", "SEQEND"}));
+    EXPECT_FALSE(decodes({"0", "POLYLINE", "0", "VERTEX", "10", "x", "0", "SEQEND"}));
+}
+
 TEST(DxfDecoder, ReadsNumbersAsDxflibDoes) {
     const std::vector<std::string> values = {
         "0",
@@ -318,10 +349,11 @@ public:
 TEST(DxfDecoder, EndsEachObjectAsDxflibDoes) {
     EndCounter counter;
     dxfeditor::parseDxf(
-        dxf({"0", "POINT", "0", "LINE", "0", "CIRCLE", "0", "ARC", "0", "LWPOLYLINE", "0", "EOF"}),
+        dxf({"0", "POINT", "0", "LINE", "0", "CIRCLE", "0", "ARC", "0", "LWPOLYLINE", "0",
+             "POLYLINE", "0", "VERTEX", "0", "SEQEND", "0", "EOF"}),
         counter, DxfDecoding::Ours);
-    EXPECT_EQ(counter.sections, 5);
-    EXPECT_EQ(counter.entities, 1);
+    EXPECT_EQ(counter.sections, 7);
+    EXPECT_EQ(counter.entities, 2);
 }
 
 } // namespace

@@ -113,4 +113,34 @@ TEST(FromDxf, LeavesTheCloudWhenNothingCanBeLoaded) {
     EXPECT_EQ(cloud.height, 1U);
 }
 
+/// The points that come back from a file made of `points`.
+Points throughDxf(const Points& points) {
+    std::vector<unsigned char> file;
+    EXPECT_TRUE(converters::toDxf(points, file));
+    Points back = {{7, 8, 9}};
+    EXPECT_TRUE(converters::fromDxf({file.begin(), file.end()}, back));
+    return back;
+}
+
+TEST(FromDxf, NoPointsComeBackAsNone) {
+    EXPECT_TRUE(throughDxf({}).empty());
+}
+
+TEST(FromDxf, OnePointComesBackInTheDrawingPlane) {
+    EXPECT_TRUE(samePoints(throughDxf({{1.5, -2.25, 3}}), {{1.5, 0, -2.25}}));
+}
+
+TEST(FromDxf, SeveralPointsComeBackInOrderWithTheOtherSignOfZ) {
+    EXPECT_TRUE(
+        samePoints(throughDxf({{1.5, -2.25, 3}, {0.1, 0, 0}}), {{1.5, -2.25, -3}, {0.1, 0, -0.0}}));
+    Points points;
+    Points expected;
+    for (int i = 0; i < 10000; ++i) {
+        points.emplace_back(i / 8.0, -i / 1024.0, i - 5000.5);
+        expected.emplace_back(i / 8.0, -i / 1024.0, 5000.5 - i);
+    }
+    expected[0].y = points[0].y = 0.0;
+    EXPECT_TRUE(samePoints(throughDxf(points), expected));
+}
+
 } // namespace

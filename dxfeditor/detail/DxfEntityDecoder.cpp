@@ -31,18 +31,51 @@ std::string_view withoutBlanks(std::string_view text) {
 
 } // namespace
 
-bool DxfEntityDecoder::decode(const DxfObject& object) {
-    if (!object.complete) {
-        return false;
-    }
+bool DxfEntityDecoder::decode(const DxfObject& object, const DxfObjects& following) {
     switch (object.kind) {
     case DxfObjectKind::Point:
     case DxfObjectKind::Line:
     case DxfObjectKind::Circle:
     case DxfObjectKind::Arc:
     case DxfObjectKind::LwPolyline:
-        break;
+        return decodeOne(object);
+    case DxfObjectKind::Polyline:
+        return decodeSequence(following) && decodeOne(object);
     default:
+        return false;
+    }
+}
+
+/// Whether there are vertices and then a SEQEND. With anything else between or behind, the order in
+/// which things end is not plain.
+bool DxfEntityDecoder::decodeSequence(DxfObjects following) {
+    DxfObject object;
+    bool hasVertices = false;
+    while (following.next(object) && object.kind == DxfObjectKind::Vertex) {
+        if (!decodeOne(object)) {
+            return false;
+        }
+        hasVertices = true;
+    }
+    return hasVertices && object.kind == DxfObjectKind::SequenceEnd;
+}
+
+void DxfEntityDecoder::report(DL_CreationInterface& reader, DxfObjects& following) {
+    reportOne(reader);
+    if (m_kind != DxfObjectKind::Polyline) {
+        return;
+    }
+    DxfObjects ahead = following;
+    for (DxfObject vertex; ahead.next(vertex) && vertex.kind == DxfObjectKind::Vertex;) {
+        decodeOne(vertex);
+        reportOne(reader);
+        following = ahead;
+    }
+    reader.endEntity();
+}
+
+bool DxfEntityDecoder::decodeOne(const DxfObject& object) {
+    if (!object.complete) {
         return false;
     }
     m_kind = object.kind;
@@ -62,6 +95,13 @@ bool DxfEntityDecoder::decode(const DxfObject& object) {
     case DxfObjectKind::Arc:
         m_numbers = {real(10), real(20), real(30), real(40), real(50), real(51)};
         break;
+    case DxfObjectKind::Vertex:
+        m_numbers = {real(10), real(20), real(30), real(42)};
+        m_isFace = (integer(70, 0) & 192) == 128;
+        break;
+    case DxfObjectKind::Polyline:
+        decodePolyline(0);
+        break;
     default:
         decodeVertices(object.groups);
         break;
@@ -69,7 +109,7 @@ bool DxfEntityDecoder::decode(const DxfObject& object) {
     return m_plain;
 }
 
-void DxfEntityDecoder::report(DL_CreationInterface& reader) const {
+void DxfEntityDecoder::reportOne(DL_CreationInterface& reader) const {
     reader.setAttributes(m_attributes);
     reader.setExtrusion(m_extrusion[0], m_extrusion[1], m_extrusion[2], m_extrusion[3]);
     const auto& n = m_numbers;
@@ -85,6 +125,14 @@ void DxfEntityDecoder::report(DL_CreationInterface& reader) const {
         break;
     case DxfObjectKind::Arc:
         reader.addArc(DL_ArcData(n[0], n[1], n[2], n[3], n[4], n[5]));
+        break;
+    case DxfObjectKind::Vertex:
+        if (!m_isFace) {
+            reader.addVertex(DL_VertexData(n[0], n[1], n[2], n[3]));
+        }
+        break;
+    case DxfObjectKind::Polyline:
+        reader.addPolyline(m_polyline);
         break;
     default:
         reader.addPolyline(m_polyline);
@@ -175,10 +223,15 @@ void DxfEntityDecoder::decodeAttributes(int elevationCode) {
     m_extrusion = {real(210), real(220), real(230, 1.0), real(elevationCode)};
 }
 
+void DxfEntityDecoder::decodePolyline(int vertexCount) {
+    m_polyline =
+        DL_PolylineData(vertexCount, integer(71, 0), integer(72, 0), integer(70, 0), real(38));
+}
+
 void DxfEntityDecoder::decodeVertices(std::string_view groups) {
     const DxfCountedList list(lwPolylineVertices, groups);
     const int count = list.count();
-    m_polyline = DL_PolylineData(count, integer(71, 0), integer(72, 0), integer(70, 0), real(38));
+    decodePolyline(count);
     m_vertices.clear();
     DxfGroups walk(groups);
     for (DxfGroup group; walk.next(group);) {

@@ -50,9 +50,9 @@ void parseDxf(std::string_view text, DL_CreationInterface& reader, DxfDecoding d
     DxfEntityDecoder decoder;
     DxfObjects objects(text);
     for (DxfObject object; objects.next(object);) {
-        if (decoding == DxfDecoding::Ours && decoder.decode(object)) {
+        if (decoding == DxfDecoding::Ours && decoder.decode(object, objects)) {
             parsePiece(intake, dxflib, reader);
-            decoder.report(reader);
+            decoder.report(reader, objects);
             continue;
         }
         intake.append(object);

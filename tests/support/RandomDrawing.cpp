@@ -45,6 +45,8 @@ private:
     std::mt19937 m_random;
     std::string m_text;
     std::string m_lineEnd = "\n";
+    /// Only such numbers as most programs write.
+    bool m_plain = false;
 };
 
 std::string Generator::number() {
@@ -52,6 +54,10 @@ std::string Generator::number() {
     const double value = (below(2000001) - 1000000) / 1024.0;
     static const char* const forms[] = {"%.6f", "%.16g", "%g",    "%.0f",
                                         "%e",   " %.3f", "%.3f ", "%+.2f"};
+    if (m_plain) {
+        std::snprintf(digits, sizeof digits, forms[below(6)], value);
+        return digits;
+    }
     std::snprintf(digits, sizeof digits, forms[below(8)], value);
     switch (below(40)) {
     case 0:
@@ -90,7 +96,7 @@ std::string Generator::number() {
 std::string Generator::integer() {
     static const char* const odd[] = {"",   "x",   " 7",        "0x1F", "99999999999",
                                       "-1", "1.9", "4294967297"};
-    return oneIn(6) ? odd[below(8)] : std::to_string(below(300) - 5);
+    return !m_plain && oneIn(6) ? odd[below(8)] : std::to_string(below(300) - 5);
 }
 
 std::string Generator::word() {
@@ -335,6 +341,7 @@ void Generator::block() {
 }
 
 std::string Generator::drawing(int mostObjects) {
+    m_plain = oneIn(2);
     m_lineEnd = oneIn(3) ? "\r\n" : "\n";
     if (oneIn(5)) {
         write({8, "stray"});
