@@ -1,5 +1,5 @@
 # What `cmake --install` puts where: the libraries, the headers, the CMake package, the pkg-config
-# file and the licence notes. tools/ installs cloudconv.
+# file, cloudconv with its manual page, and the licence notes.
 #
 # Components, one for each Debian package: runtime, development, cloudconv.
 include(CMakePackageConfigHelpers)
@@ -7,12 +7,24 @@ include(CMakePackageConfigHelpers)
 # Outside the folders that the loader searches, the libraries find each other by their place.
 if(NOT CMAKE_INSTALL_PREFIX STREQUAL "/usr")
   set_target_properties(converters PROPERTIES INSTALL_RPATH "$ORIGIN")
+  if(TARGET cloudconv)
+    file(RELATIVE_PATH _bin_to_lib ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
+    set_target_properties(cloudconv PROPERTIES INSTALL_RPATH "$ORIGIN/${_bin_to_lib}")
+  endif()
 endif()
 
 install(
   TARGETS converters universal_log_interface
   EXPORT converters-targets
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT development)
+
+if(TARGET cloudconv)
+  install(TARGETS cloudconv RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT cloudconv)
+  install(
+    FILES ${PROJECT_SOURCE_DIR}/docs/cloudconv.1
+    DESTINATION ${CMAKE_INSTALL_MANDIR}/man1
+    COMPONENT cloudconv)
+endif()
 
 # Every header is public, except what lives in a folder detail/.
 foreach(folder IN ITEMS converters dxfeditor universal_log_interface)

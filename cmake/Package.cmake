@@ -9,11 +9,11 @@ set(_library_package libconverters${PROJECT_VERSION_MAJOR})
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME converters)
 set(CPACK_PACKAGE_CONTACT "The converters developers <converters@localhost>")
-set(CPACK_PACKAGE_DIRECTORY ${PROJECT_SOURCE_DIR}/build/packages)
+set(CPACK_PACKAGE_DIRECTORY ${PROJECT_BINARY_DIR}/packages)
 set(CPACK_PACKAGING_INSTALL_PREFIX ${CMAKE_INSTALL_PREFIX})
 set(CPACK_STRIP_FILES ON)
 set(CPACK_COMPONENTS_ALL runtime development)
-if(CONVERTERS_BUILD_TOOLS AND TARGET cloudconv)
+if(TARGET cloudconv)
   list(APPEND CPACK_COMPONENTS_ALL cloudconv)
 endif()
 
@@ -27,8 +27,8 @@ if(CMAKE_SYSTEM_PROCESSOR STREQUAL "aarch64")
 endif()
 # A package depends on the others in exactly its own version.
 set(CPACK_DEBIAN_ENABLE_COMPONENT_DEPENDS ON)
-set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS $<TARGET_FILE_DIR:converters>
-                                                $<TARGET_FILE_DIR:universal_log_interface>)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR}/converters
+                                                ${PROJECT_BINARY_DIR}/universal_log_interface)
 
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME ${_library_package})
 set(CPACK_DEBIAN_RUNTIME_DESCRIPTION "Shared libraries libconverters and libuniversal_log_interface.")

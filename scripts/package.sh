@@ -27,4 +27,5 @@ dpkg-architecture --host-arch "$architecture" --force --command \
   cat "build/$preset/cpack.log"
   exit 1
 }
+mv "build/$preset"/packages/*.deb build/packages
 ls build/packages/*_"$architecture".deb

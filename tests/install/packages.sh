@@ -71,6 +71,16 @@ install libconverters1
 cp "$consumer" "$root/tmp/consumer"
 "${in_root[@]}" "$at/tmp/consumer" | grep -qx '1 2 3 4'
 
+# The tool: a scan of three points to binary and back to text.
+install cloudconv
+printf '%s\n' ply 'format ascii 1.0' 'element vertex 3' 'property float x' 'property float y' \
+  'property float z' 'property float intensity' end_header '1 2 3 4' '5 6 7 8' '-9 0.5 1e+10 0' \
+  >"$root/tmp/scan.ply"
+"${in_root[@]}" "$at/usr/bin/cloudconv" "$at/tmp/scan.ply" "$at/tmp/binary.ply"
+"${in_root[@]}" "$at/usr/bin/cloudconv" "$at/tmp/binary.ply" "$at/tmp/text.ply" --ascii
+diff <(tail -n 3 "$root/tmp/scan.ply") <(tail -n 3 "$root/tmp/text.ply")
+[ -s "$root/usr/share/man/man1/cloudconv.1" ]
+
 # Development files: that their dependencies can be met, the other processor's cannot be installed
 # beside this one's.
 if [ "$architecture" = "$native" ]; then
