@@ -30,7 +30,7 @@ def columns(points: npt.ArrayLike, *, with_intensity: bool) -> Columns:
     :param points: a structured array with the fields x, y and z (and intensity), of one or two
         dimensions; or numbers whose last axis holds x, y, z (and intensity)
     """
-    table = np.asarray(points)
+    table = points if isinstance(points, np.ma.MaskedArray) else np.asarray(points)
     if table.dtype.names is not None:
         found = {name: table[name] for name in table.dtype.names}
         missing = [name for name in "xyz" if name not in found]
@@ -58,7 +58,11 @@ def columns(points: npt.ArrayLike, *, with_intensity: bool) -> Columns:
 
 
 def column(numbers: npt.ArrayLike, name: str) -> Column:
-    """The numbers as they lie, if they are floats of the machine; else converted to float64."""
+    """The numbers as they lie, if they are floats of the machine; else converted to float64.
+    Masked ones become nan."""
+    if isinstance(numbers, np.ma.MaskedArray) and numbers.dtype.kind in "biuf":
+        doubles = numbers.astype(np.float64)
+        return np.ma.filled(doubles, np.nan)  # type: ignore[no-any-return, no-untyped-call]
     values = np.asarray(numbers)
     if values.dtype in (np.float32, np.float64) and values.dtype.isnative:
         return values

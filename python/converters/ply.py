@@ -86,7 +86,7 @@ def to_ply(
     :param points: an array of shape (N, 3) or (N, 4), the fourth number being the intensity, or
         (rows, columns, 3) or (rows, columns, 4) for an organised cloud; or a structured array of
         one or two dimensions with the fields x, y, z and, if wanted, intensity. nan marks a missing
-        point.
+        point; masked numbers are written as nan.
     :param intensity: one number for all points, or one for each; used instead of the intensity in
         ``points``. Without either it is 0.
     :param ascii: text of six significant digits instead of little-endian binary

@@ -3,12 +3,14 @@
 import array
 import math
 import mmap
+import pathlib
+import resource
 import tracemalloc
 
 import numpy as np
 import pytest
 
-from converters import from_ply, to_ply
+from converters import Drawing, from_dxf, from_ply, to_dxf, to_ply
 
 POINT = np.dtype([("x", "<f4"), ("y", "<f4"), ("z", "<f4"), ("intensity", "<f4")])
 
@@ -78,7 +80,10 @@ VIEWS = {
     "columns of a wider table": lambda p: np.hstack([p, p, p])[:, 3:6],
     "columns backwards": lambda p: p[:, ::-1].copy()[:, ::-1],
     "big-endian": lambda p: p.astype(">f8"),
-    "half precision": lambda p: p.astype(np.float16).astype(np.float64),
+    "half precision": lambda p: p.astype(np.float16),
+    "extended precision": lambda p: p.astype(np.longdouble),
+    "matrix": lambda p: p.view(np.matrix),
+    "mask of nothing": np.ma.masked_invalid,
     "nested lists": lambda p: p.tolist(),
     "memoryview": lambda p: memoryview(np.ascontiguousarray(p)),
     "structured": lambda p: np.rec.fromarrays(p.T, names="x,y,z"),
@@ -96,6 +101,25 @@ def test_any_layout_of_the_array_gives_the_same_file(view):
     points = random_points(2500, dtype=np.float32).astype(np.float16).astype(np.float64)
     given = VIEWS[view](points)
     assert to_ply(given, 1.5) == to_ply(points.astype(np.float32), np.full(2500, 1.5))
+
+
+def test_masked_numbers_are_written_as_missing():
+    points = np.ma.masked_equal([[1, 2, 3], [4, 0, 6]], 0)
+    expected = np.array([[1, 2, 3], [4, np.nan, 6]])
+    assert_body(to_ply(points, np.ma.masked_equal([5, 7], 7)), expected, [5, np.nan])
+    records = np.ma.array(np.zeros(2, dtype=POINT), mask=[(0, 0, 0, 0), (1, 0, 0, 0)])
+    assert_body(to_ply(records), np.array([[0, 0, 0], [np.nan, 0, 0]]), 0)
+
+
+def test_sizes_may_be_integers_of_numpy():
+    points = random_points(12)
+    assert to_ply(points, width=np.int64(4), height=np.uint8(3)) == to_ply(points, width=4)
+
+
+@pytest.mark.parametrize("width", [4.0, "4"])
+def test_sizes_of_other_types_are_refused(width):
+    with pytest.raises(TypeError):
+        to_ply(random_points(12), width=width)
 
 
 def test_read_only_arrays_are_read_and_not_changed():
@@ -366,6 +390,27 @@ def test_a_very_long_reason_is_cut():
     with pytest.raises(ValueError) as raised:
         from_ply(HEADER + b"element " + b"x" * 1_000_000 + b" 0\n")
     assert 100 < len(str(raised.value)) < 5000
+
+
+def test_memory_is_given_back():
+    points = np.zeros((100_000, 3))
+    file = to_ply(points)
+    drawing = to_dxf(points[:2000])
+
+    def megabytes_after(rounds):
+        for _ in range(rounds):
+            from_ply(to_ply(points)).xyz.sum()
+            from_dxf(to_dxf(points[:2000]))
+            shown = Drawing.from_bytes(drawing)
+            shown.entities, shown.points(), shown.contours()
+            with pytest.raises(ValueError):
+                from_ply(file[:-1])
+        pages = int(pathlib.Path("/proc/self/statm").read_text().split()[1])
+        return pages * resource.getpagesize() / 1e6
+
+    # A round makes six megabytes that a leak could keep.
+    settled = megabytes_after(5)
+    assert megabytes_after(40) < settled + 50
 
 
 class TestMemory:
