@@ -29,7 +29,8 @@ int dxfInteger(std::string_view text) {
     std::uint64_t number = 0;
     for (std::size_t i = 0; i < text.size() && isDigit(text[i]); ++i) {
         const auto digit = static_cast<std::uint64_t>(text[i] - '0');
-        number = number > (limit - digit) / 10 ? limit : number * 10 + digit;
+        const bool fits = number < largest / 10 || number <= (limit - digit) / 10;
+        number = fits ? number * 10 + digit : limit;
     }
     const auto lowerHalf = static_cast<std::uint32_t>(negative ? 0 - number : number);
     return static_cast<std::int32_t>(lowerHalf);
