@@ -124,6 +124,9 @@ def from_ply(data: ReadableBuffer) -> PlyCloud:
     >>> from_ply(b"ply")
     PlyCloud(0 points, width=0, height=0, empty_scene=True)
 
+    The Point Cloud Library, which fills in the numbers, prints a line on standard error for each of
+    x, y, z and intensity that the file lacks.
+
     :param data: bytes, bytearray, memoryview, mmap, array of bytes or any other buffer
     :raises ValueError: with the logged reason when the file is broken, or has what the reader does
         not take: other elements than vertices, lists, big-endian data, another version than 1.0

@@ -21,13 +21,18 @@ namespace {
 using Cloud = pcl::PointCloud<pcl::PointXYZI>;
 using Point = cv::Point3_<double>;
 
-/// Calls block(first, count) for all points, in blocks that stay in the cache while one column
-/// after the other is read.
-template <typename Block>
-void forBlocks(std::size_t points, Block block) {
-    constexpr std::size_t blockSize = 1024;
-    for (std::size_t first = 0; first < points; first += blockSize) {
-        block(first, std::min(blockSize, points - first));
+/// Grows an empty vector to `count` points, block by block: fill(first, size) is called for each. A
+/// block stays in the fastest cache while it is made and one column after the other is read into
+/// it.
+template <typename Points, typename Fill>
+void makeInBlocks(Points& points, std::size_t count, Fill fill) {
+    constexpr std::size_t blockSize = 256;
+    points.reserve(count);
+    while (points.size() < count) {
+        const std::size_t first = points.size();
+        const std::size_t size = std::min(blockSize, count - first);
+        points.resize(first + size);
+        fill(first, size);
     }
 }
 
@@ -39,8 +44,7 @@ void requireSameSize(const Column& a, const Column& b) {
 
 Cloud makeCloud(const Column& x, const Column& y, const Column& z, const Column& intensity) {
     Cloud cloud;
-    cloud.resize(x.size());
-    forBlocks(x.size(), [&](std::size_t first, std::size_t count) {
+    makeInBlocks(cloud.points, x.size(), [&](std::size_t first, std::size_t count) {
         x.read(first, count, [&](std::size_t i, auto v) { cloud[i].x = static_cast<float>(v); });
         y.read(first, count, [&](std::size_t i, auto v) { cloud[i].y = static_cast<float>(v); });
         z.read(first, count, [&](std::size_t i, auto v) { cloud[i].z = static_cast<float>(v); });
@@ -51,8 +55,8 @@ Cloud makeCloud(const Column& x, const Column& y, const Column& z, const Column&
 }
 
 std::vector<Point> makePoints(const Column& x, const Column& y, const Column& z) {
-    std::vector<Point> points(x.size());
-    forBlocks(x.size(), [&](std::size_t first, std::size_t count) {
+    std::vector<Point> points;
+    makeInBlocks(points, x.size(), [&](std::size_t first, std::size_t count) {
         x.read(first, count, [&](std::size_t i, auto v) { points[i].x = v; });
         y.read(first, count, [&](std::size_t i, auto v) { points[i].y = v; });
         z.read(first, count, [&](std::size_t i, auto v) { points[i].z = v; });
