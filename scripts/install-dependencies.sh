@@ -10,7 +10,7 @@ packages=(
   libpcl-dev libdxflib-dev libopencv-core-dev libeigen3-dev libboost-filesystem-dev libspdlog-dev
   libcli11-dev
   # to test
-  libgtest-dev libgmock-dev clang clang-format-14
+  libgtest-dev libgmock-dev clang clang-format-14 valgrind
   gdal-bin python3-ezdxf
   # to build and test the Python package
   python3-dev python3-pybind11 python3-numpy

@@ -1,0 +1,139 @@
+// Small fixed pieces of work, one for each function whose cost matters, counted by callgrind; see
+// counts.py.
+
+#include "converters/Converters.h"
+#include "dxfeditor/DXFDocument.h"
+#include "dxfeditor/DXFReader.h"
+#include "dxfeditor/DXFSpline.h"
+#include "tests/support/SampleClouds.h"
+#include "tests/support/SampleDrawings.h"
+
+#include <unistd.h>
+#include <valgrind/callgrind.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace {
+
+constexpr std::size_t points = 20000;
+/// Drawings take more instructions for each point.
+constexpr std::size_t drawingPoints = 5000;
+
+void require(bool condition) {
+    if (!condition) {
+        std::fputs("a workload failed\n", stderr);
+        std::exit(1);
+    }
+}
+
+/// Runs a workload twice and has the second run counted, in a file of its own: what happens once,
+/// such as binding functions and setting up the heap, is not the workload.
+void count(const char* name, const std::function<void()>& workload) {
+    workload();
+    CALLGRIND_START_INSTRUMENTATION;
+    CALLGRIND_ZERO_STATS;
+    workload();
+    CALLGRIND_DUMP_STATS_AT(name);
+    CALLGRIND_STOP_INSTRUMENTATION;
+}
+
+void countPly() {
+    const pcl::PointCloud<pcl::PointXYZI> cloud = sampleCloud(points);
+    std::vector<unsigned char> binary;
+    std::vector<unsigned char> ascii;
+    require(converters::toPlyBinary(cloud, binary) && converters::toPlyAscii(cloud, ascii));
+
+    count("toPlyBinary", [&] {
+        std::vector<unsigned char> file;
+        require(converters::toPlyBinary(cloud, file));
+    });
+    count("toPlyAscii", [&] {
+        std::vector<unsigned char> file;
+        require(converters::toPlyAscii(cloud, file));
+    });
+    count("fromPly-binary", [&] {
+        pcl::PointCloud<pcl::PointXYZI> read;
+        require(converters::fromPly(binary, read).success);
+    });
+    count("fromPly-ascii", [&] {
+        pcl::PointCloud<pcl::PointXYZI> read;
+        require(converters::fromPly(ascii, read).success);
+    });
+}
+
+void countDxf() {
+    const std::vector<cv::Point3_<double>> vector = samplePoints(drawingPoints);
+    pcl::PointCloud<pcl::PointXYZ> cloud;
+    for (const cv::Point3_<double>& point : vector) {
+        cloud.emplace_back(static_cast<float>(point.x), static_cast<float>(point.y),
+                           static_cast<float>(point.z));
+    }
+    std::vector<unsigned char> file;
+    require(converters::toDxf(vector, file));
+    const std::vector<char> drawing(file.begin(), file.end());
+
+    count("toDxf-vector", [&] {
+        std::vector<unsigned char> written;
+        require(converters::toDxf(vector, written));
+    });
+    count("toDxf-cloud", [&] {
+        std::vector<unsigned char> written;
+        require(converters::toDxf(cloud, written));
+    });
+    count("fromDxf-vector", [&] {
+        std::vector<cv::Point3_<double>> read;
+        require(converters::fromDxf(drawing, read));
+    });
+    count("fromDxf-cloud", [&] {
+        pcl::PointCloud<pcl::PointXYZ> read;
+        require(converters::fromDxf(drawing, read));
+    });
+}
+
+void countFromFile() {
+    const std::string path =
+        std::filesystem::temp_directory_path() / ("workload" + std::to_string(getpid()));
+    std::ofstream(path, std::ios::binary) << std::string(std::size_t{1} << 20, 'a');
+    count("from_file", [&] {
+        std::vector<unsigned char> bytes;
+        require(converters::from_file(path, bytes));
+    });
+    std::filesystem::remove(path);
+}
+
+void countDrawings() {
+    const std::string text = ordinaryDrawing();
+    count("read-ordinary-drawing", [&] {
+        DXFDocument document;
+        require(DXFReader(document).load(text.data(), text.size()));
+    });
+
+    DXFDocument contours;
+    addShuffledContours(contours, 10000);
+    count("stitch-10000-runs", [&] { require(!contours.getPoints().empty()); });
+
+    DXFDocument circles;
+    addCircles(circles, 50);
+    count("sample-circles", [&] { require(circles.getPoints().size() == 50000); });
+
+    DXFDocument splines;
+    addSplines(splines, 100);
+    count("sample-splines", [&] { require(!splines.getPoints().empty()); });
+}
+
+} // namespace
+
+int main() {
+    countPly();
+    countDxf();
+    countFromFile();
+    countDrawings();
+    return 0;
+}
