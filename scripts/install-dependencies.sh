@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# scripts/install-dependencies.sh [--aarch64]: installs the Debian packages that building and
-# testing need, with --aarch64 also those for cross-building and emulation. Does nothing when all
-# are there.
+# scripts/install-dependencies.sh [--aarch64] [--bench]: installs the Debian packages that building
+# and testing need, with --aarch64 also those for cross-building and emulation, with --bench also
+# those of the benchmark. Does nothing when all are there.
 set -euo pipefail
 
 packages=(
@@ -23,6 +23,7 @@ aarch64_packages=(
   libpcl-common1.13:arm64 libdxflib-dev:arm64 libboost-filesystem1.74-dev:arm64
   libspdlog-dev:arm64 libgtest-dev:arm64 libgmock-dev:arm64
 )
+bench_packages=(libbenchmark-dev libvtk9-dev libboost-iostreams-dev)
 
 as_root=()
 if [ "$(id -u)" -ne 0 ]; then
@@ -37,8 +38,9 @@ for option in "$@"; do
       "${as_root[@]}" dpkg --add-architecture arm64
     fi
     ;;
+  --bench) packages+=("${bench_packages[@]}") ;;
   *)
-    echo "usage: $0 [--aarch64]" >&2
+    echo "usage: $0 [--aarch64] [--bench]" >&2
     exit 2
     ;;
   esac
