@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Installs what is missing, builds, and runs the main job on a sample: a scan is read and written
-# again in both forms.
+# Installs what is missing, builds, and runs the main job on samples: a drawing becomes a walk of
+# points, a scan becomes a drawing, and a scan is written in both forms of PLY.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -8,7 +8,8 @@ scripts/install-dependencies.sh
 scripts/build.sh release cloudconv
 
 cloudconv=build/release/tools/cloudconv/cloudconv
-sample=examples/ripple_scan.ply
+drawing=examples/plate.dxf
+scan=examples/ripple_scan.ply
 out=build/demo
 mkdir -p "$out"
 
@@ -24,11 +25,30 @@ describe() {
   sed '/^end_header/q;s/^/    /' "$1" | sed '$d'
 }
 
+# kinds FILE: counts the objects of a drawing by kind.
+kinds() {
+  echo "$1, $(stat --format=%s "$1") bytes:"
+  awk 'NR % 2 { code = $1; next } code == 0 && /^[A-Z]*$/ { ++count[$1] }
+       END { for (kind in count) print "    " count[kind], kind }' "$1" |
+    grep -vwE 'SECTION|ENDSEC|TABLE|ENDTAB|SEQEND|EOF' | sort -k 2
+}
+
+echo "== A drawing becomes a walk of points"
+kinds "$drawing"
+run "$cloudconv" "$drawing" "$out/plate.ply" --ascii
+describe "$out/plate.ply"
+echo "The first two points (x y z, and the number of the contour) and the last two:"
+sed '1,/^end_header/d' "$out/plate.ply" | sed -n '1,2p;$!{h;d};H;x;p' | sed 's/^/    /'
+
 echo
-describe "$sample"
-run "$cloudconv" "$sample" "$out/ripple_binary.ply"
+echo "== A scan becomes a drawing"
+describe "$scan"
+run "$cloudconv" "$scan" "$out/ripple.dxf"
+kinds "$out/ripple.dxf"
+
+echo
+echo "== A scan in both forms of PLY"
+run "$cloudconv" "$scan" "$out/ripple_binary.ply"
 describe "$out/ripple_binary.ply"
 run "$cloudconv" "$out/ripple_binary.ply" "$out/ripple_text.ply" --ascii
 describe "$out/ripple_text.ply"
-echo "The first and the last two points of $out/ripple_text.ply:"
-sed '1,/^end_header/d' "$out/ripple_text.ply" | sed -n '1,2p;$!{h;d};H;x;p' | sed 's/^/    /'

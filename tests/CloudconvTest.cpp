@@ -1,6 +1,7 @@
 // The command-line tool, run as people and scripts run it.
 
 #include "tests/support/ChildProgram.h"
+#include "tests/support/CloudconvFixture.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -58,16 +59,6 @@ std::string smallScanAsWrittenAscii() {
     return writtenHeader(asciiHead, 2, 1) + "1 2 3 4\n5 6 7 8\n";
 }
 
-std::string readFile(const fs::path& path) {
-    std::ifstream stream(path, std::ios::binary);
-    EXPECT_TRUE(stream.is_open()) << path;
-    return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
-}
-
-void writeFile(const fs::path& path, const std::string& bytes) {
-    std::ofstream(path, std::ios::binary) << bytes;
-}
-
 mode_t modeOf(const fs::path& path) {
     struct stat status = {};
     EXPECT_EQ(stat(path.c_str(), &status), 0) << path;
@@ -79,72 +70,6 @@ void obeyPermissions() {
     prctl(PR_CAPBSET_DROP, CAP_DAC_OVERRIDE);
     prctl(PR_CAPBSET_DROP, CAP_DAC_READ_SEARCH);
 }
-
-/// The tool's path, behind the emulator that runs it where one is needed.
-std::vector<std::string> toolCommand() {
-    std::istringstream words(CLOUDCONV_EMULATOR);
-    std::vector<std::string> command = {std::istream_iterator<std::string>(words),
-                                        std::istream_iterator<std::string>()};
-    command.emplace_back(CLOUDCONV_PATH);
-    return command;
-}
-
-class Cloudconv : public ::testing::Test {
-protected:
-    Cloudconv() {
-        std::string pattern = ::testing::TempDir() + "cloudconv-test-XXXXXX";
-        EXPECT_NE(mkdtemp(pattern.data()), nullptr);
-        m_folder = pattern;
-    }
-    ~Cloudconv() override { fs::remove_all(m_folder); }
-
-    fs::path in(const std::string& name) const { return m_folder / name; }
-
-    fs::path input(const std::string& bytes) const {
-        writeFile(in("in.ply"), bytes);
-        return in("in.ply");
-    }
-
-    static ProgramResult run(const std::vector<std::string>& arguments,
-                             const std::function<void()>& prepare = {}) {
-        std::vector<std::string> command = toolCommand();
-        command.insert(command.end(), arguments.begin(), arguments.end());
-        return runProgram(command, prepare);
-    }
-
-    /// Names of all files in the folder, those of temporary files too.
-    std::vector<std::string> names() const {
-        std::vector<std::string> found;
-        for (const fs::directory_entry& entry : fs::directory_iterator(m_folder)) {
-            found.push_back(entry.path().filename());
-        }
-        std::sort(found.begin(), found.end());
-        return found;
-    }
-
-    /// Expects that a conversion fails with this line on standard error, whether there is an output
-    /// to lose or not, and that it leaves nothing behind.
-    void expectFailure(const fs::path& from, const fs::path& to, const std::string& reason,
-                       const std::function<void()>& prepare = {}) {
-        const std::vector<std::string> before = names();
-        const ProgramResult result = run({from, to}, prepare);
-        EXPECT_EQ(result.status, 1);
-        EXPECT_EQ(result.errors, "cloudconv: " + reason + '\n');
-        EXPECT_EQ(result.output, "");
-        EXPECT_EQ(names(), before);
-    }
-
-    void expectRefusal(const std::string& bytes, const std::string& reason) {
-        const fs::path from = input(bytes);
-        expectFailure(from, in("new.ply"), from.string() + ": " + reason);
-        writeFile(in("old.ply"), "old");
-        expectFailure(from, in("old.ply"), from.string() + ": " + reason);
-        EXPECT_EQ(readFile(in("old.ply")), "old");
-    }
-
-private:
-    fs::path m_folder;
-};
 
 using CloudconvUsage = Cloudconv;
 

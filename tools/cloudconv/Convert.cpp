@@ -1,11 +1,42 @@
 #include "tools/cloudconv/Convert.h"
 
+#include "tools/cloudconv/DxfFile.h"
 #include "tools/cloudconv/InputFile.h"
 #include "tools/cloudconv/OutputFile.h"
 #include "tools/cloudconv/PlyFile.h"
 #include "tools/cloudconv/StandardError.h"
+#include "tools/cloudconv/UsageError.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <utility>
 
 namespace {
+
+using Cloud = pcl::PointCloud<pcl::PointXYZI>;
+using Points = std::vector<cv::Point3_<double>>;
+
+/// The names of the files, for messages, and what there is to say about them in the end.
+struct Report {
+    std::string input;
+    std::string output;
+    std::vector<std::string> notes;
+
+    void add(const std::string& note) { notes.push_back(input + ": note: " + note); }
+};
+
+std::string listed(const std::vector<std::string>& names) {
+    std::string list;
+    for (const std::string& name : names) {
+        list += (list.empty() ? "" : ", ") + name;
+    }
+    return list;
+}
+
+std::string counted(std::size_t count, const std::string& singular, const std::string& plural) {
+    return std::to_string(count) + ' ' + (count == 1 ? singular : plural);
+}
 
 void writeOutputFile(const std::string& path, const std::vector<unsigned char>& bytes) {
     OutputFile file(path);
@@ -13,28 +44,154 @@ void writeOutputFile(const std::string& path, const std::vector<unsigned char>& 
     file.commit();
 }
 
-void tellWhatIsMissing(const ConvertOptions& options, const PlyContents& contents) {
-    const std::string note = options.input + ": note: ";
+PlyContents readScan(const std::vector<unsigned char>& bytes, Report& report) {
+    PlyContents contents = readPly(report.input, bytes);
     if (contents.cloud.points.empty()) {
-        printToStandardError(note + "the file declares no points, nor does " + options.output);
+        report.add("the file declares no points, nor does " + report.output);
+    }
+    return contents;
+}
+
+DxfContents readDrawing(const std::vector<unsigned char>& bytes, Report& report) {
+    DxfContents contents = readDxf(report.input, bytes);
+    report.add(counted(contents.entityCount, "entity", "entities") + " in " +
+               counted(contents.contours.size(), "run", "runs") + ", " +
+               counted(contents.points.size(), "point", "points"));
+    if (!contents.cutOff.empty()) {
+        report.add(contents.cutOff);
+    }
+    if (contents.points.empty()) {
+        report.add("the drawing holds no points, nor does " + report.output);
+    }
+    return contents;
+}
+
+void tellWhatScanLacks(const PlyContents& contents, const ConvertOptions& options, Report& report) {
+    if (contents.cloud.points.empty()) {
         return;
     }
-    if (!contents.hasIntensity) {
-        printToStandardError(note + "no property \"intensity\" of type float, written as 0");
+    if (!contents.hasIntensity && !options.intensity.has_value()) {
+        report.add("no property \"intensity\" of type float, written as 0");
     }
     if (!contents.droppedProperties.empty()) {
-        std::string names;
-        for (const std::string& name : contents.droppedProperties) {
-            names += (names.empty() ? "" : ", ") + name;
-        }
-        printToStandardError(note + "dropped properties: " + names);
+        report.add("dropped properties: " + listed(contents.droppedProperties));
     }
+}
+
+/// Drawings of other programs end where floats are too coarse: a plan in map coordinates, say.
+void tellWhatRoundingCosts(const Points& points, const Cloud& cloud, Report& report) {
+    /// Nearer ends than this count as the same place in a drawing.
+    constexpr double samePlace = 0.001;
+    double farthest = 0.0;
+    for (std::size_t i = 0; i < points.size(); ++i) {
+        for (const double moved : {points[i].x - static_cast<double>(cloud.points[i].x),
+                                   points[i].y - static_cast<double>(cloud.points[i].y),
+                                   points[i].z - static_cast<double>(cloud.points[i].z)}) {
+            farthest = std::max(farthest, std::abs(moved));
+        }
+    }
+    if (farthest >= samePlace) {
+        char text[32];
+        static_cast<void>(std::snprintf(text, sizeof text, "%.2g", farthest));
+        report.add("PLY holds coordinates as 32-bit floats: points move by up to " +
+                   std::string(text) + " drawing units");
+    }
+}
+
+/// The walk as a cloud of one row. Its intensities count the contours, from 1.
+Cloud cloudOf(const DxfContents& drawing) {
+    Cloud cloud;
+    cloud.reserve(drawing.points.size());
+    float number = 0.0F;
+    for (const DXFContour& contour : drawing.contours) {
+        number += 1.0F;
+        for (std::size_t i = contour.begin; i < contour.end; ++i) {
+            const cv::Point3_<double>& point = drawing.points[i];
+            pcl::PointXYZI converted;
+            converted.x = static_cast<float>(point.x);
+            converted.y = static_cast<float>(point.y);
+            converted.z = static_cast<float>(point.z);
+            converted.intensity = number;
+            cloud.push_back(converted);
+        }
+    }
+    return cloud;
+}
+
+/// The scan's points, without those that have no place: "nan" in a drawing stops most readers.
+Points pointsOf(const Cloud& cloud, Report& report) {
+    Points points;
+    points.reserve(cloud.size());
+    for (const pcl::PointXYZI& point : cloud) {
+        if (std::isfinite(point.x) && std::isfinite(point.y) && std::isfinite(point.z)) {
+            points.emplace_back(point.x, point.y, point.z);
+        }
+    }
+    if (points.size() < cloud.size()) {
+        report.add("left out " + counted(cloud.size() - points.size(), "point", "points") +
+                   " without a place (nan or infinite)");
+    }
+    return points;
+}
+
+std::vector<unsigned char> plyOf(Cloud cloud, const ConvertOptions& options) {
+    if (options.intensity.has_value()) {
+        for (pcl::PointXYZI& point : cloud) {
+            point.intensity = *options.intensity;
+        }
+    }
+    return writePly(options.output, cloud, options.ascii);
+}
+
+std::vector<unsigned char> scanToPly(const std::vector<unsigned char>& bytes,
+                                     const ConvertOptions& options, Report& report) {
+    PlyContents contents = readScan(bytes, report);
+    tellWhatScanLacks(contents, options, report);
+    return plyOf(std::move(contents.cloud), options);
+}
+
+std::vector<unsigned char> scanToDxf(const std::vector<unsigned char>& bytes,
+                                     const ConvertOptions& /*options*/, Report& report) {
+    PlyContents contents = readScan(bytes, report);
+    std::vector<std::string> dropped = contents.droppedProperties;
+    if (contents.hasIntensity) {
+        dropped.insert(dropped.begin(), "intensity");
+    }
+    if (!contents.cloud.empty() && !dropped.empty()) {
+        report.add("dropped properties: " + listed(dropped));
+    }
+    return writeDxf(report.output, pointsOf(contents.cloud, report));
+}
+
+std::vector<unsigned char> drawingToPly(const std::vector<unsigned char>& bytes,
+                                        const ConvertOptions& options, Report& report) {
+    const DxfContents contents = readDrawing(bytes, report);
+    Cloud cloud = cloudOf(contents);
+    tellWhatRoundingCosts(contents.points, cloud, report);
+    return plyOf(std::move(cloud), options);
+}
+
+std::vector<unsigned char> drawingToDxf(const std::vector<unsigned char>& bytes,
+                                        const ConvertOptions& /*options*/, Report& report) {
+    return writeDxf(report.output, readDrawing(bytes, report).points);
 }
 
 } // namespace
 
 void convert(const ConvertOptions& options) {
-    const PlyContents contents = readPly(options.input, readInputFile(options.input));
-    writeOutputFile(options.output, writePly(options.output, contents.cloud, options.ascii));
-    tellWhatIsMissing(options, contents);
+    const FileFormat from = formatOf(options.input, options.from, "--from");
+    const FileFormat to = formatOf(options.output, options.to, "--to");
+    if (to == FileFormat::Dxf && (options.ascii || options.intensity.has_value())) {
+        throw UsageError("--ascii and --intensity are for PLY output");
+    }
+    Report report = {inputName(options.input), outputName(options.output), {}};
+    const auto conversion = from == FileFormat::Ply
+                                ? (to == FileFormat::Ply ? scanToPly : scanToDxf)
+                                : (to == FileFormat::Ply ? drawingToPly : drawingToDxf);
+    writeOutputFile(options.output, conversion(readInputFile(options.input), options, report));
+    if (!options.quiet) {
+        for (const std::string& note : report.notes) {
+            printToStandardError(note);
+        }
+    }
 }

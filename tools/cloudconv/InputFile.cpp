@@ -16,7 +16,9 @@ namespace {
 class OpenFile {
 public:
     explicit OpenFile(const std::string& path)
-        : m_path(path), m_descriptor(open(path.c_str(), O_RDONLY | O_CLOEXEC)) {
+        : m_name(inputName(path)),
+          m_descriptor(path == "-" ? fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 0)
+                                   : open(path.c_str(), O_RDONLY | O_CLOEXEC)) {
         check(m_descriptor >= 0);
     }
     ~OpenFile() { close(m_descriptor); }
@@ -43,15 +45,19 @@ public:
 private:
     void check(bool succeeded) const {
         if (!succeeded) {
-            throw FileError(m_path, std::generic_category().message(errno));
+            throw FileError(m_name, std::generic_category().message(errno));
         }
     }
 
-    const std::string& m_path;
+    std::string m_name;
     int m_descriptor;
 };
 
 } // namespace
+
+std::string inputName(const std::string& path) {
+    return path == "-" ? "standard input" : path;
+}
 
 std::vector<unsigned char> readInputFile(const std::string& path) {
     constexpr std::size_t leastRoom = 65536;

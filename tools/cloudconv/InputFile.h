@@ -3,7 +3,11 @@
 #include <string>
 #include <vector>
 
+/// The name of an input in messages: the path, or "standard input" for "-".
+std::string inputName(const std::string& path);
+
 /// Reads a whole file, or what a pipe or device gives until its end.
 ///
+/// @param path  "-" is standard input
 /// @throws FileError with the system's reason when that fails
 std::vector<unsigned char> readInputFile(const std::string& path);

@@ -40,15 +40,22 @@ std::string withoutLinks(const std::string& path) {
 
 } // namespace
 
+std::string outputName(const std::string& path) {
+    return path == "-" ? "standard output" : path;
+}
+
 // Through another constructor: when this one throws, the destructor cleans up.
 OutputFile::OutputFile(const std::string& path) : OutputFile() {
-    m_path = path;
+    m_name = outputName(path);
     m_target = path;
     struct stat status = {};
-    if (stat(path.c_str(), &status) != 0) {
+    if (path == "-") {
+        m_descriptor = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 0);
+        check(m_descriptor >= 0);
+    } else if (stat(path.c_str(), &status) != 0) {
         check(errno == ENOENT);
         if (lstat(path.c_str(), &status) == 0) {
-            throw FileError(m_path, "is a symbolic link to a file that does not exist");
+            throw FileError(m_name, "is a symbolic link to a file that does not exist");
         }
         createTemporary();
     } else if (S_ISREG(status.st_mode)) {
@@ -126,6 +133,6 @@ void OutputFile::commit() {
 
 void OutputFile::check(bool succeeded) const {
     if (!succeeded) {
-        throw FileError(m_path, std::generic_category().message(errno));
+        throw FileError(m_name, std::generic_category().message(errno));
     }
 }

@@ -5,6 +5,9 @@
 #include <cstddef>
 #include <string>
 
+/// The name of an output in messages: the path, or "standard output" for "-".
+std::string outputName(const std::string& path);
+
 /// A file that appears whole or not at all.
 ///
 /// The bytes go to a temporary file in the folder of the file. commit() puts it in the file's
@@ -13,7 +16,8 @@
 ///
 /// A new file gets the mode of any new file; one that is replaced keeps its mode and, where the
 /// system allows it, its owner. A path that is a symbolic link stays one: the file that it points
-/// to is replaced. A device or pipe is never replaced: the bytes go straight to it.
+/// to is replaced. A device or pipe is never replaced: the bytes go straight to it, as
+/// they go to standard output, whose path is "-".
 class OutputFile {
 public:
     /// Creates the temporary file.
@@ -38,8 +42,8 @@ private:
     void takeOverModeOf(const struct stat& replaced);
     void check(bool succeeded) const;
 
-    /// As given, for messages.
-    std::string m_path;
+    /// For messages.
+    std::string m_name;
     /// The file to replace, behind symbolic links.
     std::string m_target;
     /// Empty when the bytes go straight to the target, and after commit().

@@ -1,10 +1,10 @@
-// cloudconv: converts point cloud files.
+// cloudconv: converts, describes, checks and draws point clouds and drawings.
 
-#include "tools/cloudconv/Convert.h"
+#include "tools/cloudconv/ConvertCommand.h"
 #include "tools/cloudconv/StandardError.h"
+#include "tools/cloudconv/UsageError.h"
 
-#include <CLI/CLI.hpp>
-
+#include <algorithm>
 #include <csignal>
 #include <exception>
 #include <new>
@@ -12,37 +12,47 @@
 
 namespace {
 
-enum ExitStatus : int {
-    converted = 0,
-    couldNotConvert = 1,
-    wrongUsage = 2,
-};
-
 constexpr char description[] =
-    "Reads a PLY point cloud (ASCII or binary little-endian) and writes it as PLY.";
+    "Point clouds in PLY files and drawings in DXF files: one into the other, and back.";
 
 constexpr char footer[] =
-    R"(The output appears whole or not at all: when the conversion fails, an existing
-file stays as it was. A scan without points gives a PLY file without points.
+    R"("cloudconv INPUT OUTPUT" is short for "cloudconv convert INPUT OUTPUT".
+"cloudconv COMMAND --help" says more and shows examples.
 
-Exit status: 0 converted, 1 could not convert (one line on standard error says
-why), 2 wrong usage.
+Exit status: 0 done, 1 could not be done (one line on standard error says why),
+2 wrong usage.
 
-Example:
+Examples:
+  cloudconv drawing.dxf walk.ply
   cloudconv scan.ply scan_text.ply --ascii)";
 
-int convertAndReport(const ConvertOptions& options) {
+ExitStatus runAndReport(const Command& command) {
     try {
-        convert(options);
-        return converted;
+        return command.run();
+    } catch (const UsageError& error) {
+        printToStandardError(error.what());
+        return wrongUsage;
     } catch (const std::bad_alloc&) {
-        printToStandardError(options.input + ": not enough memory");
+        printToStandardError(command.input + ": not enough memory");
     } catch (const std::length_error&) {
-        printToStandardError(options.input + ": not enough memory");
+        printToStandardError(command.input + ": not enough memory");
     } catch (const std::exception& error) {
         printToStandardError(error.what());
     }
     return couldNotConvert;
+}
+
+/// The arguments, last one first, with "convert" in front when they begin with a file.
+std::vector<std::string> commandLine(const CLI::App& app, int argc, char** argv) {
+    std::vector<std::string> arguments(argv + 1, argv + argc);
+    const auto isValue = [](const std::string& text) { return text == "-" || text[0] != '-'; };
+    const auto first = std::find_if(arguments.begin(), arguments.end(), isValue);
+    const auto isFirst = [&](const CLI::App* subcommand) { return subcommand->check_name(*first); };
+    if (first != arguments.end() && app.get_subcommands(isFirst).empty()) {
+        arguments.insert(arguments.begin(), "convert");
+    }
+    std::reverse(arguments.begin(), arguments.end());
+    return arguments;
 }
 
 } // namespace
@@ -51,18 +61,16 @@ int main(int argc, char** argv) {
     // A file that outgrows its limit is then a write that fails, with a reason to report.
     std::signal(SIGXFSZ, SIG_IGN);
 
-    ConvertOptions options;
+    Command command;
     CLI::App app(description, "cloudconv");
     app.footer(footer);
     app.set_version_flag("--version", "cloudconv " CLOUDCONV_VERSION);
-    app.add_option("INPUT", options.input, "file to read")->required();
-    app.add_option("OUTPUT", options.output, "file to write, replaced when it exists")->required();
-    app.add_flag("--ascii", options.ascii, "write text of six significant digits, not binary")
-        ->disable_flag_override();
+    app.require_subcommand(1);
+    addConvertCommand(app, command);
     try {
-        app.parse(argc, argv);
+        app.parse(commandLine(app, argc, argv));
     } catch (const CLI::ParseError& error) {
-        return app.exit(error) == 0 ? converted : wrongUsage;
+        return app.exit(error) == 0 ? succeeded : wrongUsage;
     }
-    return convertAndReport(options);
+    return runAndReport(command);
 }

@@ -1,0 +1,76 @@
+#include "tests/support/CloudconvFixture.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <sstream>
+
+namespace fs = std::filesystem;
+
+std::string readFile(const fs::path& path) {
+    std::ifstream stream(path, std::ios::binary);
+    EXPECT_TRUE(stream.is_open()) << path;
+    return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+}
+
+void writeFile(const fs::path& path, const std::string& bytes) {
+    std::ofstream(path, std::ios::binary) << bytes;
+}
+
+std::vector<std::string> toolCommand() {
+    std::istringstream words(CLOUDCONV_EMULATOR);
+    std::vector<std::string> command = {std::istream_iterator<std::string>(words),
+                                        std::istream_iterator<std::string>()};
+    command.emplace_back(CLOUDCONV_PATH);
+    return command;
+}
+
+Cloudconv::Cloudconv() {
+    std::string pattern = ::testing::TempDir() + "cloudconv-test-XXXXXX";
+    EXPECT_NE(mkdtemp(pattern.data()), nullptr);
+    m_folder = pattern;
+}
+
+Cloudconv::~Cloudconv() {
+    fs::remove_all(m_folder);
+}
+
+fs::path Cloudconv::input(const std::string& bytes) const {
+    writeFile(in("in.ply"), bytes);
+    return in("in.ply");
+}
+
+ProgramResult Cloudconv::run(const std::vector<std::string>& arguments,
+                             const std::function<void()>& prepare) {
+    std::vector<std::string> command = toolCommand();
+    command.insert(command.end(), arguments.begin(), arguments.end());
+    return runProgram(command, prepare);
+}
+
+std::vector<std::string> Cloudconv::names() const {
+    std::vector<std::string> found;
+    for (const fs::directory_entry& entry : fs::directory_iterator(m_folder)) {
+        found.push_back(entry.path().filename());
+    }
+    std::sort(found.begin(), found.end());
+    return found;
+}
+
+void Cloudconv::expectFailure(const fs::path& from, const fs::path& to, const std::string& reason,
+                              const std::function<void()>& prepare) {
+    const std::vector<std::string> before = names();
+    const ProgramResult result = run({from, to}, prepare);
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.errors, "cloudconv: " + reason + '\n');
+    EXPECT_EQ(result.output, "");
+    EXPECT_EQ(names(), before);
+}
+
+void Cloudconv::expectRefusal(const std::string& bytes, const std::string& reason) {
+    const fs::path from = input(bytes);
+    expectFailure(from, in("new.ply"), from.string() + ": " + reason);
+    writeFile(in("old.ply"), "old");
+    expectFailure(from, in("old.ply"), from.string() + ": " + reason);
+    EXPECT_EQ(readFile(in("old.ply")), "old");
+}

@@ -1,0 +1,50 @@
+#pragma once
+
+#include "tests/support/ChildProgram.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <vector>
+
+/// The bytes of a file; a failure of the test, and none, when it cannot be read.
+std::string readFile(const std::filesystem::path& path);
+
+void writeFile(const std::filesystem::path& path, const std::string& bytes);
+
+/// The path of cloudconv, behind the emulator that runs it where one is needed.
+std::vector<std::string> toolCommand();
+
+/// A test of the program, in a folder of its own.
+class Cloudconv : public ::testing::Test {
+protected:
+    Cloudconv();
+    ~Cloudconv() override;
+
+    std::filesystem::path in(const std::string& name) const { return m_folder / name; }
+
+    /// Makes the file in.ply of these bytes.
+    std::filesystem::path input(const std::string& bytes) const;
+
+    /// Runs the program with these arguments.
+    ///
+    /// @param prepare  as for runProgram
+    static ProgramResult run(const std::vector<std::string>& arguments,
+                             const std::function<void()>& prepare = {});
+
+    /// Names of all files in the folder, those of temporary files too.
+    std::vector<std::string> names() const;
+
+    /// Expects that a conversion fails with this line on standard error, whether there is an output
+    /// to lose or not, and that it leaves nothing behind.
+    void expectFailure(const std::filesystem::path& from, const std::filesystem::path& to,
+                       const std::string& reason, const std::function<void()>& prepare = {});
+
+    /// The same for a file of these bytes, whose name stands before the reason.
+    void expectRefusal(const std::string& bytes, const std::string& reason);
+
+private:
+    std::filesystem::path m_folder;
+};

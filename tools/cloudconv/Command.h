@@ -1,0 +1,23 @@
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+#include <functional>
+#include <string>
+
+/// How the program ends.
+enum ExitStatus : int {
+    succeeded = 0,
+    couldNotConvert = 1,
+    wrongUsage = 2,
+    foundSomething = 3,
+};
+
+/// What the command line asks for.
+struct Command {
+    /// The file that it is about, for messages.
+    std::string input;
+    /// Does it.
+    /// @throws FileError, UsageError and those of the library
+    std::function<ExitStatus()> run;
+};

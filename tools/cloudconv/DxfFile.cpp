@@ -1,0 +1,45 @@
+#include "tools/cloudconv/DxfFile.h"
+
+#include "converters/Converters.h"
+#include "dxfeditor/DXFDocument.h"
+#include "dxfeditor/DXFReader.h"
+#include "tools/cloudconv/CollectedLog.h"
+#include "tools/cloudconv/DxfText.h"
+#include "tools/cloudconv/FileError.h"
+
+#include <filesystem>
+#include <string_view>
+
+DxfContents readDxf(const std::string& path, const std::vector<unsigned char>& bytes) {
+    const auto* const text = reinterpret_cast<const char*>(bytes.data());
+    DxfContents contents;
+    contents.document = std::make_shared<DXFDocument>();
+    DXFReader(*contents.document).load(text, bytes.size());
+    contents.entityCount = contents.document->entities().size();
+    if (contents.entityCount == 0 && contents.document->layers().empty()) {
+        const std::string reason = whyNotDxfText(std::string_view(text, bytes.size()));
+        if (!reason.empty()) {
+            throw FileError(path, reason);
+        }
+    }
+    contents.cutOff = whatIsCutOff(std::string_view(text, bytes.size()));
+    contents.document->setup();
+    contents.points = contents.document->getPoints(contents.contours);
+    return contents;
+}
+
+std::vector<unsigned char> writeDxf(const std::string& path,
+                                    const std::vector<cv::Point3_<double>>& points) {
+    const CollectedLog log;
+    std::vector<unsigned char> bytes;
+    try {
+        if (!converters::toDxf(points, bytes)) {
+            throw FileError(path,
+                            log.reason("the transient drawing in " +
+                                       converters::tmpDxfPath.string() + " could not be written"));
+        }
+    } catch (const std::filesystem::filesystem_error& error) {
+        throw FileError(error.path1(), error.code().message());
+    }
+    return bytes;
+}
