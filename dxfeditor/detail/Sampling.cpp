@@ -235,14 +235,17 @@ std::pair<Point, Point> endsOf(const PolylinePoints& polyline) {
 
 template <typename Sequence>
 void append(Sequence sequence, Direction direction, std::vector<Point>& points) {
+    // By coordinates, which stay in registers: a point as a whole would go through memory, written
+    // in parts and read at once, for which processors wait.
+    const auto append = [&](const Point& point) { points.emplace_back(point.x, point.y, point.z); };
     const std::size_t size = sequence.size();
     if (direction == Direction::Forwards) {
         for (std::size_t i = 0; i < size; ++i) {
-            points.push_back(sequence(i));
+            append(sequence(i));
         }
     } else {
         for (std::size_t i = size; i > 0; --i) {
-            points.push_back(sequence(i - 1));
+            append(sequence(i - 1));
         }
     }
 }
