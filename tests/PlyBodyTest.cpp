@@ -457,4 +457,31 @@ TEST(PlyBody, RandomLayoutsAreThoseOfThePlainWriter) {
     }
 }
 
+/// A cloud of floats only, some outside the bytes, or in those of the next point.
+pcl::PCLPointCloud2 randomFloats(std::mt19937& random) {
+    const auto below = [&random](std::uint32_t limit) {
+        return static_cast<std::uint32_t>(random() % limit);
+    };
+    pcl::PCLPointCloud2 cloud;
+    const std::uint32_t fieldCount = 1 + below(5);
+    for (std::uint32_t i = 0; i < fieldCount; ++i) {
+        const std::uint32_t offset = below(4) == 0 ? below(40) : 4 * i;
+        cloud.fields.push_back(field("x", offset, Field::FLOAT32, below(2)));
+    }
+    cloud.width = 1 + below(below(20) == 0 ? 3000 : 9);
+    cloud.height = 1;
+    cloud.data.resize(cloud.width * (4 * fieldCount + below(3)) - std::min(below(8), cloud.width));
+    for (unsigned char& byte : cloud.data) {
+        byte = static_cast<unsigned char>(random());
+    }
+    return cloud;
+}
+
+TEST(PlyBody, RandomFloatsAreThoseOfThePlainWriter) {
+    std::mt19937 random(8);
+    for (int i = 0; i < 2000; ++i) {
+        ASSERT_NO_FATAL_FAILURE(expectAsReference(randomFloats(random))) << i;
+    }
+}
+
 } // namespace

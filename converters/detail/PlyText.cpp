@@ -2,6 +2,7 @@
 
 #include "converters/detail/NumberFormat.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstdint>
 #include <cstring>
@@ -112,15 +113,65 @@ char* appendElements(Line& line, char* end, const PlyColumn& column, const Point
     return end;
 }
 
+/// Whether every value of a line is one plain float.
+bool areFloats(const std::vector<PlyColumn>& columns) {
+    return !columns.empty() &&
+           std::all_of(columns.begin(), columns.end(), [](const PlyColumn& column) {
+               return column.datatype == Field::FLOAT32 && !column.isColour && column.elements == 1;
+           });
+}
+
+/// How many points have the first element of every column inside the bytes: the first ones.
+std::size_t countComplete(const std::vector<PlyColumn>& columns, const PointBytes& points) {
+    std::size_t count = points.count;
+    for (const PlyColumn& column : columns) {
+        count = std::min(count, points.countWithElement(column.offset, column.elementSize));
+    }
+    return count;
+}
+
+/// Writes the lines of the first `count` points, whose values are all floats inside the bytes: the
+/// usual cloud, in half the time.
+void writeFloatLines(const std::vector<PlyColumn>& columns, const PointBytes& points,
+                     std::size_t count, const WriteText& write) {
+    constexpr std::size_t blockLength = std::size_t{1} << 14;
+    std::vector<char> block(blockLength + maxLineLength(columns) + elementRoom);
+    std::vector<std::size_t> offsets;
+    for (const PlyColumn& column : columns) {
+        offsets.push_back(column.offset);
+    }
+    char* const begin = block.data();
+    char* end = begin;
+    for (std::size_t i = 0; i < count; ++i) {
+        const unsigned char* const point = points.data + i * points.stride;
+        for (const std::size_t offset : offsets) {
+            end = writeGeneral(end, static_cast<double>(valueOf<float>(point + offset)));
+            *end++ = ' ';
+        }
+        end[-1] = '\n';
+        if (static_cast<std::size_t>(end - begin) >= blockLength) {
+            write(begin, static_cast<std::size_t>(end - begin));
+            end = begin;
+        }
+    }
+    if (end != begin) {
+        write(begin, static_cast<std::size_t>(end - begin));
+    }
+}
+
 } // namespace
 
 void writeLines(const std::vector<PlyColumn>& columns, const PointBytes& points,
                 const WriteText& write, const WarnOfDatatype& warn) {
+    const std::size_t written = areFloats(columns) ? countComplete(columns, points) : 0;
+    if (written > 0) {
+        writeFloatLines(columns, points, written, write);
+    }
     Line line;
     // Only the last element of the last column has no blank behind it: the line's end takes its
     // place. A line that ends in a column without elements keeps the blank.
     const bool replacesBlank = !columns.empty() && columns.back().elements > 0;
-    for (std::size_t i = 0; i < points.count; ++i) {
+    for (std::size_t i = written; i < points.count; ++i) {
         char* end = line.begin();
         for (const PlyColumn& column : columns) {
             if (column.writesCount) {
