@@ -54,6 +54,8 @@ CONVERTERS_EXPORT bool toDxf(const std::vector<cv::Point3_<double>>& points,
 ///
 /// @param cloud  its points, missing ones (nan) included; its width, height and is_dense do not
 ///               matter
+/// @param out    replaced by the bytes of the drawing; empty when the call fails
+/// @return as the other toDxf; it throws the same, too
 CONVERTERS_EXPORT bool toDxf(const pcl::PointCloud<pcl::PointXYZ>& cloud,
                              std::vector<unsigned char>& out);
 
@@ -123,8 +125,10 @@ CONVERTERS_EXPORT bool fromDxf(const std::vector<char>& data,
 /// The same, with each coordinate rounded to the nearest 32-bit float, beyond their range to
 /// infinity.
 ///
+/// @param data   the file, up to its first NUL
 /// @param cloud  its points are replaced; its width and height become 0 although it holds points,
 ///               so a caller that needs them sets them. Untouched when the result is false.
+/// @return false when `data` is empty
 CONVERTERS_EXPORT bool fromDxf(const std::vector<char>& data,
                                pcl::PointCloud<pcl::PointXYZ>& cloud);
 

@@ -1,3 +1,5 @@
+/// @file
+/// The PLY codec: PLYSerializer writes, PLYDeserializer reads.
 #pragma once
 
 #include "converters/Export.h"
@@ -51,7 +53,8 @@ public:
     /// datatype is left out, with a warning for the field and for each of its elements. The process
     /// ends when the logging library throws.
     ///
-    /// @param out  receives the body behind what it holds
+    /// @param cloud  its width, height, fields and data are read
+    /// @param out    receives the body behind what it holds
     void AppendContentBinary(const pcl::PCLPointCloud2& cloud,
                              std::vector<unsigned char>& out) const;
 
@@ -64,6 +67,7 @@ public:
     /// unknown datatype is left out with a warning, its separating blank stays. What the logging
     /// library throws leaves this function.
     ///
+    /// @param cloud   its width, height, fields and data are read
     /// @param stream  receives the text, byte for byte: its locale and format flags have no effect
     void WriteDataASCII(const pcl::PCLPointCloud2& cloud, std::ostringstream& stream) const;
 

@@ -10,6 +10,8 @@ class DXFEDITOR_EXPORT DXFArc : public DXFEntity {
 public:
     /// An arc; nothing is checked.
     ///
+    /// @param center                centre, in drawing units
+    /// @param radius                radius, in drawing units
     /// @param startAngle, endAngle  degrees; an end below the start sweeps through zero
     DXFArc(const cv::Point3_<double>& center, double radius, double startAngle, double endAngle);
 

@@ -18,6 +18,7 @@ public:
     /// @param inPaperSpace   true when the entity lives in paper space
     DXFAttributes(const std::string& layerName, int color, int color24, int width,
                   const std::string& lineType, double lineTypeScale, int handle, bool inPaperSpace);
+    /// A record of its own with the same values.
     DXFAttributes(const DXFAttributes&) = default;
     /// Not assignable: others may share the record.
     DXFAttributes& operator=(const DXFAttributes&) = delete;

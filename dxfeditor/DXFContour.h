@@ -5,7 +5,9 @@
 /// A stretch of a drawing's walk that is joined end to end: the points from `begin` up to, not
 /// including, `end`, of which there is at least one.
 struct DXFContour {
+    /// Index of the first point.
     std::size_t begin;
+    /// Index behind the last point.
     std::size_t end;
     /// Whether the last point is a copy of the first. True for a single point; false for a circle
     /// by itself, whose walk stops a step short of its start.

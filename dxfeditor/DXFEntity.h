@@ -8,13 +8,13 @@ class DXFAttributes;
 
 /// The codes that DXFEntity::type() returns. Point extraction and the writer dispatch on them.
 namespace DXFEntityType {
-constexpr int Polyline = 0;
-constexpr int Point = 1;
-constexpr int PointVector = 2;
-constexpr int Circle = 3;
-constexpr int Arc = 4;
-constexpr int Line = 5;
-constexpr int Spline = 6;
+constexpr int Polyline = 0;    ///< DXFPolyline
+constexpr int Point = 1;       ///< DXFPoint
+constexpr int PointVector = 2; ///< DXFPointVector
+constexpr int Circle = 3;      ///< DXFCircle
+constexpr int Arc = 4;         ///< DXFArc
+constexpr int Line = 5;        ///< DXFLine
+constexpr int Spline = 6;      ///< DXFSpline
 } // namespace DXFEntityType
 
 /// A drawable object of a drawing.
@@ -50,7 +50,9 @@ public:
     void setLineWidth(int width) { m_lineWidth = width; }
 
 protected:
+    /// Takes over the line width and shares the attributes.
     DXFEntity(const DXFEntity&) = default;
+    /// Takes over the line width and shares the attributes.
     DXFEntity& operator=(const DXFEntity&) = default;
 
 private:

@@ -12,8 +12,10 @@ class DXFEDITOR_EXPORT DXFLayer {
 public:
     /// A layer without attributes.
     ///
+    /// @param name   name by which drawings find the layer
     /// @param flags  layer flags (group 70)
     DXFLayer(const std::string& name, int flags);
+    /// A layer of the same name and flags that shares the attributes.
     DXFLayer(const DXFLayer&) = default;
     /// Not assignable: a layer keeps its name, by which drawings find it.
     DXFLayer& operator=(const DXFLayer&) = delete;

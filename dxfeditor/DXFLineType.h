@@ -7,13 +7,19 @@
 /// A line type of a drawing, known by its name.
 class DXFEDITOR_EXPORT DXFLineType {
 public:
+    /// A line type; nothing is checked.
+    ///
+    /// @param name           name by which drawings find the line type
+    /// @param description    free text
     /// @param flags          line type flags
+    /// @param numberOfDashes number of entries of the pattern
     /// @param patternLength  total length of the pattern, in drawing units
     /// @param pattern        the dash lengths, `numberOfDashes` of them. Kept as given, neither
     ///                       copied nor freed: it must live as long as the line type is used. May
     ///                       be null.
     DXFLineType(const std::string& name, const std::string& description, int flags,
                 int numberOfDashes, double patternLength, double* pattern);
+    /// A line type of the same values that shares the pattern.
     DXFLineType(const DXFLineType&) = default;
     /// Not assignable: a line type keeps its name, by which drawings find it.
     DXFLineType& operator=(const DXFLineType&) = delete;

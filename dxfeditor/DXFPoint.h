@@ -13,9 +13,11 @@ public:
     void setup() override;
     DXFPoint* clone() const override;
 
-    /// Coordinates, as given.
+    /// Coordinate x, as given.
     double mX() const { return m_x; }
+    /// Coordinate y, as given.
     double mY() const { return m_y; }
+    /// Coordinate z, as given.
     double mZ() const { return m_z; }
 
 private:

@@ -7,15 +7,20 @@
 /// A corner of a polyline, in drawing units.
 class DXFEDITOR_EXPORT DXFVertex {
 public:
-    /// @param flag   stored only; every creator passes true
-    /// @param bulge  tangent of a quarter of the arc angle to the next vertex; 0 for a straight
-    /// edge
+    /// A corner; nothing is checked.
+    ///
+    /// @param x, y, z  coordinates, in drawing units
+    /// @param flag     stored only; every creator passes true
+    /// @param bulge    tangent of a quarter of the arc angle to the next vertex; 0 for a straight
+    ///                 edge
     DXFVertex(double x, double y, double z, bool flag, double bulge)
         : m_x(x), m_y(y), m_z(z), m_flag(flag), m_bulge(bulge) {}
 
-    /// Coordinates, as given.
+    /// Coordinate x, as given.
     double x() const { return m_x; }
+    /// Coordinate y, as given.
     double y() const { return m_y; }
+    /// Coordinate z, as given.
     double z() const { return m_z; }
     /// The flag given by the creator.
     bool flag() const { return m_flag; }
@@ -32,10 +37,10 @@ private:
 
 /// A straight piece in the drawing plane.
 struct Segment {
-    double startX;
-    double startY;
-    double endX;
-    double endY;
+    double startX; ///< Where it starts, x.
+    double startY; ///< Where it starts, y.
+    double endX;   ///< Where it ends, x.
+    double endY;   ///< Where it ends, y.
 };
 
 /// A polyline or lightweight polyline: its vertices, and the straight segments that setup()

@@ -12,10 +12,10 @@ class SplineSamples;
 
 /// A weighted control point, in drawing units.
 struct DXFControlPoint {
-    double x;
-    double y;
-    double z;
-    double w;
+    double x; ///< In the drawing plane.
+    double y; ///< In the drawing plane.
+    double z; ///< Height; evaluation does not use it.
+    double w; ///< Weight.
 };
 
 /// A rational B-spline: degree, knots and weighted control points in file order, with optional fit
@@ -50,9 +50,11 @@ public:
     unsigned degree() const { return m_degree; }
     /// Spline flags, as given.
     int flags() const { return m_flags; }
-    /// Knots and points, in file order; valid while the spline lives and is not changed.
+    /// The knots, in file order; valid while the spline lives and is not changed.
     const std::vector<double>& knots() const { return m_knots; }
+    /// The control points, in file order; valid as knots() is.
     const std::vector<DXFControlPoint>& controlPoints() const { return m_controlPoints; }
+    /// The fit points, in file order; valid as knots() is.
     const std::vector<cv::Point3_<double>>& fitPoints() const { return m_fitPoints; }
 
     /// The curve's point at parameter t, by de Boor's algorithm on homogeneous coordinates.

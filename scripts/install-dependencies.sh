@@ -12,6 +12,7 @@ packages=(
   # to test
   libgtest-dev libgmock-dev clang clang-format-14 valgrind
   gdal-bin python3-ezdxf
+  doxygen
   # to build and test the Python package
   python3-dev python3-pybind11 python3-numpy
   python3-pytest python3-matplotlib python3-pip python3-setuptools python3-venv python3-wheel mypy

@@ -27,7 +27,7 @@ const std::string ENABLE_LOG_ENV_VAR = "VOLMAR_ENABLE_LOG";
 /// This implementation is silent unless the environment variable named by ENABLE_LOG_ENV_VAR is
 /// set to something other than "" and "0" at the time of the call. Then it writes one line to
 /// standard error: time, level, file:line, function, text. Line ends and other control characters
-/// inside the text are written as \xHH, so that a message never takes two lines; line ends at its
+/// inside the text are written as `\xHH`, so that a message never takes two lines; line ends at its
 /// end are dropped. It throws nothing and may be called from any thread.
 ///
 /// @param level     rank of the message

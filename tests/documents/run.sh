@@ -1,0 +1,14 @@
+#!/usr/bin/env bash
+# run.sh EXPECTED PROGRAM...: runs a program in an empty folder; fails when it does, or when
+# EXPECTED is a file and the program prints something else.
+set -euo pipefail
+
+expected=$1
+shift
+folder=$(mktemp -d)
+trap 'rm -rf "$folder"' EXIT
+cd "$folder"
+"$@" >"$folder/printed"
+if [ -f "$expected" ]; then
+  diff -u "$expected" printed
+fi
