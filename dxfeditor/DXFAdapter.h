@@ -1,6 +1,15 @@
 #pragma once
 
+#include "dxfeditor/DXFArc.h"
+#include "dxfeditor/DXFAttributes.h"
+#include "dxfeditor/DXFCircle.h"
+#include "dxfeditor/DXFLayer.h"
+#include "dxfeditor/DXFLine.h"
+#include "dxfeditor/DXFLineType.h"
+#include "dxfeditor/DXFPoint.h"
+#include "dxfeditor/DXFPointVector.h"
 #include "dxfeditor/DXFPolyline.h"
+#include "dxfeditor/DXFSpline.h"
 #include "dxfeditor/Export.h"
 
 #include <dxflib/dl_attributes.h>
@@ -9,16 +18,6 @@
 
 #include <memory>
 #include <vector>
-
-class DXFArc;
-class DXFAttributes;
-class DXFCircle;
-class DXFLayer;
-class DXFLine;
-class DXFLineType;
-class DXFPoint;
-class DXFPointVector;
-class DXFSpline;
 
 /// Copies between dxflib's plain records and the model's objects, field by field. No unit is
 /// converted: arc angles are degrees on both sides.

@@ -1,6 +1,9 @@
 #pragma once
 
 #include "dxfeditor/DXFContour.h"
+#include "dxfeditor/DXFEntity.h"
+#include "dxfeditor/DXFLayer.h"
+#include "dxfeditor/DXFLineType.h"
 #include "dxfeditor/Export.h"
 
 #include <opencv2/core/types.hpp>
@@ -11,10 +14,6 @@
 #include <string>
 #include <unordered_map>
 #include <vector>
-
-class DXFEntity;
-class DXFLayer;
-class DXFLineType;
 
 /// A drawing in memory: layers, line types and entities, each in the order in which they were
 /// added and shared with whoever else holds them.

@@ -1,15 +1,14 @@
 #pragma once
 
 #include "dxfeditor/DXFDocument.h"
+#include "dxfeditor/DXFEntity.h"
+#include "dxfeditor/DXFLayer.h"
 #include "dxfeditor/DXFWriter.h"
 #include "dxfeditor/Export.h"
 
 #include <memory>
 #include <string>
 #include <vector>
-
-class DXFEntity;
-class DXFLayer;
 
 /// Builds one drawing and writes it to a file.
 ///

@@ -1,10 +1,9 @@
 #pragma once
 
+#include "dxfeditor/DXFAttributes.h"
 #include "dxfeditor/Export.h"
 
 #include <memory>
-
-class DXFAttributes;
 
 /// The codes that DXFEntity::type() returns. Point extraction and the writer dispatch on them.
 namespace DXFEntityType {

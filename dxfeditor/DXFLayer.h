@@ -1,11 +1,10 @@
 #pragma once
 
+#include "dxfeditor/DXFAttributes.h"
 #include "dxfeditor/Export.h"
 
 #include <memory>
 #include <string>
-
-class DXFAttributes;
 
 /// A layer of a drawing, known by its name.
 class DXFEDITOR_EXPORT DXFLayer {

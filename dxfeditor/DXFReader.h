@@ -1,5 +1,7 @@
 #pragma once
 
+#include "dxfeditor/DXFDocument.h"
+#include "dxfeditor/DXFEntity.h"
 #include "dxfeditor/Export.h"
 
 #include <dxflib/dl_creationadapter.h>
@@ -9,8 +11,6 @@
 #include <string>
 #include <vector>
 
-class DXFDocument;
-class DXFEntity;
 class DXFSpline;
 
 /// Fills a document from a DXF text that dxflib parses.

@@ -1,13 +1,13 @@
 #pragma once
 
+#include "dxfeditor/DXFDocument.h"
+#include "dxfeditor/DXFEntity.h"
 #include "dxfeditor/Export.h"
 
 #include <memory>
 #include <string>
 
 class DL_Dxf;
-class DXFDocument;
-class DXFEntity;
 
 namespace dxfeditor {
 class DxfFileWriter;
