@@ -86,6 +86,23 @@ TEST_F(DXFDrawTest, NewBuilderIsEmpty) {
     EXPECT_FALSE(std::filesystem::exists(m_path));
 }
 
+TEST_F(DXFDrawTest, MembersAreOpenToCallers) {
+    const auto& [path, document, layer, entities, writer] = m_draw;
+    EXPECT_EQ(&path, &m_draw.path);
+    EXPECT_EQ(&document, &m_draw.document);
+    EXPECT_EQ(&layer, &m_draw.layer);
+    EXPECT_EQ(&entities, &m_draw.entities);
+    EXPECT_EQ(&writer, &m_draw.writer);
+
+    const auto point = std::make_shared<DXFPoint>(1.0, 2.0, 3.0);
+    m_draw.document.addEntity(point);
+    EXPECT_TRUE(m_draw.writer.save(m_path)) << "the writer writes this document";
+    EXPECT_NE(contentOf(m_path).find("POINT"), std::string::npos);
+    m_draw.entities.push_back(point);
+    m_draw.clean();
+    EXPECT_TRUE(m_draw.document.entities().empty());
+}
+
 TEST_F(DXFDrawTest, SetupMakesLayerOne) {
     EXPECT_TRUE(m_draw.setupFile());
     ASSERT_NE(m_draw.layer, nullptr);

@@ -4,6 +4,8 @@
 #include "dxfeditor/DXFDocument.h"
 #include "dxfeditor/DXFEntity.h"
 #include "dxfeditor/DXFLayer.h"
+#include "dxfeditor/DXFLine.h"
+#include "dxfeditor/DXFLineType.h"
 #include "dxfeditor/DXFPolyline.h"
 #include "tests/support/DrawingText.h"
 #include "tests/support/TemporaryDirectory.h"
@@ -17,7 +19,6 @@
 namespace {
 
 using testing::ElementsAre;
-
 using testing::IsEmpty;
 using testing::StartsWith;
 
@@ -202,6 +203,30 @@ TEST_F(DxfReaderCallbacks, LayersAreAddedInsideBlocksToo) {
     EXPECT_EQ(describe(document), "layer walls 5 {0 1 2 3 DASHED 1 4}\n");
 }
 
+TEST_F(DxfReaderCallbacks, TheFirstLayerOfANameStays) {
+    reader.addLayer({"walls", 5});
+    reader.addLayer({"walls", 6});
+    EXPECT_EQ(describe(document), "layer walls 5" + noAttributes + "\n");
+}
+
+TEST_F(DxfReaderCallbacks, LineTypesAreAdded) {
+    reader.addLinetype({"DASHED", "", 0, 0, 0.0});
+    const auto named = [](const std::string& name) {
+        return std::make_shared<DXFLineType>(name, "", 0, 0, 0.0, nullptr);
+    };
+    EXPECT_FALSE(document.addLineType(named("DASHED")));
+    EXPECT_TRUE(document.addLineType(named("DOT")));
+}
+
+TEST_F(DxfReaderCallbacks, ImportingAnEntityGivesItTheReportedAttributesAlone) {
+    reader.setAttributes(DL_Attributes("walls", 1, 2, 3, "DASHED", 4));
+    const auto line =
+        std::make_shared<DXFLine>(cv::Point3_<double>(1, 2, 3), cv::Point3_<double>(4, 5, 6));
+    reader.importEntity(line);
+    EXPECT_EQ(describe(*line), "line 1 2 3 4 5 6 {walls 1 2 3 DASHED 1 4}");
+    EXPECT_THAT(entities(), IsEmpty());
+}
+
 TEST_F(DxfReaderCallbacks, EndSectionEndsASimpleEntityOnce) {
     reader.addLine({1, 2, 3, 4, 5, 6});
     reader.endSection();
@@ -267,6 +292,26 @@ TEST(DxfReader, GathersConsecutivePoints) {
               "0", "POINT", "10", "3", "0", "LINE",  "0",  "POINT", "10", "4",    "0", "EOF"}),
         ElementsAre("points 1 0 0 2 0 0 3 0 0" + defaults, "line 0 0 0 0 0 0" + defaults,
                     "point 4 0 0" + defaults));
+}
+
+TEST(DxfReader, TablesBetweenPointsDoNotPartThem) {
+    EXPECT_THAT(read({"0", "POINT", "10", "1",        "0", "LAYER", "2",  "walls", "0", "LTYPE",
+                      "2", "DOT",   "9",  "$ACADVER", "0", "POINT", "10", "2",     "0", "EOF"}),
+                ElementsAre("points 1 0 0 2 0 0" + defaults));
+}
+
+TEST(DxfReader, GatheredPointsHaveTheAttributesOfTheSecond) {
+    EXPECT_THAT(
+        read({"0", "POINT", "8", "a", "0", "POINT", "8", "b", "0", "POINT", "8", "c", "0", "EOF"}),
+        ElementsAre("points 0 0 0 0 0 0 0 0 0 {b 256 -1 -1 BYLAYER 1 -1}"));
+}
+
+TEST(DxfReader, LineTypesOfTheTextAreAdded) {
+    DXFDocument document;
+    DXFReader reader(document);
+    reader.load(bytesOf(dxf({"0", "LTYPE", "2", "DOT", "0", "ENDTAB"})));
+    EXPECT_FALSE(
+        document.addLineType(std::make_shared<DXFLineType>("DOT", "", 0, 0, 0.0, nullptr)));
 }
 
 TEST(DxfReader, ObjectsThatTheModelDoesNotHoldEndNothing) {
