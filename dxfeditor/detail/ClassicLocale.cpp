@@ -18,7 +18,8 @@ ClassicLocale::~ClassicLocale() {
         return;
     }
     std::locale::global(m_before);
-    std::setlocale(LC_ALL, m_cLocale.c_str());
+    // Succeeds: it was set before.
+    static_cast<void>(std::setlocale(LC_ALL, m_cLocale.c_str()));
 }
 
 } // namespace dxfeditor

@@ -57,7 +57,7 @@ void DxfTextWriter::dxfInt(int gc, int value) const {
 }
 
 void DxfTextWriter::dxfHex(int gc, int value) const {
-    char text[longestInt];
+    char text[longestInt] = {};
     char* const end = std::to_chars(text, text + longestInt, static_cast<unsigned>(value), 16).ptr;
     for (char* digit = text; digit != end; ++digit) {
         if (*digit >= 'a') {

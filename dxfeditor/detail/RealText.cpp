@@ -1,5 +1,6 @@
 #include "dxfeditor/detail/RealText.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
@@ -49,7 +50,7 @@ Decimal rounded(std::uint64_t mantissa, unsigned shift) {
 /// The texts "00" to "99", one behind the other.
 constexpr std::array<char, 200> makeDigitPairs() {
     std::array<char, 200> pairs = {};
-    for (unsigned i = 0; i < 100; ++i) {
+    for (std::size_t i = 0; i < 100; ++i) {
         pairs[2 * i] = static_cast<char>('0' + i / 10);
         pairs[2 * i + 1] = static_cast<char>('0' + i % 10);
     }
@@ -58,8 +59,8 @@ constexpr std::array<char, 200> makeDigitPairs() {
 constexpr std::array<char, 200> digitPairs = makeDigitPairs();
 
 void writeFourDigits(std::uint32_t value, char* to) {
-    std::memcpy(to, digitPairs.data() + value / 100 * 2, 2);
-    std::memcpy(to + 2, digitPairs.data() + value % 100 * 2, 2);
+    std::memcpy(to, digitPairs.data() + std::size_t{value / 100} * 2, 2);
+    std::memcpy(to + 2, digitPairs.data() + std::size_t{value % 100} * 2, 2);
 }
 
 void writeEightDigits(std::uint32_t value, char* to) {
@@ -85,9 +86,7 @@ char* writeDecimals(std::uint64_t decimals, char* to) {
 }
 
 char* writeWord(const char* word, char* to) {
-    const std::size_t length = std::strlen(word);
-    std::memcpy(to, word, length);
-    return to + length;
+    return std::copy_n(word, std::strlen(word), to);
 }
 
 } // namespace
