@@ -1,15 +1,23 @@
 #!/usr/bin/env bash
-# manual.sh PAGE PROGRAM...: every option that the program's help lists is in its manual page.
+# manual.sh PAGE PROGRAM...: every command of the program, and every option that its help and theirs
+# list, is in its manual page.
 set -euo pipefail
 page=$(sed 's/\\-/-/g' "$1")
-help=$("${@:2}" --help)
+program=("${@:2}")
+commands=$("${program[@]}" --help | sed -n '/^Subcommands:/,/^$/s/^  \([a-z]*\) .*/\1/p')
 count=0
-for option in $(grep -oE -- '--[a-z][a-z-]*' <<<"$help" | sort -u); do
+check() {
   count=$((count + 1))
-  grep -qE -- "$option([^a-z-]|\$)" <<<"$page" || {
-    echo "$1 does not mention $option"
+  grep -qE -- "(^|[^a-z-])$1([^a-z-]|\$)" <<<"$page" || {
+    echo "the manual page does not mention $1"
     exit 1
   }
+}
+for command in '' $commands; do
+  [ -z "$command" ] || check "$command"
+  for option in $("${program[@]}" $command --help | grep -E '^ +-' | grep -oE -- '--[a-z][a-z-]*'); do
+    check "$option"
+  done
 done
-echo "$count options in the help, all of them in the manual page"
-[ "$count" -gt 0 ]
+echo "$count commands and options in the help, all of them in the manual page"
+[ "$count" -gt 3 ]
