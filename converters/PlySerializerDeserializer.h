@@ -9,6 +9,7 @@
 #include "converters/detail/PlyPoints.h"
 #include "converters/detail/PointBytes.h"
 
+#include <boost/make_shared.hpp>
 #include <boost/shared_ptr.hpp>
 #include <pcl/PCLPointCloud2.h>
 #include <pcl/conversions.h>
@@ -173,8 +174,8 @@ enum class PlyFormat : std::uint32_t {
 /// Reads PLY files: a "vertex" element with scalar properties, in ASCII or binary little-endian.
 ///
 /// DeserializePlyT reads a whole file into a typed cloud. The steps can also be made one by one, on
-/// a `pcl::PCLPointCloud2`: Init, IsVertexCountZero, ReadHeader, ReadData, in this order. Steps
-/// made in another order fail or do nothing; no input and no order leads outside a buffer.
+/// a `pcl::PCLPointCloud2`: Init, IsVertexCountZero, ReadHeader, ReadData, in this order. A step
+/// made out of order works on what it finds; no input and no order leads outside a buffer.
 ///
 /// A file's text ends at its first zero byte. Lines end at a line feed; a carriage return is
 /// whitespace. Nothing depends on a locale. One object serves one read at a time.
@@ -182,7 +183,7 @@ class CONVERTERS_EXPORT PLYDeserializer {
 public:
     PLYDeserializer() = default;
 
-    /// The cloud being filled. Null before Init.
+    /// The cloud being filled. Null at first. DeserializePlyT leaves its `data` empty.
     boost::shared_ptr<pcl::PCLPointCloud2> cloud;
     /// The count of the "element vertex" line.
     std::uint64_t vertexCount = 0;
@@ -221,9 +222,9 @@ public:
     ///
     /// @param data  the file
     /// @return false when the header is refused: after a message, or in silence when the text ends
-    ///         before "end_header", when width * height is not the number of vertices, when the
+    ///         before "end_header", when width * height is not the number of vertices, or when the
     ///         records and their points would take more than 64 MiB and 64 bytes for each byte of
-    ///         `data`, or before Init. Members then hold what was read so far.
+    ///         `data`. Members then hold what was read so far.
     /// @throws std::invalid_argument, std::out_of_range from std::stoi for the value of "num_cols"
     ///         or "num_rows"
     /// @throws std::logic_error when `data` has no storage at all
@@ -236,7 +237,7 @@ public:
     /// line and the last vertex is ignored.
     ///
     /// @param data  the file that was given to ReadHeader
-    /// @return false when the body is refused, after a message, or before Init
+    /// @return false when the body is refused, after a message
     bool ReadData(const std::vector<unsigned char>& data);
 
     /// Reads one ASCII value and stores it at `writeOffset` in the cloud's data, then advances
@@ -257,7 +258,8 @@ public:
     /// Reads a whole file.
     ///
     /// A file that declares no vertices succeeds, sets `emptySceneInTeach` and leaves `output` as
-    /// it is. Neither the text nor the records are held beside file and points.
+    /// it is. The body is decoded straight into points: neither `stream` nor the cloud's `data`
+    /// are filled. All other members are as the steps leave them; row_step is that of full rows.
     ///
     /// @param data    the file
     /// @param output  replaced, when the read succeeds, by width * height points; fields of the
@@ -269,6 +271,8 @@ public:
     bool DeserializePlyT(const std::vector<unsigned char>& data, pcl::PointCloud<PointT>& output);
 
 private:
+    void NeedCloud();
+
     /// Which lines a header has had so far.
     struct Seen {
         bool format = false;

@@ -27,6 +27,9 @@ LogMessage refusal(int line) {
 const LogMessage wrongSize =
     message(2, "ReadData", "Error parsing ply, Binary Data doesn't match expected size\n");
 
+const LogMessage bigEndian =
+    message(2, "ReadData", "Error parsing ply, Binary Big Endian not implemented\n");
+
 class PlyData : public testing::Test {
 protected:
     /// Reads a header, which has to be accepted, and its body.
@@ -149,6 +152,13 @@ TEST_F(PlyData, BinaryBodyHasToHaveTheExactSize) {
     EXPECT_THAT(messages, ElementsAre(wrongSize));
 }
 
+TEST_F(PlyData, BinaryBodyMovesNeitherStreamNorCounters) {
+    EXPECT_TRUE(read("binary_little_endian", 2, "property short a\n", "1234"));
+    EXPECT_EQ(reader.lineNumber, 5u);
+    EXPECT_EQ(reader.writeOffset, 0u);
+    EXPECT_EQ(reader.stream.tellg(), std::streamoff(reader.stream.str().size() - 4));
+}
+
 TEST_F(PlyData, BinaryBodyWithZeroBytesIsCopiedInFull) {
     const std::string body("\0\1\0\2\0\0\0\3", 8);
     EXPECT_TRUE(read("binary_little_endian", 2, "property short a\nproperty ushort b\n", body));
@@ -157,15 +167,29 @@ TEST_F(PlyData, BinaryBodyWithZeroBytesIsCopiedInFull) {
 
 TEST_F(PlyData, BigEndianBodyIsRefused) {
     EXPECT_FALSE(read("binary_big_endian", 1, "property int a\n", "1234"));
-    EXPECT_THAT(messages, ElementsAre(message(2, "ReadData",
-                                              "Error parsing ply, Binary Big Endian "
-                                              "not implemented\n")));
+    EXPECT_THAT(messages, ElementsAre(bigEndian));
 }
 
 TEST_F(PlyData, UnknownStorageFormReadsNothing) {
     reader.Init();
     reader.format = static_cast<PlyFormat>(3);
     EXPECT_TRUE(reader.ReadData(bytesOf("text")));
+}
+
+TEST_F(PlyData, BodyIsReadWithoutAHeaderToo) {
+    const auto messagesOf = [](PlyFormat format, std::uint64_t vertices, bool isAccepted) {
+        PLYDeserializer unready;
+        unready.format = format;
+        unready.vertexCount = vertices;
+        const CapturedLog log;
+        EXPECT_EQ(unready.ReadData(bytesOf("text")), isAccepted);
+        return log.messages();
+    };
+    EXPECT_THAT(messagesOf(PlyFormat::Ascii, 0, true), IsEmpty());
+    EXPECT_THAT(messagesOf(PlyFormat::Ascii, 1, false), ElementsAre(refusal(0)));
+    EXPECT_THAT(messagesOf(PlyFormat::BinaryLittleEndian, 0, false), ElementsAre(wrongSize));
+    EXPECT_THAT(messagesOf(PlyFormat::BinaryBigEndian, 0, false), ElementsAre(bigEndian));
+    EXPECT_THAT(messagesOf(static_cast<PlyFormat>(3), 0, true), IsEmpty());
 }
 
 TEST_F(PlyData, UnknownDatatypeIsReportedTwice) {

@@ -66,7 +66,12 @@ TEST_F(PlyHeader, NewReaderHasItsInitialState) {
     EXPECT_FALSE(reader.isEmptySceneInTeach());
     EXPECT_EQ(reader.format, PlyFormat::BinaryLittleEndian);
     static_assert(std::is_same_v<decltype(reader.cloud), boost::shared_ptr<pcl::PCLPointCloud2>>);
+    static_assert(std::is_same_v<decltype(reader.vertexCount), std::uint64_t>);
     static_assert(std::is_same_v<decltype(reader.writeOffset), std::uint32_t>);
+    static_assert(std::is_same_v<decltype(reader.stream), std::istringstream>);
+    static_assert(std::is_same_v<decltype(reader.lineNumber), std::uint64_t>);
+    static_assert(std::is_same_v<decltype(reader.emptySceneInTeach), bool>);
+    static_assert(std::is_same_v<decltype(reader.format), PlyFormat>);
     static_assert(std::is_same_v<std::underlying_type_t<PlyFormat>, std::uint32_t>);
     EXPECT_EQ(static_cast<int>(PlyFormat::Ascii), 0);
     EXPECT_EQ(static_cast<int>(PlyFormat::BinaryBigEndian), 1);
@@ -157,10 +162,30 @@ TEST_F(PlyHeader, EmptyVectorIsALogicError) {
     EXPECT_THROW(reader.ReadHeader({}), std::logic_error);
 }
 
-TEST_F(PlyHeader, ReadingBeforeInitFails) {
-    EXPECT_FALSE(reader.ReadHeader(bytesOf("ply\nend_header\n")));
-    EXPECT_FALSE(reader.ReadData(bytesOf("ply\nend_header\n")));
-    EXPECT_EQ(reader.cloud, nullptr);
+TEST_F(PlyHeader, IsReadWithoutInitToo) {
+    const std::string header = "ply\nelement vertex 2\nproperty short a\nend_header\n";
+    EXPECT_TRUE(reader.ReadHeader(bytesOf(header)));
+    EXPECT_EQ(reader.vertexCount, 2u);
+    EXPECT_EQ(reader.cloud->data.size(), 4u);
+    EXPECT_EQ(std::size_t(reader.stream.tellg()), header.size());
+
+    PLYDeserializer unready;
+    const CapturedLog log;
+    EXPECT_FALSE(unready.ReadHeader(bytesOf("ply\nformat ascii\n")));
+    EXPECT_THAT(log.messages(), ElementsAre(refusal(2)));
+}
+
+TEST_F(PlyHeader, SecondHeaderWithoutInitIsAddedToTheCloud) {
+    const auto data = bytesOf("ply\nelement vertex 2\nproperty short a\nend_header\n");
+    reader.Init();
+    reader.writeOffset = 7;
+    EXPECT_TRUE(reader.ReadHeader(data));
+    EXPECT_TRUE(reader.ReadHeader(data));
+    EXPECT_THAT(fieldNames(), ElementsAre("a", "a"));
+    EXPECT_EQ(reader.cloud->fields[1].offset, 2u);
+    EXPECT_EQ(reader.cloud->point_step, 4u);
+    EXPECT_EQ(reader.lineNumber, 4u);
+    EXPECT_EQ(reader.writeOffset, 7u);
 }
 
 TEST_F(PlyHeader, TextWithoutEndHeaderIsRefusedInSilence) {

@@ -1,6 +1,7 @@
 #include "converters/detail/PlyAsciiBody.h"
 
 #include "converters/detail/NumberExtraction.h"
+#include "converters/detail/PlyDatatype.h"
 #include "converters/detail/PlyLines.h"
 
 #include <cstring>

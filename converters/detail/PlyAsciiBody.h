@@ -11,12 +11,6 @@
 
 namespace converters::detail {
 
-/// Size in bytes of a value of a field datatype; 0 for an unknown one.
-constexpr std::size_t sizeOfDatatype(std::uint8_t datatype) {
-    constexpr std::size_t sizes[] = {0, 1, 1, 2, 2, 4, 4, 4, 8};
-    return datatype < sizeof sizes / sizeof *sizes ? sizes[datatype] : 0;
-}
-
 /// The values of one line of an ASCII body. Owns nothing: the line has to outlive it.
 ///
 /// After a value that is missing, malformed or out of range, all further values are 0: a stream
@@ -35,7 +29,7 @@ public:
     /// "2" and leaves "55". Existing readers of these files do so.
     ///
     /// @param datatype  a known field datatype
-    /// @param out       room for sizeOfDatatype(datatype) bytes
+    /// @param out       room for a value of it
     void read(std::uint8_t datatype, unsigned char* out);
 
     /// Takes whitespace; nothing after a failed value.

@@ -1,11 +1,12 @@
 #pragma once
 
+#include "converters/detail/PlyDatatype.h"
+
 #include <pcl/PCLPointField.h>
 
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <iterator>
 #include <string>
 #include <vector>
 
@@ -14,7 +15,8 @@ namespace converters::detail {
 /// What the bodies of a PLY file need to know about a field.
 struct PlyColumn {
     explicit PlyColumn(const pcl::PCLPointField& field)
-        : datatype(field.datatype), offset(field.offset), elementSize(sizeOf(field.datatype)),
+        : datatype(field.datatype), offset(field.offset),
+          elementSize(sizeOfDatatype(field.datatype)),
           elements(isNegative(field.count) ? 0 : std::max(field.count, 1U)),
           writesCount(elements > 1), isColour(isColourText(field)) {}
 
@@ -40,11 +42,6 @@ struct PlyColumn {
 
 private:
     static bool isNegative(std::uint32_t count) { return count > INT32_MAX; }
-
-    static std::size_t sizeOf(unsigned datatype) {
-        constexpr std::size_t sizes[] = {0, 1, 1, 2, 2, 4, 4, 4, 8};
-        return datatype < std::size(sizes) ? sizes[datatype] : 0;
-    }
 
     /// Unlike in the header, the name only has to contain the word, but the datatype counts.
     static bool isColourText(const pcl::PCLPointField& field) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <string_view>
 #include <vector>
@@ -40,5 +41,8 @@ inline bool takeLine(std::string_view& text, std::string_view& line) {
     text.remove_prefix(feed == nullptr ? length : length + 1);
     return true;
 }
+
+/// Counts lines, of which the last may lack its line feed, up to a limit.
+std::uint64_t countLines(std::string_view text, std::uint64_t limit);
 
 } // namespace converters::detail
