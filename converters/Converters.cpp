@@ -35,7 +35,7 @@ std::vector<cv::Point3_<double>> widened(const pcl::PointCloud<pcl::PointXYZ>& c
     return points;
 }
 
-/// Writes the drawing that holds the points alone.
+/// Writes the drawing that holds the points alone, and lets go of them.
 /// @return true when every byte of it was written
 bool saveDrawing(const std::string& path, std::shared_ptr<DXFPointVector> points) {
     DXFDraw draw(path);
@@ -44,7 +44,7 @@ bool saveDrawing(const std::string& path, std::shared_ptr<DXFPointVector> points
     // 1 is a valid 24-bit colour, nearly black. R12 has no group for it: it is not written.
     points->setAttributes(
         DXFAdapter::makeAttributes(DL_Attributes("0", 7, 1, 10, "CONTINUOUS", -1)));
-    if (draw.document.addEntity(points)) {
+    if (draw.document.addEntity(std::move(points))) {
         draw.document.setup();
     }
     return draw.saveFile();

@@ -48,7 +48,7 @@ std::string formatted(const char* format, std::va_list values) {
     std::string text;
     if (length > 0) {
         text.resize(static_cast<std::size_t>(length) + 1);
-        std::vsnprintf(text.data(), text.size(), format, again);
+        static_cast<void>(std::vsnprintf(text.data(), text.size(), format, again));
         text.pop_back();
     }
     va_end(again);

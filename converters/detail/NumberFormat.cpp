@@ -42,7 +42,7 @@ constexpr std::size_t decadeCount = lastBinaryExponent - firstBinaryExponent + 1
 
 constexpr std::array<Decade, decadeCount> decades = [] {
     std::array<Decade, decadeCount> table = {};
-    double smallest = 1.0 / (std::uint64_t(1) << -firstBinaryExponent);
+    double smallest = 1.0 / static_cast<double>(std::uint64_t(1) << -firstBinaryExponent);
     int exponent = -17;
     for (Decade& decade : table) {
         while (powerOfTen(exponent + 1) <= smallest) {

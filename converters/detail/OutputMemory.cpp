@@ -13,14 +13,13 @@ constexpr std::size_t largeBuffer = std::size_t(4) << 20;
 
 /// Only a hint: what it returns changes nothing. Kernels with pages of other sizes than 4 KiB have
 /// large pages of up to 512 MiB, too large to be touched in part.
-void askForLargePages(const void* memory, std::size_t size) {
-    constexpr std::uintptr_t page = 4096;
+void askForLargePages(unsigned char* memory, std::size_t size) {
+    constexpr std::size_t page = 4096;
     static const bool hasUsualPages = sysconf(_SC_PAGESIZE) == page;
-    const std::uintptr_t begin =
-        (reinterpret_cast<std::uintptr_t>(memory) + page - 1) / page * page;
-    const std::uintptr_t end = (reinterpret_cast<std::uintptr_t>(memory) + size) / page * page;
-    if (hasUsualPages) {
-        madvise(reinterpret_cast<void*>(begin), end - begin, MADV_HUGEPAGE);
+    // Whole pages only.
+    const std::size_t before = (page - reinterpret_cast<std::uintptr_t>(memory) % page) % page;
+    if (hasUsualPages && size > before) {
+        madvise(memory + before, (size - before) / page * page, MADV_HUGEPAGE);
     }
 }
 
