@@ -176,6 +176,37 @@ TEST(IsVertexCountZero, TouchesNoMember) {
     EXPECT_THAT(log.messages(), IsEmpty());
 }
 
+TEST(PlyDriver, EmptySceneIsRememberedWhateverIsReadNext) {
+    PLYDeserializer reader;
+    Cloud cloud;
+    EXPECT_TRUE(reader.DeserializePlyT<pcl::PointXYZI>(bytesOf("element vertex 0\n"), cloud));
+    EXPECT_TRUE(reader.isEmptySceneInTeach());
+    EXPECT_TRUE(reader.DeserializePlyT<pcl::PointXYZI>(bytesOf(asciiFile(1, "1 2 3 4\n")), cloud));
+    EXPECT_TRUE(reader.isEmptySceneInTeach());
+    EXPECT_EQ(cloud.size(), 1u);
+}
+
+TEST(PlyDriver, EmptyInputLeavesTheReaderAsItWas) {
+    PLYDeserializer reader;
+    Cloud cloud;
+    EXPECT_FALSE(reader.DeserializePlyT<pcl::PointXYZI>({}, cloud));
+    EXPECT_EQ(reader.cloud, nullptr);
+    reader.lineNumber = 7;
+    EXPECT_FALSE(reader.DeserializePlyT<pcl::PointXYZI>({}, cloud));
+    EXPECT_EQ(reader.lineNumber, 7u);
+}
+
+TEST(PlyDriver, ReadsCloudsOfOtherPointTypes) {
+    const auto data = bytesOf(asciiFile(2, "1 2 3 4\n5 6 7 8\n"));
+    pcl::PointCloud<pcl::PointXYZ> cloud;
+    EXPECT_TRUE(PLYDeserializer().DeserializePlyT(data, cloud));
+    ASSERT_EQ(cloud.size(), 2u);
+    EXPECT_EQ(cloud[1].x, 5);
+    EXPECT_EQ(cloud[1].y, 6);
+    EXPECT_EQ(cloud[1].z, 7);
+    EXPECT_EQ(cloud[1].data[3], 1);
+}
+
 TEST_F(FromPly, RefusedHeaderLeavesTheCloudUntouched) {
     read("ply\nformat ascii 1.0\nelement vertex 1\n" + kXyzi);
     expectUntouched(false, false);

@@ -1,14 +1,39 @@
 #include "converters/Converters.h"
 #include "converters/mpaths.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
+#include <filesystem>
 #include <fstream>
 #include <future>
 
 namespace {
+
+/// Directories created so far in this process, by whatever library: from its start, before any
+/// static object is set.
+int createdDirectories = 0;
+
+} // namespace
+
+// In place of the C library's, also for the libraries that this program loads.
+#pragma GCC visibility push(default)
+extern "C" int mkdirat(int directory, const char* path, mode_t mode) noexcept {
+    ++createdDirectories;
+    return static_cast<int>(syscall(SYS_mkdirat, directory, path, mode));
+}
+
+extern "C" int mkdir(const char* path, mode_t mode) noexcept {
+    return mkdirat(AT_FDCWD, path, mode);
+}
+#pragma GCC visibility pop
+
+namespace {
+
+const int createdBeforeMain = createdDirectories;
 
 std::string temporaryFile(const std::string& name) {
     return ::testing::TempDir() + std::to_string(getpid()) + name;
@@ -20,6 +45,16 @@ TEST(Paths, BaseTemporaryDirectoryHasSingleSeparatorsAndNoTrailingOne) {
 
 TEST(Paths, DrawingDirectoryIsSetAtLoad) {
     EXPECT_EQ(converters::tmpDxfPath.string(), "/var/tmp/melgrav/tarnowell3/temp_dxf_files");
+}
+
+TEST(Paths, LoadingCreatesNoDirectory) {
+    EXPECT_EQ(createdBeforeMain, 0);
+    // Would it have been seen?
+    const int before = createdDirectories;
+    const std::string directory = temporaryFile("directory");
+    std::filesystem::create_directories(directory);
+    EXPECT_EQ(createdDirectories, before + 1);
+    std::filesystem::remove(directory);
 }
 
 TEST(FromFile, ReadsEveryByte) {
@@ -64,8 +99,10 @@ TEST(FromFile, TakesNoMoreMemoryThanTheFileIsLong) {
 
 TEST(FromFile, MissingPathLeavesTheOutputEmpty) {
     std::vector<unsigned char> out = {1, 2, 3};
+    const std::size_t capacity = out.capacity();
     EXPECT_FALSE(converters::from_file("/nonexistent/file", out));
     EXPECT_TRUE(out.empty());
+    EXPECT_EQ(out.capacity(), capacity);
 }
 
 TEST(FromFile, DirectoryIsNotReadable) {
