@@ -1,5 +1,6 @@
 #include "converters/detail/NumberExtraction.h"
 
+#include "converters/detail/DigitWords.h"
 #include "converters/detail/PlyLines.h"
 
 #include <locale.h>
@@ -38,69 +39,6 @@ const char* takeDigits(const char* position, const char* end, std::uint64_t& sig
         significand = significand * 10 + static_cast<std::uint64_t>(*position - '0');
     }
     return position;
-}
-
-// Eight characters in a word, the first in the lowest byte.
-constexpr std::size_t wordLength = 8;
-constexpr bool canUseWords = __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__;
-
-constexpr std::uint64_t everyByte(std::uint64_t byte) {
-    return byte * 0x0101010101010101;
-}
-
-std::uint64_t loadWord(const char* text) {
-    std::uint64_t word;
-    std::memcpy(&word, text, sizeof word);
-    return word;
-}
-
-/// Number of digits at the start of a word of characters.
-unsigned countDigits(std::uint64_t word) {
-    const std::uint64_t values = word ^ everyByte('0'); // 0 to 9 for digits
-    // The top bit of each byte: is the byte above 9? Adding carries out of no byte.
-    const std::uint64_t others =
-        (((values & everyByte(0x7F)) + everyByte(0x7F - 9)) | values) & everyByte(0x80);
-    return others == 0 ? wordLength : static_cast<unsigned>(__builtin_ctzll(others)) / 8;
-}
-
-/// Value of the first `count` characters of a word, all digits; count is 1 to 8.
-std::uint64_t valueOfDigits(std::uint64_t word, unsigned count) {
-    // The digits move to the end, behind zeros; then neighbours are joined: 1, 2, 4 digits each.
-    std::uint64_t value = (word ^ everyByte('0')) << (8 * (wordLength - count));
-    value = (value * 10 + (value >> 8)) & 0x00FF00FF00FF00FF;
-    value = (value * 100 + (value >> 16)) & 0x0000FFFF0000FFFF;
-    return (value * 10000 + (value >> 32)) & 0xFFFFFFFF;
-}
-
-/// Takes digits with at most one point among them, up to eight characters of digits in a few steps
-/// without branches that depend on them: the branches of a loop would be mispredicted for most
-/// numbers.
-///
-/// @param readable  end of the memory that may be read; the line's end before it is no digit
-/// @param point     behind the point, or null when there is none
-/// @return whether the digits have been taken; else nothing has happened
-bool takeShortDigits(const char*& position, const char* readable, std::uint64_t& significand,
-                     const char*& point) {
-    if (!canUseWords || readable - position <= static_cast<std::ptrdiff_t>(wordLength)) {
-        return false;
-    }
-    const std::uint64_t word = loadWord(position);
-    const unsigned whole = countDigits(word);
-    if (whole == wordLength) {
-        return false;
-    }
-    const bool hasPoint = position[whole] == '.';
-    // The word as if there were no point.
-    const std::uint64_t before = (std::uint64_t{1} << (8 * whole)) - 1;
-    const std::uint64_t joined = (word & before) | (loadWord(position + hasPoint) & ~before);
-    const unsigned count = countDigits(joined);
-    if (count == 0 || count == wordLength) {
-        return false;
-    }
-    significand = valueOfDigits(joined, count);
-    point = hasPoint ? position + whole + 1 : nullptr;
-    position += count + (hasPoint ? 1 : 0);
-    return true;
 }
 
 /// The number of digits from the first that is not 0.
@@ -151,12 +89,20 @@ bool takeLongDigits(const char*& position, const char* end, Decimal& decimal) {
 }
 
 /// Takes digits with at most one point among them, then an exponent.
+///
+/// @param readable  end of the memory that may be read; the line's end before it is no digit
 bool takeDecimal(const char*& position, const char* end, const char* readable, Decimal& decimal) {
     const char* const begin = position;
-    const char* point = nullptr;
-    if (takeShortDigits(position, readable, decimal.significand, point)) {
-        decimal.exponent = point == nullptr ? 0 : point - position;
+    constexpr std::ptrdiff_t room = wordLength + 1;
+    ShortDigits digits;
+    if (canUseWords && readable - position >= room) {
+        digits = takeShortDigits(position);
+    }
+    if (digits.length != 0) {
+        decimal.significand = digits.value;
+        decimal.exponent = -static_cast<std::int64_t>(digits.decimals);
         decimal.isShort = true;
+        position += digits.length;
     } else if (!takeLongDigits(position, end, decimal)) {
         return false;
     }

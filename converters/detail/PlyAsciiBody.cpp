@@ -1,5 +1,6 @@
 #include "converters/detail/PlyAsciiBody.h"
 
+#include "converters/detail/DigitWords.h"
 #include "converters/detail/NumberExtraction.h"
 #include "converters/detail/PlyDatatype.h"
 #include "converters/detail/PlyLines.h"
@@ -62,17 +63,47 @@ PlyAsciiBody::PlyAsciiBody(const std::vector<pcl::PCLPointField>& fields, std::s
     : text_(text) {
     for (const pcl::PCLPointField& field : fields) {
         datatypes_.push_back(field.datatype);
+        recordSize_ += sizeOfDatatype(field.datatype);
+        areFloats_ = areFloats_ && field.datatype == pcl::PCLPointField::FLOAT32;
+    }
+}
+
+/// Takes the next line if its values are short floats, at most one blank between them: the usual
+/// line, which needs no look at where it ends. What is behind the values does not matter.
+/// @return whether it has been taken; else it is still to be read
+bool PlyAsciiBody::takeShortFloats(unsigned char* record) {
+    const char* const end = text_.data() + text_.size();
+    const char* position = text_.data();
+    for (std::size_t i = 0; i < datatypes_.size(); ++i) {
+        float value;
+        if (!takeShortFloat(position, end, value)) {
+            return false;
+        }
+        std::memcpy(record + i * sizeof value, &value, sizeof value);
+        // A number that has been taken does not end the text.
+        position += *position == ' ' ? 1 : 0;
+    }
+    const auto length = static_cast<std::size_t>(position - text_.data());
+    const bool isAtFeed = position != end && *position == '\n';
+    const std::size_t feed = isAtFeed ? length : text_.find('\n', length);
+    text_.remove_prefix(feed == std::string_view::npos ? text_.size() : feed + 1);
+    return true;
+}
+
+void PlyAsciiBody::takeValues(unsigned char* record) {
+    std::string_view text = text_;
+    takeLine(text_, text);
+    PlyAsciiLine line(text, text_.data() + text_.size());
+    for (const std::uint8_t datatype : datatypes_) {
+        line.read(datatype, record);
+        record += sizeOfDatatype(datatype);
     }
 }
 
 void PlyAsciiBody::read(unsigned char* records, std::size_t count) {
-    for (std::size_t i = 0; i < count; ++i) {
-        std::string_view text;
-        takeLine(text_, text);
-        PlyAsciiLine line(text, text_.data() + text_.size());
-        for (const std::uint8_t datatype : datatypes_) {
-            line.read(datatype, records);
-            records += sizeOfDatatype(datatype);
+    for (std::size_t i = 0; i < count; ++i, records += recordSize_) {
+        if (!areFloats_ || !takeShortFloats(records)) {
+            takeValues(records);
         }
     }
 }

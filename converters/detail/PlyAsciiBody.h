@@ -67,7 +67,12 @@ public:
     void read(unsigned char* records, std::size_t count);
 
 private:
+    bool takeShortFloats(unsigned char* record);
+    void takeValues(unsigned char* record);
+
     std::vector<std::uint8_t> datatypes_;
+    std::size_t recordSize_ = 0;
+    bool areFloats_ = true;
     std::string_view text_;
 };
 

@@ -1,0 +1,98 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+/// Digits taken eight at a time: words of characters, the first in the lowest byte. Few steps and
+/// no branches that depend on the digits, which would be mispredicted for most numbers.
+namespace converters::detail {
+
+constexpr std::size_t wordLength = 8;
+constexpr bool canUseWords = __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__;
+
+constexpr std::uint64_t everyByte(std::uint64_t byte) {
+    return byte * 0x0101010101010101;
+}
+
+inline std::uint64_t loadWord(const char* text) {
+    std::uint64_t word;
+    std::memcpy(&word, text, sizeof word);
+    return word;
+}
+
+/// Number of digits at the start of a word of characters.
+inline unsigned countDigits(std::uint64_t word) {
+    const std::uint64_t values = word ^ everyByte('0'); // 0 to 9 for digits
+    // The top bit of each byte: is the byte above 9? Right up to the first such byte, the only one
+    // that matters: nothing carries out of a byte before it.
+    const std::uint64_t others = ((values + everyByte(0x7F - 9)) | values) & everyByte(0x80);
+    return others == 0 ? wordLength : static_cast<unsigned>(__builtin_ctzll(others)) / 8;
+}
+
+/// Value of the first `count` characters of a word, all digits; count is 1 to 8.
+inline std::uint64_t valueOfDigits(std::uint64_t word, unsigned count) {
+    // The digits move to the end, behind zeros; then neighbours are joined: 1, 2, 4 digits each.
+    std::uint64_t value = (word ^ everyByte('0')) << (8 * (wordLength - count));
+    value = (value * 10 + (value >> 8)) & 0x00FF00FF00FF00FF;
+    value = (value * 100 + (value >> 16)) & 0x0000FFFF0000FFFF;
+    return (value * 10000 + (value >> 32)) & 0xFFFFFFFF;
+}
+
+/// Digits with at most one point before, among or behind them.
+struct ShortDigits {
+    std::uint64_t value = 0;
+    /// Number of digits behind the point.
+    unsigned decimals = 0;
+    /// Number of characters; 0 when there is no digit, or more than fit the words.
+    unsigned length = 0;
+};
+
+/// Takes up to seven digits; with eight of them the number may have more.
+///
+/// @param text      at least nine characters have to be readable; what is behind the digits is told
+///                  by not being a digit
+inline ShortDigits takeShortDigits(const char* text) {
+    const std::uint64_t word = loadWord(text);
+    const unsigned whole = countDigits(word);
+    if (whole == wordLength) {
+        return {};
+    }
+    const unsigned point = text[whole] == '.' ? 1 : 0;
+    // The word as if there were no point.
+    const std::uint64_t before = (std::uint64_t{1} << (8 * whole)) - 1;
+    const std::uint64_t joined = (word & before) | (loadWord(text + point) & ~before);
+    const unsigned count = countDigits(joined);
+    if (count == 0 || count == wordLength) {
+        return {};
+    }
+    return {valueOfDigits(joined, count), count - whole, count + point};
+}
+
+/// Takes a number of at most seven digits, with an optional minus sign, at most one point and no
+/// exponent: nearly all numbers of usual files. Digits and power of ten are exact in float, so that
+/// one division gives the nearest float.
+///
+/// @param position  behind the number, if it has been taken
+/// @param readable  end of the memory that may be read
+/// @return whether it has been taken
+inline bool takeShortFloat(const char*& position, const char* readable, float& value) {
+    constexpr float powersOfTen[] = {1e0F, 1e1F, 1e2F, 1e3F, 1e4F, 1e5F, 1e6F, 1e7F};
+    constexpr std::ptrdiff_t room = 1 + wordLength + 1;
+    if (!canUseWords || readable - position < room) {
+        return false;
+    }
+    const bool negative = *position == '-';
+    const char* const begin = position + (negative ? 1 : 0);
+    const ShortDigits digits = takeShortDigits(begin);
+    if (digits.length == 0 || (begin[digits.length] | 0x20) == 'e') {
+        return false;
+    }
+    const float magnitude =
+        static_cast<float>(static_cast<std::int32_t>(digits.value)) / powersOfTen[digits.decimals];
+    value = negative ? -magnitude : magnitude;
+    position = begin + digits.length;
+    return true;
+}
+
+} // namespace converters::detail
