@@ -17,9 +17,9 @@ std::string_view wordOfDatatype(unsigned datatype) {
 }
 
 std::uint8_t datatypeOfWord(std::string_view word) {
-    for (std::uint8_t datatype = 1; datatype < std::size(names); ++datatype) {
+    for (std::size_t datatype = 1; datatype < std::size(names); ++datatype) {
         if (word == names[datatype][0] || word == names[datatype][1]) {
-            return datatype;
+            return static_cast<std::uint8_t>(datatype);
         }
     }
     return 0;
