@@ -510,4 +510,50 @@ TEST(PlyReaderDifferential, WholeReadEqualsItsStepsAndTheConversionOfThePointClo
     EXPECT_LT(accepted, count * 19 / 20);
 }
 
+/// A number as most files have them, or one that nearly is.
+std::string shortDecimal(Random& random) {
+    std::string text = random.oneIn(2) ? "-" : "";
+    text += digits(random, random.below(6));
+    if (!random.oneIn(5)) {
+        text += "." + digits(random, random.below(random.oneIn(5) ? 12 : 5));
+    }
+    return text + (random.oneIn(100) ? "e1" : "");
+}
+
+/// Lines of four floats as most files have them, sometimes with a character changed.
+std::string linesOfShortDecimals(Random& random, std::size_t lines) {
+    std::string text;
+    for (std::size_t i = 0; i < 4 * lines; ++i) {
+        text += shortDecimal(random) + (i % 4 == 3 ? "\n" : " ");
+    }
+    if (random.oneIn(2)) {
+        const std::string others = " \t\n\r\v.-+e05\x01!\x80\xFF";
+        text[random.below(text.size())] = random.pick(others);
+    }
+    return text;
+}
+
+TEST(PlyReaderDifferential, LinesOfShortDecimalsAreTheSameAsOneByOne) {
+    Random random(11);
+    for (int i = 0; i < 3000 * effort(); ++i) {
+        const std::size_t lines = 1 + random.below(8);
+        const std::vector<unsigned char> data =
+            bytesOf("ply\nformat ascii 1.0\nelement vertex " + std::to_string(lines) +
+                    "\nproperty float x\nproperty float y\nproperty float z\n"
+                    "property float intensity\nend_header\n" +
+                    linesOfShortDecimals(random, lines));
+        const CapturedLog log;
+        pcl::PointCloud<pcl::PointXYZI> expected;
+        PLYDeserializer steps;
+        const bool isRead = readBySteps(steps, data, expected);
+        pcl::PointCloud<pcl::PointXYZI> cloud;
+        ASSERT_EQ(PLYDeserializer().DeserializePlyT(data, cloud), isRead);
+        ASSERT_EQ(cloud.size(), expected.size());
+        for (std::size_t k = 0; k < cloud.size(); ++k) {
+            ASSERT_EQ(std::memcmp(&cloud[k], &expected[k], 20), 0)
+                << std::string(data.begin(), data.end()) << "point " << k;
+        }
+    }
+}
+
 } // namespace

@@ -60,7 +60,7 @@ void PlyAsciiLine::read(std::uint8_t datatype, unsigned char* out) {
 }
 
 PlyAsciiBody::PlyAsciiBody(const std::vector<pcl::PCLPointField>& fields, std::string_view text)
-    : text_(text) {
+    : areFloats_(canUseWords && !fields.empty()), text_(text) {
     for (const pcl::PCLPointField& field : fields) {
         datatypes_.push_back(field.datatype);
         recordSize_ += sizeOfDatatype(field.datatype);
@@ -68,25 +68,30 @@ PlyAsciiBody::PlyAsciiBody(const std::vector<pcl::PCLPointField>& fields, std::s
     }
 }
 
-/// Takes the next line if its values are short floats, at most one blank between them: the usual
-/// line, which needs no look at where it ends. What is behind the values does not matter.
+/// Takes the next line if its values are short floats with one blank between them: the usual line.
 /// @return whether it has been taken; else it is still to be read
 bool PlyAsciiBody::takeShortFloats(unsigned char* record) {
+    constexpr std::ptrdiff_t room = 2 * wordLength;
     const char* const end = text_.data() + text_.size();
     const char* position = text_.data();
+    char separator = ' ';
     for (std::size_t i = 0; i < datatypes_.size(); ++i) {
+        if (separator != ' ' || end - position < room) {
+            return false;
+        }
         float value;
-        if (!takeShortFloat(position, end, value)) {
+        const unsigned length = tokenLength(position);
+        if (!readShortFloat(position, length, value)) {
             return false;
         }
         std::memcpy(record + i * sizeof value, &value, sizeof value);
-        // A number that has been taken does not end the text.
-        position += *position == ' ' ? 1 : 0;
+        separator = position[length];
+        position += length + 1;
     }
-    const auto length = static_cast<std::size_t>(position - text_.data());
-    const bool isAtFeed = position != end && *position == '\n';
-    const std::size_t feed = isAtFeed ? length : text_.find('\n', length);
-    text_.remove_prefix(feed == std::string_view::npos ? text_.size() : feed + 1);
+    if (separator != '\n') {
+        return false;
+    }
+    text_.remove_prefix(static_cast<std::size_t>(position - text_.data()));
     return true;
 }
 

@@ -72,7 +72,8 @@ private:
 
     std::vector<std::uint8_t> datatypes_;
     std::size_t recordSize_ = 0;
-    bool areFloats_ = true;
+    /// Whether takeShortFloats may try.
+    bool areFloats_;
     std::string_view text_;
 };
 
