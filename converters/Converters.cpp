@@ -77,8 +77,8 @@ bool writeAndReadBack(std::shared_ptr<DXFPointVector> points, std::vector<unsign
 } // namespace
 
 bool from_file(const std::string& path, std::vector<unsigned char>& out) {
-    std::ifstream file(path, std::ios::in | std::ios::binary);
     out.clear();
+    std::ifstream file(path, std::ios::in | std::ios::binary);
     if (!file.is_open()) {
         return false;
     }
@@ -141,8 +141,13 @@ bool fromDxf(const std::vector<char>& data, pcl::PointCloud<pcl::PointXYZ>& clou
     if (!fromDxf(data, points)) {
         return false;
     }
+    // What may fail comes before the cloud is touched.
+    decltype(cloud.points) room;
+    if (cloud.points.capacity() < points.size()) {
+        room.reserve(points.size());
+        cloud.points.swap(room);
+    }
     cloud.clear();
-    cloud.points.reserve(points.size());
     // Past the cloud's own push_back, which would set its width and height.
     for (const cv::Point3_<double>& point : points) {
         cloud.points.emplace_back(static_cast<float>(point.x), static_cast<float>(point.y),

@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cstring>
 #include <iterator>
+#include <new>
 #include <stdexcept>
 #include <utility>
 
@@ -511,8 +512,13 @@ bool PLYDeserializer::CheckBinarySize(std::size_t bodySize, std::uint64_t expect
 
 bool PLYDeserializer::ReadAsciiData() {
     std::string text;
+    const bool wasBad = stream.bad();
     for (std::uint64_t i = 0; i < vertexCount; ++i) {
         bool isRead = static_cast<bool>(std::getline(stream, text));
+        // Streams keep exceptions to themselves; in memory there is only this one.
+        if (stream.bad() && !wasBad) {
+            throw std::bad_alloc();
+        }
         if (isRead) {
             ++lineNumber;
             PlyAsciiLine line(text);

@@ -69,7 +69,8 @@ public:
     /// library throws leaves this function.
     ///
     /// @param cloud   its width, height, fields and data are read
-    /// @param stream  receives the text, byte for byte: its locale and format flags have no effect
+    /// @param stream  receives the text, byte for byte: its locale and format flags have no effect.
+    ///                Its badbit is set when the text does not fit into memory.
     void WriteDataASCII(const pcl::PCLPointCloud2& cloud, std::ostringstream& stream) const;
 
     /// Makes a whole binary PLY file: header and body.

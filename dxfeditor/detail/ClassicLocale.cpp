@@ -9,8 +9,10 @@ ClassicLocale::ClassicLocale() {
         return;
     }
     m_cLocale = std::setlocale(LC_ALL, nullptr);
-    // A facet of its own makes it a locale without a name, which the C library does not follow.
-    std::locale::global(std::locale(std::locale::classic(), new std::numpunct<char>));
+    // A facet of its own makes it a locale without a name, which the C library does not follow. It
+    // is kept: a locale that cannot be made would lose it.
+    static auto* const facet = new std::numpunct<char>(1);
+    std::locale::global(std::locale(std::locale::classic(), facet));
 }
 
 ClassicLocale::~ClassicLocale() {

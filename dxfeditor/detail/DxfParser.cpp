@@ -28,15 +28,22 @@ public:
     }
 };
 
+/// Whether dxflib allocates what the object's counts say. It frees the arrays of the entity before
+/// first and forgets to forget them: when the memory for the new ones is not there, its destructor
+/// would free the old ones again. So one dxflib object gets one such entity.
+bool hasCounts(const DxfObject& object) {
+    return object.kind == DxfObjectKind::Spline || object.kind == DxfObjectKind::LwPolyline;
+}
+
 /// Hands what the intake has ready to dxflib.
-void parsePiece(DxfIntake& intake, DL_Dxf& dxflib, DL_CreationInterface& reader) {
+void parsePiece(DxfIntake& intake, DL_CreationInterface& reader) {
     if (intake.output().empty()) {
         return;
     }
     intake.close();
     StringBuffer buffer(intake.output());
     std::istream stream(&buffer);
-    dxflib.in(stream, &reader);
+    DL_Dxf().in(stream, &reader);
     intake.clearOutput();
 }
 
@@ -45,22 +52,25 @@ void parsePiece(DxfIntake& intake, DL_Dxf& dxflib, DL_CreationInterface& reader)
 void parseDxf(std::string_view text, DL_CreationInterface& reader, DxfDecoding decoding) {
     text = text.substr(0, text.find('\0'));
     const ClassicLocale classicLocale;
-    DL_Dxf dxflib;
     DxfIntake intake(text);
     DxfEntityDecoder decoder;
     DxfObjects objects(text);
     for (DxfObject object; objects.next(object);) {
         if (decoding == DxfDecoding::Ours && decoder.decode(object, objects)) {
-            parsePiece(intake, dxflib, reader);
+            parsePiece(intake, reader);
             decoder.report(reader, objects);
             continue;
         }
+        if (hasCounts(object)) {
+            // Nothing is torn apart: these end a polyline that they follow.
+            parsePiece(intake, reader);
+        }
         intake.append(object);
         if (intake.output().size() >= pieceSize && intake.canBeClosed()) {
-            parsePiece(intake, dxflib, reader);
+            parsePiece(intake, reader);
         }
     }
-    parsePiece(intake, dxflib, reader);
+    parsePiece(intake, reader);
 }
 
 } // namespace dxfeditor
