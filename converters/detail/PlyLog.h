@@ -8,6 +8,10 @@ namespace converters::detail {
 /// Path under which the whole codec reports, whichever of its files a message comes from.
 constexpr char plyUnit[] = "converters/PlySerializerDeserializer";
 
+// All callers give literal formats, which clang does not see through the template.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wformat-security"
+
 /// Delivers one message of the codec; what the logging library throws reaches the caller.
 ///
 /// @param level     0, 1 or 2
@@ -19,6 +23,8 @@ void deliver(int level, int line, const char* function, const char* format, Valu
     p7::deliver(static_cast<p7::log_level>(level), static_cast<unsigned short>(line), plyUnit,
                 function, format, values...);
 }
+
+#pragma GCC diagnostic pop
 
 /// As deliver, for callers that cannot go on without their log: an exception ends the process.
 template <typename... Values>

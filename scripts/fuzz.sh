@@ -1,0 +1,70 @@
+#!/usr/bin/env bash
+# scripts/fuzz.sh SECONDS [TARGET...]: runs each fuzz target (or those named: from_ply, from_dxf...)
+# for this long, two at a time (FUZZ_JOBS=N: N at a time).
+#
+# What a target learns stays in build/fuzz/corpus/TARGET for the next run; what it finds is in
+# build/fuzz/findings/TARGET, and its output in build/fuzz/TARGET.log. Fails when any finds
+# something.
+#
+# An input is a hang when it takes longer than a second, without sanitizers. They make targets up
+# to ten times slower, and targets do more than the library, so here it is ten seconds.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+if [ $# -lt 1 ]; then
+  echo "usage: $0 SECONDS [TARGET...]" >&2
+  exit 2
+fi
+seconds=$1
+shift
+declare -A format=(
+  [from_ply]=Ply [from_dxf]=Dxf [document_load]=Dxf [dxf_intake]=Dxf
+  [ply_serializer]=Cloud [extraction]=Drawing [round_trip]=Points
+)
+targets=("$@")
+if [ "${#targets[@]}" -eq 0 ]; then
+  targets=(from_ply from_dxf document_load dxf_intake ply_serializer extraction round_trip)
+fi
+
+scripts/build.sh fuzz "${targets[@]/#/fuzz_}"
+
+run() {
+  local target=$1 dictionary=()
+  local learnt=build/fuzz/corpus/$target findings=build/fuzz/findings/$target
+  mkdir -p "$learnt" "$findings"
+  case ${format[$target]} in
+  Dxf) dictionary=(-dict=fuzz/dxf.dict) ;;
+  Ply) dictionary=(-dict=fuzz/ply.dict) ;;
+  esac
+  local seeds=("fuzz/corpus/${format[$target]}")
+  if [ -d "fuzz/regressions/$target" ]; then
+    seeds+=("fuzz/regressions/$target")
+  fi
+  # Memory: what the library may take for 64 KiB, and as much again for the sanitizers.
+  if "build/fuzz/fuzz/fuzz_$target" -max_total_time="$seconds" -max_len=65536 -timeout=10 \
+    -rss_limit_mb=1024 -print_final_stats=1 "${dictionary[@]}" -artifact_prefix="$findings/" \
+    "$learnt" "${seeds[@]}" >"build/fuzz/$target.log" 2>&1; then
+    echo "$target: $(grep -oE 'cov: [0-9]+' "build/fuzz/$target.log" | tail -n 1)," \
+      "$(grep number_of_executed_units "build/fuzz/$target.log" | grep -oE '[0-9]+') inputs"
+  else
+    echo "$target: FOUND SOMETHING"
+    grep -vE '^#[0-9]+' "build/fuzz/$target.log" | tail -n 40
+    return 1
+  fi
+}
+
+failed=0
+running=0
+for target in "${targets[@]}"; do
+  if [ "$running" -ge "${FUZZ_JOBS:-2}" ]; then
+    wait -n || failed=1
+    running=$((running - 1))
+  fi
+  run "$target" &
+  running=$((running + 1))
+done
+while [ "$running" -gt 0 ]; do
+  wait -n || failed=1
+  running=$((running - 1))
+done
+exit "$failed"
