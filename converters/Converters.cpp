@@ -59,10 +59,11 @@ bool writeAndReadBack(std::shared_ptr<DXFPointVector> points, std::vector<unsign
 
     // If the file could not be created, the writer cannot either and says so.
     TransientFile file(path);
-    if (file.isBlocked() || !saveDrawing(path.string(), std::move(points)) || !file.isInPlace()) {
+    const std::string openPath = file.openPath().string();
+    if (file.isBlocked() || !saveDrawing(openPath, std::move(points)) || !file.isInPlace()) {
         return false;
     }
-    if (!from_file(path.string(), out)) {
+    if (!from_file(openPath, out)) {
         file.keep();
         return false;
     }

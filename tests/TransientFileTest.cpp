@@ -39,6 +39,20 @@ TEST_F(TransientFileTest, IsForItsOwnerAlone) {
     EXPECT_EQ(status.st_mode & 0077U, 0U);
 }
 
+TEST_F(TransientFileTest, OpenPathLeadsToTheFileWhateverIsPutInItsPlace) {
+    m_file = std::make_unique<TransientFile>(m_path);
+    writeContent(m_directory.file("victim"), "precious");
+    std::filesystem::rename(m_path, m_directory.file("moved"));
+    std::filesystem::create_symlink(m_directory.file("victim"), m_path);
+    writeContent(m_file->openPath(), "text");
+    EXPECT_EQ(contentOf(m_directory.file("victim")), "precious");
+    EXPECT_EQ(contentOf(m_directory.file("moved")), "text");
+}
+
+TEST_F(TransientFileTest, OpenPathOfAFileThatCouldNotBeCreatedIsItsOwn) {
+    EXPECT_EQ(TransientFile(m_path / "below").openPath(), m_path / "below");
+}
+
 TEST_F(TransientFileTest, StaysWhenItIsKept) {
     m_file = std::make_unique<TransientFile>(m_path);
     m_file->keep();

@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <string>
 #include <system_error>
 #include <utility>
 
@@ -46,6 +47,12 @@ bool TransientFile::isInPlace() const {
     return m_descriptor >= 0 && ::fstat(m_descriptor, &created) == 0 &&
            ::lstat(m_path.c_str(), &found) == 0 && created.st_dev == found.st_dev &&
            created.st_ino == found.st_ino;
+}
+
+std::filesystem::path TransientFile::openPath() const {
+    const std::filesystem::path handle = "/proc/self/fd/" + std::to_string(m_descriptor);
+    std::error_code unknown;
+    return m_descriptor >= 0 && std::filesystem::exists(handle, unknown) ? handle : m_path;
 }
 
 void TransientFile::remove() {

@@ -25,6 +25,11 @@ public:
     /// but a directory.
     bool isBlocked() const { return m_blocked; }
 
+    /// A path by which to open the very file, whatever is put at its own path meanwhile: nobody can
+    /// have it opened in another's place. The file's own path when it could not be created, or
+    /// where there is no /proc.
+    std::filesystem::path openPath() const;
+
     /// Leaves the file where it is.
     void keep() { m_kept = true; }
 

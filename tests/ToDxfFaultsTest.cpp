@@ -1,0 +1,253 @@
+// toDxf while its file is taken away or replaced, when it is killed, and beside other processes.
+#include "converters/Converters.h"
+#include "tests/support/ChildProcess.h"
+#include "tests/support/TemporaryDirectory.h"
+
+#include <gtest/gtest.h>
+#include <sched.h>
+#include <signal.h>
+#include <sys/mount.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <random>
+#include <thread>
+
+namespace {
+
+using Points = std::vector<cv::Point3_<double>>;
+using Bytes = std::vector<unsigned char>;
+
+// Status of a child process that could not set its test up.
+constexpr int notPermitted = 77;
+
+std::filesystem::path transientFile(pid_t process) {
+    return converters::tmpDxfPath / ("tmp" + std::to_string(process) + ".dxf");
+}
+
+/// An empty file system in place of the directory above the product's, for this process alone, so
+/// that nothing else can appear in it.
+bool mountOwnBase(const char* options) {
+    const std::filesystem::path product = converters::tmpDxfPath.parent_path().parent_path();
+    std::filesystem::create_directories(product);
+    return unshare(CLONE_NEWNS) == 0 &&
+           mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
+           mount("tmpfs", product.c_str(), "tmpfs", 0, options) == 0;
+}
+
+Points manyPoints() {
+    return Points(20'000, {1.0 / 3.0, -2.5, 1e10});
+}
+
+TEST(ToDxfFaults, ParentsOfSomebodyElseThrowAndNothingIsMade) {
+    const int status = inChildProcess([&] {
+        constexpr uid_t nobody = 65534;
+        if (!mountOwnBase("mode=755") || setuid(nobody) != 0) {
+            return notPermitted;
+        }
+        Bytes out = {1, 2, 3};
+        try {
+            converters::toDxf(manyPoints(), out);
+            return 1;
+        } catch (const std::filesystem::filesystem_error&) {
+            const auto product = converters::tmpDxfPath.parent_path().parent_path();
+            return out.empty() && std::filesystem::is_empty(product) ? 0 : 2;
+        }
+    });
+    if (status == notPermitted) {
+        GTEST_SKIP() << "no permission to mount a file system and to become another user";
+    }
+    EXPECT_EQ(status, 0);
+}
+
+TEST(ToDxfFaults, ReadOnlyFileSystemGivesFalse) {
+    const int status = inChildProcess([&] {
+        if (!mountOwnBase("mode=777")) {
+            return notPermitted;
+        }
+        std::filesystem::create_directories(converters::tmpDxfPath);
+        const auto product = converters::tmpDxfPath.parent_path().parent_path();
+        if (mount(nullptr, product.c_str(), nullptr, MS_REMOUNT | MS_RDONLY, nullptr) != 0) {
+            return notPermitted;
+        }
+        Bytes out = {1, 2, 3};
+        const bool result = converters::toDxf(manyPoints(), out);
+        return result || !out.empty() ? 1 : 0;
+    });
+    if (status == notPermitted) {
+        GTEST_SKIP() << "no permission to mount a file system";
+    }
+    EXPECT_EQ(status, 0);
+}
+
+/// Puts something else at a path, again and again, until it is told to stop.
+class Replacer {
+public:
+    Replacer(std::filesystem::path path, const std::string& victim)
+        : m_path(std::move(path)), m_thread([this, victim] {
+              for (unsigned i = 0; !m_stop; ++i) {
+                  remove();
+                  put(i % 4, victim);
+                  std::this_thread::sleep_for(std::chrono::microseconds(i % 300));
+              }
+              remove();
+          }) {}
+    ~Replacer() {
+        m_stop = true;
+        m_thread.join();
+    }
+
+private:
+    void remove() { ::remove(m_path.c_str()); }
+    void put(unsigned kind, const std::string& victim) {
+        switch (kind) {
+        case 0:
+            m_failed = symlink(victim.c_str(), m_path.c_str()) != 0;
+            break;
+        case 1:
+            m_failed = mkfifo(m_path.c_str(), 0600) != 0;
+            break;
+        case 2:
+            m_failed = mkdir(m_path.c_str(), 0700) != 0;
+            break;
+        default:
+            m_failed = link(victim.c_str(), m_path.c_str()) != 0;
+        }
+    }
+
+    std::filesystem::path m_path;
+    std::atomic<bool> m_stop{false};
+    /// Of no interest: the library may have been faster.
+    bool m_failed = false;
+    std::thread m_thread;
+};
+
+TEST(ToDxfFaults, FileThatIsReplacedAllTheTimeIsNeitherFollowedNorWaitedFor) {
+    const std::string victim =
+        (converters::tmpDxfPath / "victim").string() + std::to_string(getpid());
+    std::filesystem::create_directories(converters::tmpDxfPath);
+    const Points points(300, {1.5, 2.5, 3.5});
+    Bytes expected;
+    ASSERT_TRUE(converters::toDxf(points, expected));
+    writeContent(victim, "precious");
+    const int status = inChildProcess([&] {
+        alarm(120); // a file that is waited for ends the test
+        const Replacer replacer(transientFile(getpid()), victim);
+        for (int i = 0; i < 2000; ++i) {
+            Bytes out = {1, 2, 3};
+            bool isMade = false;
+            try {
+                isMade = converters::toDxf(points, out);
+            } catch (const std::filesystem::filesystem_error&) {
+                // What was put there at the last moment cannot be removed: a full directory.
+                out.clear();
+            }
+            if (isMade ? out != expected : !out.empty()) {
+                return 1;
+            }
+            if (contentOf(victim) != "precious") {
+                return 2;
+            }
+        }
+        return 0;
+    });
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(contentOf(victim), "precious");
+    std::filesystem::remove(victim);
+}
+
+/// Runs `body` as the first process of a numbering of its own, so that each such child has the same
+/// process id, 1.
+/// @return the child's id seen from here, or -1 without the permission
+pid_t startAsProcessOne(const std::function<int()>& body) {
+    const pid_t parent = fork();
+    if (parent != 0) {
+        return parent;
+    }
+    if (unshare(CLONE_NEWPID) != 0) {
+        _exit(notPermitted);
+    }
+    const pid_t child = fork();
+    if (child == 0) {
+        _exit(body());
+    }
+    // Ends with the child, and the child with this process.
+    int status = 0;
+    waitpid(child, &status, 0);
+    _exit(WIFEXITED(status) ? WEXITSTATUS(status) : 1);
+}
+
+TEST(ToDxfFaults, NextProcessOfTheSameIdWorksWhereverTheLastOneWasKilled) {
+    const Points points = manyPoints();
+    Bytes expected;
+    ASSERT_TRUE(converters::toDxf(points, expected));
+    std::mt19937 random(7);
+    int leftOver = 0;
+    for (int i = 0; i < 40; ++i) {
+        const pid_t victim = fork();
+        if (victim == 0) {
+            // The process that is killed is the one whose id is 1 in its own numbering.
+            if (unshare(CLONE_NEWPID) != 0) {
+                _exit(notPermitted);
+            }
+            const pid_t child = fork();
+            if (child == 0) {
+                for (;;) {
+                    Bytes out;
+                    converters::toDxf(points, out);
+                }
+            }
+            usleep(static_cast<useconds_t>(1000 + random() % 30'000));
+            kill(child, SIGKILL);
+            waitpid(child, nullptr, 0);
+            _exit(0);
+        }
+        random.discard(1);
+        int status = -1;
+        waitpid(victim, &status, 0);
+        if (WIFEXITED(status) && WEXITSTATUS(status) == notPermitted) {
+            GTEST_SKIP() << "no permission for a numbering of processes of its own";
+        }
+        leftOver += std::filesystem::exists(transientFile(1)) ? 1 : 0;
+        const pid_t next = startAsProcessOne([&] {
+            Bytes out;
+            const bool isMade = getpid() == 1 && converters::toDxf(points, out);
+            return isMade && out == expected ? 0 : 1;
+        });
+        waitpid(next, &status, 0);
+        ASSERT_TRUE(WIFEXITED(status));
+        ASSERT_EQ(WEXITSTATUS(status), 0) << "attempt " << i;
+        ASSERT_FALSE(std::filesystem::exists(transientFile(1)));
+    }
+    EXPECT_GT(leftOver, 0) << "none was killed in the middle";
+}
+
+TEST(ToDxfFaults, EightProcessesAtOnceDoNotDisturbEachOther) {
+    std::vector<pid_t> children;
+    for (int number = 0; number < 8; ++number) {
+        const pid_t child = fork();
+        if (child == 0) {
+            const Points points(500, {static_cast<double>(number), 0.5, -1.0});
+            Bytes first;
+            bool isRight = converters::toDxf(points, first);
+            const std::string text(first.begin(), first.end());
+            isRight = isRight &&
+                      text.find("\n 10\n" + std::to_string(number) + ".0\n") != std::string::npos;
+            for (int i = 0; i < 30 && isRight; ++i) {
+                Bytes out;
+                isRight = converters::toDxf(points, out) && out == first;
+            }
+            _exit(isRight ? 0 : 1);
+        }
+        children.push_back(child);
+    }
+    for (const pid_t child : children) {
+        int status = -1;
+        waitpid(child, &status, 0);
+        EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+        EXPECT_FALSE(std::filesystem::exists(transientFile(child)));
+    }
+}
+
+} // namespace
