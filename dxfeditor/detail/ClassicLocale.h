@@ -1,8 +1,5 @@
 #pragma once
 
-#include <locale>
-#include <string>
-
 namespace dxfeditor {
 
 /// Makes the classic locale the process's global C++ locale while it lives, if it is not.
@@ -11,6 +8,9 @@ namespace dxfeditor {
 /// comma it would read 1.5 as 1 or 15. There is no other way to tell it. So a program whose global
 /// C++ locale is not the classic one sees the classic one in all its threads for this time, and
 /// must not set another from a second thread. The C library's locale is left alone.
+///
+/// Objects may live in several threads at once: the last one gives the locale back. Where the
+/// classic locale is global, as it is unless a program says otherwise, no lock is taken.
 class ClassicLocale {
 public:
     ClassicLocale();
@@ -19,9 +19,7 @@ public:
     ClassicLocale& operator=(const ClassicLocale&) = delete;
 
 private:
-    std::locale m_before;
-    /// The C library's locale, which setting a named C++ locale changes; empty when none was set.
-    std::string m_cLocale;
+    bool m_isNeeded;
 };
 
 } // namespace dxfeditor
