@@ -8,7 +8,7 @@ packages=(
   # to build
   g++ cmake ninja-build git
   libpcl-dev libdxflib-dev libopencv-core-dev libeigen3-dev libboost-filesystem-dev libspdlog-dev
-  libcli11-dev
+  libcli11-dev nlohmann-json3-dev
   # to test
   libgtest-dev libgmock-dev clang clang-format-14 valgrind
   gdal-bin python3-ezdxf

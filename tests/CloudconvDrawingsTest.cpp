@@ -2,7 +2,7 @@
 
 #include "converters/Converters.h"
 #include "tests/support/CloudconvFixture.h"
-#include "tests/support/DrawingText.h"
+#include "tests/support/SimpleDrawing.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -16,31 +16,6 @@ namespace {
 namespace fs = std::filesystem;
 using ::testing::HasSubstr;
 using ::testing::StartsWith;
-
-using Groups = std::vector<std::string>;
-
-Groups operator+(Groups left, const Groups& right) {
-    left.insert(left.end(), right.begin(), right.end());
-    return left;
-}
-
-std::string number(double value) {
-    return std::to_string(value);
-}
-
-Groups line(double x1, double y1, double x2, double y2) {
-    return {"0",  "LINE",     "8",  "0",        "10", number(x1),
-            "20", number(y1), "11", number(x2), "21", number(y2)};
-}
-
-Groups pointAt(double x, double y, double z) {
-    return {"0", "POINT", "8", "0", "10", number(x), "20", number(y), "30", number(z)};
-}
-
-std::string drawing(const Groups& entities) {
-    return dxf(Groups{"0", "SECTION", "2", "ENTITIES"} + entities + Groups{"0", "ENDSEC"} +
-               Groups{"0", "EOF"});
-}
 
 /// The vertices of an ASCII PLY file, with four numbers each.
 std::vector<std::vector<double>> verticesOf(const std::string& file) {

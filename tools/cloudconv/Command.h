@@ -1,8 +1,11 @@
 #pragma once
 
+#include "tools/cloudconv/FileFormat.h"
+
 #include <CLI/CLI.hpp>
 
 #include <functional>
+#include <optional>
 #include <string>
 
 /// How the program ends.
@@ -21,3 +24,10 @@ struct Command {
     /// @throws FileError, UsageError and those of the library
     std::function<ExitStatus()> run;
 };
+
+/// Adds an option that names a format.
+void addFormatOption(CLI::App& command, const std::string& name, std::optional<FileFormat>& format,
+                     const std::string& description);
+
+/// Adds --quiet.
+void addQuietFlag(CLI::App& command, bool& quiet);

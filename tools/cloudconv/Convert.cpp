@@ -4,6 +4,7 @@
 #include "tools/cloudconv/InputFile.h"
 #include "tools/cloudconv/OutputFile.h"
 #include "tools/cloudconv/PlyFile.h"
+#include "tools/cloudconv/Progress.h"
 #include "tools/cloudconv/StandardError.h"
 #include "tools/cloudconv/UsageError.h"
 
@@ -21,6 +22,7 @@ using Points = std::vector<cv::Point3_<double>>;
 struct Report {
     std::string input;
     std::string output;
+    Progress& progress;
     std::vector<std::string> notes;
 
     void add(const std::string& note) { notes.push_back(input + ": note: " + note); }
@@ -38,13 +40,8 @@ std::string counted(std::size_t count, const std::string& singular, const std::s
     return std::to_string(count) + ' ' + (count == 1 ? singular : plural);
 }
 
-void writeOutputFile(const std::string& path, const std::vector<unsigned char>& bytes) {
-    OutputFile file(path);
-    file.write(bytes.data(), bytes.size());
-    file.commit();
-}
-
 PlyContents readScan(const std::vector<unsigned char>& bytes, Report& report) {
+    report.progress.begin("converting " + report.input);
     PlyContents contents = readPly(report.input, bytes);
     if (contents.cloud.points.empty()) {
         report.add("the file declares no points, nor does " + report.output);
@@ -53,7 +50,7 @@ PlyContents readScan(const std::vector<unsigned char>& bytes, Report& report) {
 }
 
 DxfContents readDrawing(const std::vector<unsigned char>& bytes, Report& report) {
-    DxfContents contents = readDxf(report.input, bytes);
+    DxfContents contents = readDxf(report.input, bytes, report.progress);
     report.add(counted(contents.entityCount, "entity", "entities") + " in " +
                counted(contents.contours.size(), "run", "runs") + ", " +
                counted(contents.points.size(), "point", "points"));
@@ -184,11 +181,14 @@ void convert(const ConvertOptions& options) {
     if (to == FileFormat::Dxf && (options.ascii || options.intensity.has_value())) {
         throw UsageError("--ascii and --intensity are for PLY output");
     }
-    Report report = {inputName(options.input), outputName(options.output), {}};
+    Progress progress(options.quiet);
+    Report report = {inputName(options.input), outputName(options.output), progress, {}};
     const auto conversion = from == FileFormat::Ply
                                 ? (to == FileFormat::Ply ? scanToPly : scanToDxf)
                                 : (to == FileFormat::Ply ? drawingToPly : drawingToDxf);
-    writeOutputFile(options.output, conversion(readInputFile(options.input), options, report));
+    writeOutputFile(options.output,
+                    conversion(readInputFile(options.input, progress), options, report), progress);
+    progress.end();
     if (!options.quiet) {
         for (const std::string& note : report.notes) {
             printToStandardError(note);

@@ -37,16 +37,9 @@ void addConvertCommand(CLI::App& app, Command& chosen) {
     command.add_flag("--ascii", options->ascii, "write PLY as text of six significant digits")
         ->disable_flag_override();
     command.add_option("--intensity", options->intensity, "give every point this intensity");
-    CLI::CheckedTransformer format(fileFormatNames(), CLI::ignore_case);
-    format.description("");
-    command.add_option("--from", options->from, "format of INPUT: ply or dxf")
-        ->type_name("FORMAT")
-        ->transform(format);
-    command.add_option("--to", options->to, "format of OUTPUT: ply or dxf")
-        ->type_name("FORMAT")
-        ->transform(format);
-    command.add_flag("-q,--quiet", options->quiet, "say nothing but failures")
-        ->disable_flag_override();
+    addFormatOption(command, "--from", options->from, "format of INPUT: ply or dxf");
+    addFormatOption(command, "--to", options->to, "format of OUTPUT: ply or dxf");
+    addQuietFlag(command, options->quiet);
     command.callback([options, &chosen] {
         chosen.input = options->input;
         chosen.run = [options] {

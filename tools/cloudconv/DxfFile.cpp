@@ -6,15 +6,46 @@
 #include "tools/cloudconv/CollectedLog.h"
 #include "tools/cloudconv/DxfText.h"
 #include "tools/cloudconv/FileError.h"
+#include "tools/cloudconv/Interrupt.h"
+#include "tools/cloudconv/Progress.h"
+
+#include <unistd.h>
 
 #include <filesystem>
 #include <string_view>
 
-DxfContents readDxf(const std::string& path, const std::vector<unsigned char>& bytes) {
+namespace {
+
+/// A reader that tells how many objects it has seen.
+class ObservedReader : public DXFReader {
+public:
+    ObservedReader(DXFDocument& document, Progress& progress)
+        : DXFReader(document), m_progress(progress) {}
+
+    void endSection() override {
+        m_progress.reached(++m_objects);
+        DXFReader::endSection();
+    }
+
+private:
+    Progress& m_progress;
+    std::size_t m_objects = 0;
+};
+
+/// Where toDxf writes its transient drawing.
+std::string transientDrawing() {
+    return converters::tmpDxfPath / ("tmp" + std::to_string(getpid()) + ".dxf");
+}
+
+} // namespace
+
+DxfContents readDxf(const std::string& path, const std::vector<unsigned char>& bytes,
+                    Progress& progress) {
     const auto* const text = reinterpret_cast<const char*>(bytes.data());
     DxfContents contents;
     contents.document = std::make_shared<DXFDocument>();
-    DXFReader(*contents.document).load(text, bytes.size());
+    progress.begin("reading objects of " + path);
+    ObservedReader(*contents.document, progress).load(text, bytes.size());
     contents.entityCount = contents.document->entities().size();
     if (contents.entityCount == 0 && contents.document->layers().empty()) {
         const std::string reason = whyNotDxfText(std::string_view(text, bytes.size()));
@@ -24,12 +55,14 @@ DxfContents readDxf(const std::string& path, const std::vector<unsigned char>& b
     }
     contents.cutOff = whatIsCutOff(std::string_view(text, bytes.size()));
     contents.document->setup();
+    progress.begin("walking " + path);
     contents.points = contents.document->getPoints(contents.contours);
     return contents;
 }
 
 std::vector<unsigned char> writeDxf(const std::string& path,
                                     const std::vector<cv::Point3_<double>>& points) {
+    const RemovedWhenInterrupted transient(transientDrawing());
     const CollectedLog log;
     std::vector<unsigned char> bytes;
     try {

@@ -10,6 +10,7 @@
 #include <vector>
 
 class DXFDocument;
+class Progress;
 
 /// What a DXF file holds.
 struct DxfContents {
@@ -25,9 +26,11 @@ struct DxfContents {
 
 /// Reads a DXF file's bytes.
 ///
-/// @param path  the file's name, for messages
+/// @param path      the file's name, for messages
+/// @param progress  told what is done, and how far it is
 /// @throws FileError for a file that is no DXF text, which to the library is an empty drawing
-DxfContents readDxf(const std::string& path, const std::vector<unsigned char>& bytes);
+DxfContents readDxf(const std::string& path, const std::vector<unsigned char>& bytes,
+                    Progress& progress);
 
 /// Makes a drawing of one POINT for each point.
 ///

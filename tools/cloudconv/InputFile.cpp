@@ -1,6 +1,7 @@
 #include "tools/cloudconv/InputFile.h"
 
 #include "tools/cloudconv/FileError.h"
+#include "tools/cloudconv/Progress.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -59,14 +60,20 @@ std::string inputName(const std::string& path) {
     return path == "-" ? "standard input" : path;
 }
 
-std::vector<unsigned char> readInputFile(const std::string& path) {
+std::vector<unsigned char> readInputFile(const std::string& path, Progress& progress) {
     constexpr std::size_t leastRoom = 65536;
+    /// So that progress shows.
+    constexpr std::size_t mostAtOnce = std::size_t{16} << 20;
     const OpenFile file(path);
+    const std::size_t expected = file.expectedSize();
+    progress.begin("reading " + inputName(path), expected);
     // One byte more than expected, so that the end is found without growing.
-    std::vector<unsigned char> bytes(file.expectedSize() + 1);
+    std::vector<unsigned char> bytes(expected + 1);
     std::size_t size = 0;
-    while (const std::size_t count = file.readSome(bytes.data() + size, bytes.size() - size)) {
+    while (const std::size_t count =
+               file.readSome(bytes.data() + size, std::min(bytes.size() - size, mostAtOnce))) {
         size += count;
+        progress.reached(size);
         if (size == bytes.size()) {
             bytes.resize(size + std::max(size / 2, leastRoom));
         }

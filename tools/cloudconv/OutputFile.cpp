@@ -1,11 +1,13 @@
 #include "tools/cloudconv/OutputFile.h"
 
 #include "tools/cloudconv/FileError.h"
+#include "tools/cloudconv/Progress.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <memory>
@@ -84,6 +86,7 @@ OutputFile::~OutputFile() {
 void OutputFile::createTemporary() {
     // Left-over files of programs that were killed may have the first names.
     constexpr int names = 1000;
+    const InterruptsHeld held;
     for (int i = 0; i < names && m_descriptor < 0; ++i) {
         m_temporary = folderOf(m_target) + ".cloudconv-" + std::to_string(getpid()) + "-" +
                       std::to_string(i) + ".tmp";
@@ -96,6 +99,7 @@ void OutputFile::createTemporary() {
         m_temporary.clear(); // not ours to remove
         check(false);
     }
+    m_guard.emplace(m_temporary);
 }
 
 void OutputFile::takeOverModeOf(const struct stat& replaced) {
@@ -126,6 +130,7 @@ void OutputFile::commit() {
     check(close(std::exchange(m_descriptor, -1)) == 0);
     if (!m_temporary.empty()) {
         check(rename(m_temporary.c_str(), m_target.c_str()) == 0);
+        m_guard.reset();
         m_temporary.clear();
         synchroniseFolder(folderOf(m_target));
     }
@@ -135,4 +140,17 @@ void OutputFile::check(bool succeeded) const {
     if (!succeeded) {
         throw FileError(m_name, std::generic_category().message(errno));
     }
+}
+
+void writeOutputFile(const std::string& path, const std::vector<unsigned char>& bytes,
+                     Progress& progress) {
+    constexpr std::size_t mostAtOnce = std::size_t{16} << 20;
+    OutputFile file(path);
+    progress.begin("writing " + outputName(path), bytes.size());
+    for (std::size_t done = 0; done < bytes.size(); progress.reached(done)) {
+        const std::size_t size = std::min(bytes.size() - done, mostAtOnce);
+        file.write(bytes.data() + done, size);
+        done += size;
+    }
+    file.commit();
 }

@@ -1,9 +1,15 @@
 #pragma once
 
+#include "tools/cloudconv/Interrupt.h"
+
 #include <sys/stat.h>
 
 #include <cstddef>
+#include <optional>
 #include <string>
+#include <vector>
+
+class Progress;
 
 /// The name of an output in messages: the path, or "standard output" for "-".
 std::string outputName(const std::string& path);
@@ -12,7 +18,7 @@ std::string outputName(const std::string& path);
 ///
 /// The bytes go to a temporary file in the folder of the file. commit() puts it in the file's
 /// place in one step; without it, what was at the path stays as it was and the temporary file is
-/// removed.
+/// removed, also when Ctrl-C ends the program.
 ///
 /// A new file gets the mode of any new file; one that is replaced keeps its mode and, where the
 /// system allows it, its owner. A path that is a symbolic link stays one: the file that it points
@@ -48,5 +54,14 @@ private:
     std::string m_target;
     /// Empty when the bytes go straight to the target, and after commit().
     std::string m_temporary;
+    std::optional<RemovedWhenInterrupted> m_guard;
     int m_descriptor = -1;
 };
+
+/// Makes or replaces a file in one go.
+///
+/// @param path      "-" is standard output
+/// @param progress  told that this is done, and how far it is
+/// @throws FileError when that fails
+void writeOutputFile(const std::string& path, const std::vector<unsigned char>& bytes,
+                     Progress& progress);

@@ -8,9 +8,9 @@ constexpr std::size_t longestText = 1000;
 
 } // namespace
 
-void printToStandardError(const std::string& text) {
-    std::string line = "cloudconv: ";
-    for (const char character : text.substr(0, longestText)) {
+std::string printable(const std::string& text) {
+    std::string line;
+    for (const char character : text) {
         const auto byte = static_cast<unsigned char>(character);
         if (byte >= 0x20 && byte != 0x7F) {
             line += character;
@@ -19,6 +19,11 @@ void printToStandardError(const std::string& text) {
             line += {'\\', 'x', digits[byte >> 4], digits[byte & 0xF]};
         }
     }
+    return line;
+}
+
+void printToStandardError(const std::string& text) {
+    std::string line = "cloudconv: " + printable(text.substr(0, longestText));
     line += text.size() > longestText ? "...\n" : "\n";
     static_cast<void>(std::fwrite(line.data(), 1, line.size(), stderr));
 }

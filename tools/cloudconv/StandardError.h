@@ -2,8 +2,11 @@
 
 #include <string>
 
+/// The text with control characters written as \xHH: what files hold must not steer a terminal.
+std::string printable(const std::string& text);
+
 /// Writes "cloudconv: TEXT" to standard error, as exactly one line.
 ///
-/// File names and what files hold come up in the text: control characters are written as \xHH, and
-/// what goes beyond a few hundred characters is cut.
+/// File names and what files hold come up in the text: it is made printable, and what goes beyond a
+/// few hundred characters is cut.
 void printToStandardError(const std::string& text);

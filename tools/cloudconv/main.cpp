@@ -1,6 +1,9 @@
 // cloudconv: converts, describes, checks and draws point clouds and drawings.
 
+#include "tools/cloudconv/CheckCommand.h"
 #include "tools/cloudconv/ConvertCommand.h"
+#include "tools/cloudconv/InfoCommand.h"
+#include "tools/cloudconv/Interrupt.h"
 #include "tools/cloudconv/StandardError.h"
 #include "tools/cloudconv/UsageError.h"
 
@@ -20,11 +23,13 @@ constexpr char footer[] =
 "cloudconv COMMAND --help" says more and shows examples.
 
 Exit status: 0 done, 1 could not be done (one line on standard error says why),
-2 wrong usage.
+2 wrong usage, 3 check found something.
 
 Examples:
   cloudconv drawing.dxf walk.ply
-  cloudconv scan.ply scan_text.ply --ascii)";
+  cloudconv scan.ply scan_text.ply --ascii
+  cloudconv info drawing.dxf
+  cloudconv check drawing.dxf)";
 
 ExitStatus runAndReport(const Command& command) {
     try {
@@ -60,6 +65,7 @@ std::vector<std::string> commandLine(const CLI::App& app, int argc, char** argv)
 int main(int argc, char** argv) {
     // A file that outgrows its limit is then a write that fails, with a reason to report.
     std::signal(SIGXFSZ, SIG_IGN);
+    removeFilesWhenInterrupted();
 
     Command command;
     CLI::App app(description, "cloudconv");
@@ -67,6 +73,8 @@ int main(int argc, char** argv) {
     app.set_version_flag("--version", "cloudconv " CLOUDCONV_VERSION);
     app.require_subcommand(1);
     addConvertCommand(app, command);
+    addInfoCommand(app, command);
+    addCheckCommand(app, command);
     try {
         app.parse(commandLine(app, argc, argv));
     } catch (const CLI::ParseError& error) {

@@ -1,0 +1,265 @@
+// cloudconv info and cloudconv check.
+
+#include "tests/support/CloudconvFixture.h"
+#include "tests/support/SimpleDrawing.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+namespace {
+
+namespace fs = std::filesystem;
+using ::testing::HasSubstr;
+using ::testing::StartsWith;
+using Json = nlohmann::json;
+
+class CloudconvFiles : public Cloudconv {
+protected:
+    fs::path drawingFile(const std::string& bytes) const {
+        writeFile(in("in.dxf"), bytes);
+        return in("in.dxf");
+    }
+
+    static Json infoOf(const fs::path& file) {
+        const ProgramResult result = run({"info", file, "--json"});
+        EXPECT_EQ(result.status, 0);
+        EXPECT_EQ(result.errors, "");
+        return Json::parse(result.output);
+    }
+
+    /// Expects that check lists exactly these findings.
+    void expectFindings(const std::string& bytes, const std::vector<std::string>& findings,
+                        const std::vector<std::string>& options = {}) {
+        const fs::path file = drawingFile(bytes);
+        std::vector<std::string> arguments = {"check", file};
+        arguments.insert(arguments.end(), options.begin(), options.end());
+        const ProgramResult result = run(arguments);
+        std::string expected = findings.empty() ? file.string() + ": nothing found\n" : "";
+        for (const std::string& finding : findings) {
+            expected += file.string() + ": " + finding + '\n';
+        }
+        EXPECT_EQ(result.output, expected);
+        EXPECT_EQ(result.errors, "");
+        EXPECT_EQ(result.status, findings.empty() ? 0 : 3);
+    }
+};
+
+std::string nearMiss(const std::string& first, const std::string& second,
+                     const std::string& distance) {
+    return "near miss: the ends at " + first + " and " + second + " lie " + distance +
+           " apart and are not joined";
+}
+
+using CloudconvInfo = CloudconvFiles;
+
+const fs::path examples = fs::path(CONVERTERS_TEST_DIR) / "../examples";
+
+TEST_F(CloudconvInfo, DescribesTheShippedScan) {
+    const Json info = infoOf(examples / "ripple_scan.ply");
+    EXPECT_EQ(info["format"], "PLY");
+    EXPECT_EQ(info["encoding"], "ascii");
+    EXPECT_EQ(info["readable"], true);
+    EXPECT_EQ(info["points"], 1200);
+    EXPECT_EQ(info["width"], 40);
+    EXPECT_EQ(info["height"], 30);
+    EXPECT_EQ(info["organised"], true);
+    EXPECT_EQ(info["points_without_place"], 19);
+    EXPECT_DOUBLE_EQ(info["share_without_place"], 19.0 / 1200);
+    EXPECT_EQ(info["bounds"], (Json{{"x", {-2.0, 1.9}}, {"y", {-1.5, 1.4}}, {"z", {-0.2, 0.2}}}));
+    EXPECT_EQ(info["elements"][0]["fields"].size(), 4U);
+}
+
+TEST_F(CloudconvInfo, TellsWhatBecomesOfEachFieldAndWhyAFileIsRefused) {
+    const Json info = infoOf(input("ply\nformat ascii 1.0\nelement vertex 1\nproperty float x\n"
+                                   "property double y\nproperty float64 z\nproperty uchar red\n"
+                                   "element face 2\nproperty list uchar int vertex_index\n"
+                                   "end_header\n"));
+    EXPECT_EQ(info["readable"], false);
+    EXPECT_EQ(info["reason"], "[PlyDeserializer::ReadHeader] Error parsing ply, line: 8 element "
+                              "type 'face' not supported");
+    const Json fields = info["elements"][0]["fields"];
+    EXPECT_EQ(fields[0]["fate"], "read");
+    EXPECT_EQ(fields[1]["fate"], "dropped: it has to be of type float");
+    EXPECT_EQ(fields[2]["fate"], "not seen: the reader knows no type float64");
+    EXPECT_EQ(fields[3]["fate"], "dropped: the cloud has no place for it");
+    EXPECT_EQ(info["elements"][1]["fields"][0], (Json{{"name", "vertex_index"},
+                                                      {"type", "list uchar int"},
+                                                      {"fate", "refused: lists are not read"}}));
+}
+
+TEST_F(CloudconvInfo, DescribesCloudsWithoutPlacesOrPoints) {
+    const std::string head = "ply\nformat ascii 1.0\nelement vertex ";
+    const std::string fields =
+        "\nproperty float x\nproperty float y\nproperty float z\nend_header\n";
+    Json info = infoOf(input(head + "2" + fields + "nan nan nan\ninf 1 2\n"));
+    EXPECT_EQ(info["points_without_place"], 2);
+    EXPECT_EQ(info["share_without_place"], 1.0);
+    EXPECT_EQ(info["bounds"]["x"], nullptr);
+    EXPECT_EQ(info["intensity"], nullptr);
+    info = infoOf(input(head + "0" + fields));
+    EXPECT_EQ(info["points"], 0);
+    EXPECT_EQ(info["share_without_place"], 0.0);
+}
+
+TEST_F(CloudconvInfo, DescribesTheShippedDrawing) {
+    const Json info = infoOf(examples / "plate.dxf");
+    EXPECT_EQ(info["format"], "DXF");
+    EXPECT_EQ(info["version"], "AC1015");
+    EXPECT_EQ(info["unit"], "mm");
+    EXPECT_EQ(info["layers"][0],
+              (Json{{"name", "OUTLINE"}, {"entities", 8}, {"colour", 7}, {"frozen", false}}));
+    EXPECT_EQ(info["entities"], (Json{{"ARC", 4},
+                                      {"CIRCLE", 1},
+                                      {"LINE", 4},
+                                      {"LWPOLYLINE", 1},
+                                      {"POLYLINE", 1},
+                                      {"SPLINE", 1}}));
+    EXPECT_EQ(info["points"], 683);
+    EXPECT_EQ(info["bounds_in_drawing"]["y"], (Json{0.0, 8.0}));
+    EXPECT_EQ(info["bounds_in_cloud"]["z"], (Json{0.0, 8.0}));
+    const Json contours = info["contours"];
+    EXPECT_EQ(contours["open"], 1);
+    EXPECT_EQ(contours["closed"], 2);
+    EXPECT_EQ(contours["circles"], 1);
+    EXPECT_NEAR(info["contour_list"][3]["length"], 32 + 2 * 3.14159, 0.01);
+    EXPECT_EQ(infoOf(examples / "plate_with_gap.dxf")["contours"]["closed"], 1);
+}
+
+TEST_F(CloudconvInfo, CountsWhatIsPassedOverByKind) {
+    const Json info = infoOf(
+        drawingFile(dxf({"0", "SECTION", "2", "BLOCKS", "0", "BLOCK", "2", "B"}) +
+                    dxf(line(0, 0, 1, 0) + line(0, 0, 1, 0)) + dxf({"0", "ENDBLK", "0", "ENDSEC"}) +
+                    drawing(Groups{"0", "TEXT", "1", "a"} + Groups{"0", "TEXT", "1", "b"} +
+                            Groups{"0", "INSERT", "2", "B"} + line(0, 0, 2, 0))));
+    EXPECT_EQ(info["entities"], (Json{{"LINE", 1}}));
+    EXPECT_EQ(info["ignored_entities"], (Json{{"INSERT", 1}, {"TEXT", 2}}));
+    EXPECT_EQ(info["ignored_in_blocks"], (Json{{"LINE", 2}}));
+    EXPECT_EQ(info["points"], 21);
+}
+
+TEST_F(CloudconvInfo, HasBoundsOfPointsInBothCoordinates) {
+    const Json info =
+        infoOf(drawingFile(drawing(pointAt(1, 2, 3) + pointAt(4, 5, 6) + line(0, 0, 0, 9))));
+    EXPECT_EQ(info["bounds_in_drawing"],
+              (Json{{"x", {0.0, 4.0}}, {"y", {0.0, 9.0}}, {"z", {0.0, 6.0}}}));
+    EXPECT_EQ(info["bounds_in_cloud"],
+              (Json{{"x", {0.0, 4.0}}, {"y", {0.0, 5.0}}, {"z", {-6.0, 9.0}}}));
+    EXPECT_EQ(info["contour_list"][1]["kind"], "points");
+}
+
+TEST_F(CloudconvInfo, IsReadableAsTextAndCutsLongLists) {
+    Groups lines;
+    for (int i = 0; i < 30; ++i) {
+        lines = lines + line(i, 0, i, 5);
+    }
+    const ProgramResult result = run({"info", drawingFile(drawing(lines))});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_THAT(result.output, HasSubstr("\nentities: LINE 30\n"));
+    EXPECT_THAT(result.output, HasSubstr("\nbounds in cloud: x (0, 29), y (0, 0), z (0, 5)\n"));
+    EXPECT_THAT(result.output, HasSubstr("\n  - number 20, kind open, points 51, length 5, first "
+                                         "(10, 0, 0), last (10, 0, 5)\n"
+                                         "  - and 10 more, all with --json\n"));
+}
+
+TEST_F(CloudconvInfo, SurvivesNamesThatAreNotUtf8) {
+    const fs::path file = drawingFile(
+        drawing({"0", "LINE", "8", "gr\xFCn\x1B", "10", "0", "20", "0", "11", "1", "21", "0"}));
+    EXPECT_EQ(infoOf(file)["layers"].size(), 1U);
+    EXPECT_THAT(run({"info", file}).output, HasSubstr("gr\xFCn\\x1B"));
+}
+
+TEST_F(CloudconvInfo, OfWhatIsNeitherIsAFailure) {
+    ProgramResult result = run({"info", input("garbage")});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.output, "");
+    EXPECT_EQ(result.errors, "cloudconv: " + in("in.ply").string() + ": not a PLY file\n");
+    result = run({"info", drawingFile("garbage")});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.errors, "cloudconv: " + in("in.dxf").string() + ": not a DXF text\n");
+    EXPECT_EQ(run({"info"}).status, 2);
+    EXPECT_EQ(run({"info", "-"}).status, 2);
+}
+
+using CloudconvCheck = CloudconvFiles;
+
+TEST_F(CloudconvCheck, FindsNothingInASoundDrawing) {
+    expectFindings(readFile(examples / "plate.dxf"), {});
+    expectFindings(drawing({}), {});
+    const ProgramResult quiet = run({"check", drawingFile(drawing({})), "-q"});
+    EXPECT_EQ(quiet.output, "");
+    EXPECT_EQ(quiet.status, 0);
+}
+
+TEST_F(CloudconvCheck, FindsTheGapThatBreaksAContour) {
+    expectFindings(readFile(examples / "plate_with_gap.dxf"),
+                   {nearMiss("(0, 6.998)", "(0, 7)", "0.002")});
+}
+
+TEST_F(CloudconvCheck, FindsEndsBetweenTheJoiningAndTheGivenDistance) {
+    const auto withGap = [](double gap) {
+        return drawing(line(0, 0, 1, 0) + line(1 + gap, 0, 2, 0));
+    };
+    expectFindings(withGap(0.0005), {});
+    expectFindings(withGap(0.0625), {nearMiss("(1.0625, 0)", "(1, 0)", "0.0625")});
+    expectFindings(withGap(0.125), {});
+    expectFindings(withGap(0.125), {nearMiss("(1.125, 0)", "(1, 0)", "0.125")},
+                   {"--distance", "0.2"});
+    expectFindings(withGap(0.0625), {}, {"--distance", "0.05"});
+    expectFindings(drawing(line(0, 0, 1, 0) + arc(5, 5, 1, 0, 360)), {});
+}
+
+TEST_F(CloudconvCheck, FindsRepeatedEntitiesInEitherDirection) {
+    expectFindings(
+        drawing(line(0, 0, 1, 0) + line(5, 5, 6, 5) + line(1, 0, 0, 0) + arc(9, 9, 1, 0, 90) +
+                arc(9, 9, 1, 0, 90)),
+        {"LINE 3 on layer 0 at (1, 0) repeats LINE 1", "ARC 5 on layer 0 at (9, 9) repeats ARC 4"});
+}
+
+TEST_F(CloudconvCheck, FindsWhatIsTooShortToSample) {
+    expectFindings(drawing(line(0, 0, 0.05, 0)),
+                   {"LINE 1 on layer 0 at (0, 0) is too short to sample (length 0.05): its start "
+                    "is the only point"});
+    const Groups polyline = {"0", "LWPOLYLINE", "90", "3",  "70", "0",  "10", "0",  "20",
+                             "0", "10",         "5",  "20", "0",  "10", "5",  "20", "0.0625"};
+    expectFindings(drawing(polyline),
+                   {"POLYLINE 1 on layer 0 at (0, 0) has a last edge too short to sample (length "
+                    "0.0625): it stops at (5, 0)"});
+    expectFindings(drawing({"0", "SPLINE", "71", "3"}),
+                   {"SPLINE 1 on layer 0 at (0, 0) cannot be evaluated: no points"});
+}
+
+TEST_F(CloudconvCheck, FindsArcsWithoutLength) {
+    expectFindings(drawing(arc(1, 2, 3, 45, 45)),
+                   {"ARC 1 on layer 0 at (1, 2) has no length: five equal points"});
+    expectFindings(drawing(arc(1, 2, 0, 0, 90)),
+                   {"ARC 1 on layer 0 at (1, 2) has no length: five equal points"});
+}
+
+TEST_F(CloudconvCheck, OfManyEndsInOnePlaceAndOfHugeOrMissingNumbersEnds) {
+    Groups lines;
+    for (int i = 0; i < 3000; ++i) {
+        lines = lines + line(0, 0, 10 + i, 1);
+    }
+    EXPECT_EQ(run({"check", drawingFile(drawing(lines))}).status, 0);
+    const Groups odd = {"0",  "LINE", "8",  "0",     "10", "nan",
+                        "20", "0",    "11", "1e300", "21", "-1e300"};
+    EXPECT_NE(run({"check", drawingFile(drawing(odd))}).status, -1);
+}
+
+TEST_F(CloudconvCheck, OfNoDrawingIsAFailure) {
+    const ProgramResult result = run({"check", drawingFile("garbage")});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.errors, "cloudconv: " + in("in.dxf").string() + ": not a DXF text\n");
+    EXPECT_EQ(run({"check", in("in.dxf"), "--distance", "-1"}).status, 2);
+}
+
+TEST_F(CloudconvFiles, HelpOfEveryCommandShowsAnExample) {
+    for (const char* command : {"convert", "info", "check"}) {
+        const ProgramResult result = run({command, "--help"});
+        EXPECT_EQ(result.status, 0);
+        EXPECT_THAT(result.output, HasSubstr("\n  cloudconv " + std::string(command) + ' '));
+    }
+}
+
+} // namespace

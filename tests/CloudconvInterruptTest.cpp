@@ -1,0 +1,193 @@
+// What Ctrl-C leaves behind, and what a terminal sees meanwhile.
+
+#include "tests/support/CloudconvFixture.h"
+#include "tools/cloudconv/Interrupt.h"
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <stdlib.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <csignal>
+#include <thread>
+
+namespace {
+
+namespace fs = std::filesystem;
+using ::testing::HasSubstr;
+
+/// Runs a function in a child, and tells how the child ended.
+int statusOfChild(const std::function<void()>& function) {
+    const pid_t child = fork();
+    if (child == 0) {
+        function();
+        _exit(0);
+    }
+    int status = 0;
+    EXPECT_EQ(waitpid(child, &status, 0), child);
+    return status;
+}
+
+class CloudconvInterrupt : public Cloudconv {
+protected:
+    /// Starts the program.
+    static pid_t start(const std::vector<std::string>& arguments,
+                       const std::function<void()>& prepare = {}) {
+        std::vector<std::string> command = toolCommand();
+        command.insert(command.end(), arguments.begin(), arguments.end());
+        std::vector<char*> pointers;
+        for (std::string& argument : command) {
+            pointers.push_back(argument.data());
+        }
+        pointers.push_back(nullptr);
+        const pid_t child = fork();
+        if (child == 0) {
+            if (prepare) {
+                prepare();
+            }
+            execvp(pointers[0], pointers.data());
+            _exit(127);
+        }
+        return child;
+    }
+
+    static int statusOf(pid_t child) {
+        int status = 0;
+        EXPECT_EQ(waitpid(child, &status, 0), child);
+        return status;
+    }
+};
+
+TEST_F(CloudconvInterrupt, RemovesTheFilesThatAreNamed) {
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        writeFile(in("temporary"), "half");
+        writeFile(in("kept"), "whole");
+        const int status = statusOfChild([&] {
+            removeFilesWhenInterrupted();
+            const RemovedWhenInterrupted temporary(in("temporary"));
+            { const RemovedWhenInterrupted noLonger(in("kept")); }
+            raise(signal);
+        });
+        EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == signal);
+        EXPECT_EQ(names(), std::vector<std::string>{"kept"});
+    }
+}
+
+TEST_F(CloudconvInterrupt, WaitsWhileItIsHeldBack) {
+    writeFile(in("temporary"), "half");
+    const int status = statusOfChild([&] {
+        removeFilesWhenInterrupted();
+        const InterruptsHeld held;
+        raise(SIGINT);
+        const RemovedWhenInterrupted temporary(in("temporary"));
+        { const InterruptsHeld released; }
+        _exit(1);
+    });
+    EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGINT);
+    EXPECT_EQ(names(), std::vector<std::string>{});
+}
+
+TEST_F(CloudconvInterrupt, ThatTheCallerIgnoresStaysIgnored) {
+    const int status = statusOfChild([&] {
+        std::signal(SIGHUP, SIG_IGN);
+        removeFilesWhenInterrupted();
+        raise(SIGHUP);
+    });
+    EXPECT_TRUE(WIFEXITED(status));
+}
+
+TEST_F(CloudconvInterrupt, AtAnyMomentLeavesNoHalfFile) {
+    std::string scan = "ply\nformat ascii 1.0\nelement vertex 20000\nproperty float x\n"
+                       "property float y\nproperty float z\nend_header\n";
+    for (int i = 0; i < 20000; ++i) {
+        scan += std::to_string(i) + " 2 3\n";
+    }
+    const fs::path from = input(scan);
+    for (const char* output : {"out.ply", "out.dxf"}) {
+        ASSERT_EQ(run({from, in(output)}).status, 0);
+        const std::string whole = readFile(in(output));
+        for (int delay = 0; delay < 12; ++delay) {
+            writeFile(in(output), "old");
+            const pid_t child = start({from, in(output), "--quiet"});
+            std::this_thread::sleep_for(std::chrono::milliseconds(5 * delay));
+            kill(child, SIGINT);
+            statusOf(child);
+            const std::string left = readFile(in(output));
+            EXPECT_TRUE(left == "old" || left == whole) << left.size();
+            EXPECT_FALSE(fs::exists("/var/tmp/melgrav/tarnowell3/temp_dxf_files/tmp" +
+                                    std::to_string(child) + ".dxf"));
+        }
+        fs::remove(in(output));
+        EXPECT_EQ(names(), std::vector<std::string>{"in.ply"});
+    }
+}
+
+/// The program's standard error as a terminal that is read from.
+class Terminal {
+public:
+    Terminal() : m_descriptor(posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC)) {
+        EXPECT_EQ(grantpt(m_descriptor), 0);
+        EXPECT_EQ(unlockpt(m_descriptor), 0);
+        // Held open, so that what the program wrote can be read after its end.
+        m_other = open(ptsname(m_descriptor), O_RDWR | O_NOCTTY | O_CLOEXEC);
+    }
+    ~Terminal() {
+        close(m_other);
+        close(m_descriptor);
+    }
+    Terminal(const Terminal&) = delete;
+    Terminal& operator=(const Terminal&) = delete;
+
+    void becomeStandardError() const { dup2(m_other, STDERR_FILENO); }
+
+    std::string text() const {
+        std::string all(65536, '\0');
+        fcntl(m_descriptor, F_SETFL, O_NONBLOCK);
+        const ssize_t count = read(m_descriptor, all.data(), all.size());
+        all.resize(count > 0 ? static_cast<std::size_t>(count) : 0);
+        return all;
+    }
+
+private:
+    int m_descriptor;
+    int m_other;
+};
+
+class CloudconvProgress : public CloudconvInterrupt {
+protected:
+    /// What a terminal shows of a conversion whose input takes a while.
+    std::string shownWith(const std::vector<std::string>& options) {
+        const fs::path pipe = in("pipe");
+        EXPECT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+        const Terminal terminal;
+        std::vector<std::string> arguments = {pipe, in("out.ply")};
+        arguments.insert(arguments.end(), options.begin(), options.end());
+        const pid_t child = start(arguments, [&] { terminal.becomeStandardError(); });
+        const int writer = open(pipe.c_str(), O_WRONLY | O_CLOEXEC);
+        std::this_thread::sleep_for(std::chrono::milliseconds(1500));
+        const std::string scan = "ply\nelement vertex 0\nend_header\n";
+        EXPECT_EQ(write(writer, scan.data(), scan.size()), static_cast<ssize_t>(scan.size()));
+        close(writer);
+        EXPECT_EQ(statusOf(child), 0);
+        fs::remove(pipe);
+        return terminal.text();
+    }
+};
+
+TEST_F(CloudconvProgress, IsShownOnATerminalAndGoneInTheEnd) {
+    const std::string shown = shownWith({});
+    const std::string clearedLine = "\r\x1B[K";
+    EXPECT_THAT(shown, HasSubstr(clearedLine + "reading " + in("pipe").string()));
+    // The note stands where the progress was.
+    EXPECT_THAT(shown, HasSubstr(clearedLine + "cloudconv: " + in("pipe").string() + ": note: "));
+}
+
+TEST_F(CloudconvProgress, IsNotShownWhenQuiet) {
+    EXPECT_EQ(shownWith({"--quiet"}), "");
+}
+
+} // namespace

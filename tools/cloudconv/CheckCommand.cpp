@@ -1,0 +1,71 @@
+#include "tools/cloudconv/CheckCommand.h"
+
+#include "tools/cloudconv/Check.h"
+#include "tools/cloudconv/InputFile.h"
+#include "tools/cloudconv/NearMisses.h"
+#include "tools/cloudconv/Progress.h"
+#include "tools/cloudconv/StandardError.h"
+#include "tools/cloudconv/StandardOutput.h"
+
+#include <limits>
+#include <memory>
+
+namespace {
+
+constexpr double defaultDistance = 0.1;
+
+struct CheckOptions {
+    std::string input;
+    double distance = defaultDistance;
+    bool quiet = false;
+};
+
+constexpr char footer[] =
+    R"(Lists what one must know of a drawing before a robot follows its walk:
+near misses (ends that lie more than 0.001 and at most the given distance apart),
+duplicate entities, entities too short to sample, arcs without length.
+
+Exit status: 0 nothing found, 1 could not be checked, 2 wrong usage, 3 something
+was found.
+
+Example:
+  cloudconv check drawing.dxf --distance 0.05)";
+
+ExitStatus check(const CheckOptions& options) {
+    Progress progress(options.quiet);
+    const std::string name = inputName(options.input);
+    const std::vector<unsigned char> bytes = readInputFile(options.input, progress);
+    const DxfContents drawing = readDxf(name, bytes, progress);
+    progress.begin("checking " + name);
+    const std::vector<std::string> findings = findingsOf(drawing, options.distance);
+    progress.end();
+    std::string text;
+    for (const std::string& finding : findings) {
+        text += printable(name + ": " + finding) + '\n';
+    }
+    if (findings.empty() && !options.quiet) {
+        text = printable(name) + ": nothing found\n";
+    }
+    printToStandardOutput(text);
+    return findings.empty() ? succeeded : foundSomething;
+}
+
+} // namespace
+
+void addCheckCommand(CLI::App& app, Command& chosen) {
+    const auto options = std::make_shared<CheckOptions>();
+    CLI::App& command = *app.add_subcommand("check", "List what a robot would stumble over");
+    command.footer(footer);
+    command.add_option("DRAWING", options->input, "DXF file to check; - is standard input")
+        ->required();
+    command
+        .add_option("--distance", options->distance,
+                    "ends that are this near and not joined are near misses")
+        ->capture_default_str()
+        ->check(CLI::Range(joiningDistance, std::numeric_limits<double>::max()).description(""));
+    addQuietFlag(command, options->quiet);
+    command.callback([options, &chosen] {
+        chosen.input = options->input;
+        chosen.run = [options] { return check(*options); };
+    });
+}

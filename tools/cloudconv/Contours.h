@@ -1,0 +1,33 @@
+#pragma once
+
+#include "tools/cloudconv/DxfFile.h"
+
+#include <cstddef>
+#include <vector>
+
+/// What a joined stretch of a drawing's walk is.
+enum class ContourKind {
+    /// Two ends apart from each other.
+    Open,
+    /// Returns to its start.
+    Closed,
+    /// A circle by itself, whose walk stops a step short of its start.
+    Circle,
+    /// Points of the drawing, or a line too short to have a direction.
+    Points,
+};
+
+/// A stretch of the walk: the points from `begin` up to, not including, `end`.
+struct Contour {
+    ContourKind kind;
+    std::size_t begin;
+    std::size_t end;
+    /// Of the walk along it, in drawing units; 0 for points.
+    double length;
+};
+
+/// The name of a kind: "open", "closed", "circle", "points".
+const char* nameOf(ContourKind kind);
+
+/// The contours of a drawing, in the order of its walk.
+std::vector<Contour> contoursOf(const DxfContents& drawing);

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "tools/cloudconv/Contours.h"
+
+#include <opencv2/core/types.hpp>
+
+#include <vector>
+
+/// Two ends of a drawing's walk that are near, and not joined.
+struct NearMiss {
+    cv::Point3_<double> first;
+    cv::Point3_<double> second;
+    double distance;
+};
+
+/// Ends within this distance are joined.
+constexpr double joiningDistance = 0.001;
+
+/// The near misses among the ends of open contours: for each end the nearest one that is at least
+/// the joining distance away and at most `distance`. Every pair comes once, in the order of the
+/// walk.
+std::vector<NearMiss> nearMissesOf(const DxfContents& drawing, const std::vector<Contour>& contours,
+                                   double distance);

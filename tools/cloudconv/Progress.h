@@ -1,0 +1,43 @@
+#pragma once
+
+#include <atomic>
+#include <condition_variable>
+#include <cstddef>
+#include <mutex>
+#include <string>
+#include <thread>
+
+/// Shows on standard error what the program is doing, when that is a terminal and it takes longer
+/// than a moment. One line, which is gone in the end.
+class Progress {
+public:
+    /// @param quiet  show nothing
+    explicit Progress(bool quiet);
+    ~Progress();
+    Progress(const Progress&) = delete;
+    Progress& operator=(const Progress&) = delete;
+
+    /// Begins the next piece of work.
+    ///
+    /// @param work   what is done: "reading scan.ply"
+    /// @param total  how much there is to do; 0 when that is not known
+    void begin(const std::string& work, std::size_t total = 0);
+
+    /// How much of it is done. Cheap enough for every entity.
+    void reached(std::size_t done) { m_done.store(done, std::memory_order_relaxed); }
+
+    /// Clears the line. Nothing is shown afterwards.
+    void end();
+
+private:
+    void show();
+    std::string line() const;
+
+    std::mutex m_mutex;
+    std::condition_variable m_changed;
+    std::string m_work;
+    std::size_t m_total = 0;
+    std::atomic<std::size_t> m_done = 0;
+    bool m_ended = false;
+    std::thread m_shower;
+};
