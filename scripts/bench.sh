@@ -5,19 +5,20 @@
 # --quick   three rounds instead of eleven, and drawings of 100,000 points
 # --growth  in the place of the goals: how time grows from 1,000 to 5,000,000 points
 #
-# Takes six minutes on a quiet machine, half a minute with --quick, and 8 GB of memory with
-# --growth. Leaves what was measured in build/benchmark.
+# Takes minutes. Leaves what was measured in build/benchmark.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
 rounds=11
 report=goals
 drawing_size=1000000
+scanned='|stitching-scan/100000'
 for option in "$@"; do
   case $option in
   --quick)
     rounds=3
     drawing_size=100000
+    scanned=
     ;;
   --growth) report=growth ;;
   *)
@@ -33,7 +34,7 @@ scripts/build.sh release -DCONVERTERS_BUILD_BENCHMARKS=ON converters_benchmark p
 mkdir -p build/benchmark
 if [ "$report" = goals ]; then
   size=1000000
-  filter="^(pack|(to|from)Ply.*|sampling.*)/$size\$|Dxf.*/$drawing_size\$|Ordinary|^stitching"
+  filter="^(pack|(to|from)Ply.*|sampling.*)/$size\$|Dxf.*/$drawing_size\$|Ordinary|^stitching(-scan)?/[0-9]{4,5}\$|^stitching/[0-9]{6,7}\$$scanned"
 else
   size=5000000
   rounds=2
