@@ -17,13 +17,14 @@ if [ $# -lt 1 ]; then
 fi
 seconds=$1
 shift
-declare -A format=(
-  [from_ply]=Ply [from_dxf]=Dxf [document_load]=Dxf [dxf_intake]=Dxf
-  [ply_serializer]=Cloud [extraction]=Drawing [round_trip]=Points
-)
+# The targets and the formats of their inputs.
+declare -A format
+while read -r target inputs; do
+  format[$target]=$inputs
+done < <(sed -nE 's/^converters_fuzz_target\((\w+) (\w+).*/\1 \2/p' fuzz/CMakeLists.txt)
 targets=("$@")
 if [ "${#targets[@]}" -eq 0 ]; then
-  targets=(from_ply from_dxf document_load dxf_intake ply_serializer extraction round_trip)
+  targets=("${!format[@]}")
 fi
 
 scripts/build.sh fuzz "${targets[@]/#/fuzz_}"

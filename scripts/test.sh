@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
-# scripts/test.sh [--aarch64]: installs what is missing, builds, and runs every test.
+# scripts/test.sh [--aarch64|--robustness]: installs what is missing, builds, and runs every test.
 #
 # Without an option for this machine, optimised and with sanitizers; with --aarch64 cross-built
-# for that processor and run under emulation.
+# for that processor and run under emulation; with --robustness what takes other tools:
+# scripts/robustness.sh.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -10,8 +11,12 @@ presets=(release asan)
 case ${1-} in
 '') ;;
 --aarch64) presets=(aarch64) ;;
+--robustness)
+  scripts/install-dependencies.sh
+  exec scripts/robustness.sh
+  ;;
 *)
-  echo "usage: $0 [--aarch64]" >&2
+  echo "usage: $0 [--aarch64|--robustness]" >&2
   exit 2
   ;;
 esac

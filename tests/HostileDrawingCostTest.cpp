@@ -55,6 +55,7 @@ const Pattern patterns[] = {
      }},
     {"PointsAndLinesInTurn",
      [](std::size_t size) { return repeated(size, "0\nPOINT\n0\nPOINT\n0\nLINE\n"); }},
+    {"ShortestEntities", [](std::size_t size) { return repeated(size, "0\nARC\n"); }},
     {"OneRunOfPoints", [](std::size_t size) { return repeated(size, "0\nPOINT\n"); }},
     {"OneRunOfVertices",
      [](std::size_t size) { return "0\nPOLYLINE\n" + repeated(size, "0\nVERTEX\n10\n1\n"); }},
@@ -125,7 +126,7 @@ double secondsToRead(const std::string& text) {
     return least;
 }
 
-constexpr std::size_t smallSize = 100'000;
+constexpr std::size_t smallSize = 40'000;
 constexpr std::size_t largeSize = 10 * smallSize;
 
 TEST_P(HostileDrawing, IsReadInTimeInProportionToItsSize) {

@@ -360,7 +360,8 @@ std::string Generator::drawing(int mostObjects) {
         write({0, "ENDSEC"});
         write({0, "EOF"});
     }
-    m_text.resize(m_text.size() - std::min<std::size_t>(m_text.size(), oneIn(4) ? below(40) : 0));
+    const auto cut = static_cast<std::size_t>(oneIn(4) ? below(40) : 0);
+    m_text.resize(m_text.size() - std::min(m_text.size(), cut));
     return m_text;
 }
 
