@@ -118,7 +118,16 @@ public:
         integer(cloud.height);
         integer(cloud.is_dense ? 1 : 0);
         integer(cloud.points.size());
-        bytes(cloud.points.data(), cloud.points.size() * sizeof(PointT));
+        for (const PointT& at : cloud.points) {
+            point(at);
+        }
+    }
+    void point(const pcl::PointXYZ& point) { bytes(point.data, sizeof point.data); }
+    /// With zeros for the bytes after the intensity, which PCL leaves undefined.
+    void point(const pcl::PointXYZI& point) {
+        const float rest[] = {point.intensity, 0.0F, 0.0F, 0.0F};
+        bytes(point.data, sizeof point.data);
+        bytes(rest, sizeof rest);
     }
     void messages(const CapturedLog& log) {
         for (const LogMessage& message : log.messages()) {
