@@ -9,6 +9,7 @@
 #include "dxfeditor/DXFDraw.h"
 #include "dxfeditor/DXFPointVector.h"
 #include "dxfeditor/DXFReader.h"
+#include "dxfeditor/detail/UnopenableFile.h"
 #include "universal_log_interface/universal_log_interface.h"
 
 #include <unistd.h>
@@ -57,10 +58,13 @@ bool writeAndReadBack(std::shared_ptr<DXFPointVector> points, std::vector<unsign
     std::filesystem::path path = tmpDxfPath;
     path /= "tmp" + std::to_string(getpid()) + ".dxf";
 
-    // If the file could not be created, the writer cannot either and says so.
     TransientFile file(path);
+    if (!file.isCreated()) {
+        dxfeditor::reportUnopenableFile(path.string());
+        return false;
+    }
     const std::string openPath = file.openPath().string();
-    if (file.isBlocked() || !saveDrawing(openPath, std::move(points)) || !file.isInPlace()) {
+    if (!saveDrawing(openPath, std::move(points)) || !file.isInPlace()) {
         return false;
     }
     if (!from_file(openPath, out)) {

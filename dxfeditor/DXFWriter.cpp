@@ -9,6 +9,7 @@
 #include "dxfeditor/DXFPointVector.h"
 #include "dxfeditor/DXFPolyline.h"
 #include "dxfeditor/detail/DxfFileWriter.h"
+#include "dxfeditor/detail/UnopenableFile.h"
 #include "universal_log_interface/universal_log_interface.h"
 
 #include <dxflib/dl_dxf.h>
@@ -64,6 +65,11 @@ std::string pointHead(DL_Dxf& engine, DL_Codes::version version, const DL_Attrib
 
 } // namespace
 
+void dxfeditor::reportUnopenableFile(const std::string& path) {
+    p7::deliver(p7::level_info, __LINE__, sourceFile, "save",
+                "DXFWriter: Cannot open %s for writing.", path.c_str());
+}
+
 DXFWriter::DXFWriter(const DXFDocument& document) : m_document(document) {}
 
 DXFWriter::~DXFWriter() = default;
@@ -84,8 +90,7 @@ bool DXFWriter::save(const std::string& path) {
         created->close();
     }
     if (!m_file) {
-        p7::deliver(p7::level_info, __LINE__, sourceFile, "save",
-                    "DXFWriter: Cannot open %s for writing.", path.c_str());
+        dxfeditor::reportUnopenableFile(path);
         return false;
     }
 

@@ -319,9 +319,12 @@ TEST_F(ToDxf, LeftOverThatCannotBeRemovedGivesFalseAndIsNotFollowed) {
         if (symlink(victim.c_str(), transientFile().c_str()) != 0 || setuid(nobody) != 0) {
             return notPermitted;
         }
+        const CapturedLog log;
         const bool result = converters::toDxf(Points{{1.0, 2.0, 3.0}}, m_out);
+        const bool isReported =
+            log.messages() == std::vector<LogMessage>{cannotOpenTransientFile()};
         return (result ? 1 : 0) + (m_out.empty() ? 0 : 2) +
-               (contentOf(victim) == "precious" ? 0 : 4);
+               (contentOf(victim) == "precious" ? 0 : 4) + (isReported ? 0 : 8);
     });
     if (status == notPermitted) {
         GTEST_SKIP() << "no permission to mount a file system and to become another user";

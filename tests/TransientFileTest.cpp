@@ -26,7 +26,7 @@ protected:
 TEST_F(TransientFileTest, LivesAsLongAsItsObject) {
     m_file = std::make_unique<TransientFile>(m_path);
     EXPECT_TRUE(m_file->isInPlace());
-    EXPECT_FALSE(m_file->isBlocked());
+    EXPECT_TRUE(m_file->isCreated());
     EXPECT_TRUE(std::filesystem::is_empty(m_path));
     m_file.reset();
     EXPECT_FALSE(isThere());
@@ -47,10 +47,6 @@ TEST_F(TransientFileTest, OpenPathLeadsToTheFileWhateverIsPutInItsPlace) {
     writeContent(m_file->openPath(), "text");
     EXPECT_EQ(contentOf(m_directory.file("victim")), "precious");
     EXPECT_EQ(contentOf(m_directory.file("moved")), "text");
-}
-
-TEST_F(TransientFileTest, OpenPathOfAFileThatCouldNotBeCreatedIsItsOwn) {
-    EXPECT_EQ(TransientFile(m_path / "below").openPath(), m_path / "below");
 }
 
 TEST_F(TransientFileTest, StaysWhenItIsKept) {
@@ -83,29 +79,25 @@ TEST_F(TransientFileTest, LinkToTheVeryFileAtItsPathIsNoticed) {
     EXPECT_FALSE(m_file->isInPlace());
 }
 
-TEST_F(TransientFileTest, DirectoryWithContentStaysAndDoesNotBlock) {
+TEST_F(TransientFileTest, DirectoryWithContentStays) {
     std::filesystem::create_directory(m_path);
     writeContent(m_path / "content", "precious");
     m_file = std::make_unique<TransientFile>(m_path);
+    EXPECT_FALSE(m_file->isCreated());
     EXPECT_FALSE(m_file->isInPlace());
-    EXPECT_FALSE(m_file->isBlocked()) << "opening it as a file fails harmlessly";
     m_file.reset();
     EXPECT_EQ(contentOf(m_path / "content"), "precious");
 }
 
-TEST_F(TransientFileTest, MissingDirectoryDoesNotBlock) {
-    m_file = std::make_unique<TransientFile>(m_directory.path() / "missing" / "file");
-    EXPECT_FALSE(m_file->isInPlace());
-    EXPECT_FALSE(m_file->isBlocked());
-}
-
-TEST_F(TransientFileTest, FileThatItsUserHadToCreateIsRemovedToo) {
+TEST_F(TransientFileTest, WithoutAFileOfItsOwnRemovesNothing) {
     const std::filesystem::path directory = m_directory.path() / "late";
     m_file = std::make_unique<TransientFile>(directory / "file");
+    EXPECT_FALSE(m_file->isCreated());
+    EXPECT_FALSE(m_file->isInPlace());
     std::filesystem::create_directory(directory);
-    writeContent(directory / "file", "drawing");
+    writeContent(directory / "file", "precious");
     m_file.reset();
-    EXPECT_TRUE(std::filesystem::is_empty(directory));
+    EXPECT_EQ(contentOf(directory / "file"), "precious");
 }
 
 } // namespace

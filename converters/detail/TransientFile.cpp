@@ -10,33 +10,19 @@
 
 namespace converters {
 
-namespace {
-
-bool isOccupied(const std::filesystem::path& path) {
-    std::error_code unknown;
-    const std::filesystem::file_status status = std::filesystem::symlink_status(path, unknown);
-    return std::filesystem::exists(status) && !std::filesystem::is_directory(status);
-}
-
-} // namespace
-
 TransientFile::TransientFile(std::filesystem::path path) : m_path(std::move(path)) {
     std::error_code ignored;
     std::filesystem::remove(m_path, ignored);
     m_descriptor = ::open(m_path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC,
                           S_IRUSR | S_IWUSR);
-    m_blocked = m_descriptor < 0 && isOccupied(m_path);
 }
 
 TransientFile::~TransientFile() {
-    // Without a file of its own, a path that was free can only hold what the user of this object
-    // has put there.
-    const bool isOwn = m_descriptor < 0 ? !m_blocked : isInPlace();
-    if (isOwn && !m_kept) {
+    if (!m_kept && isInPlace()) {
         std::error_code ignored;
         std::filesystem::remove(m_path, ignored);
     }
-    if (m_descriptor >= 0) {
+    if (isCreated()) {
         ::close(m_descriptor);
     }
 }
@@ -44,7 +30,7 @@ TransientFile::~TransientFile() {
 bool TransientFile::isInPlace() const {
     struct stat created = {};
     struct stat found = {};
-    return m_descriptor >= 0 && ::fstat(m_descriptor, &created) == 0 &&
+    return isCreated() && ::fstat(m_descriptor, &created) == 0 &&
            ::lstat(m_path.c_str(), &found) == 0 && created.st_dev == found.st_dev &&
            created.st_ino == found.st_ino;
 }
@@ -52,7 +38,7 @@ bool TransientFile::isInPlace() const {
 std::filesystem::path TransientFile::openPath() const {
     const std::filesystem::path handle = "/proc/self/fd/" + std::to_string(m_descriptor);
     std::error_code unknown;
-    return m_descriptor >= 0 && std::filesystem::exists(handle, unknown) ? handle : m_path;
+    return std::filesystem::exists(handle, unknown) ? handle : m_path;
 }
 
 void TransientFile::remove() {

@@ -11,7 +11,7 @@ namespace converters {
 /// The file is held open meanwhile, so that it can be told from another one put at its path.
 class TransientFile {
 public:
-    /// Creates the file; see isInPlace() for whether that worked.
+    /// Creates the file; see isCreated() for whether that worked.
     explicit TransientFile(std::filesystem::path path);
     /// Removes the file from its path, if it is still there, unless keep() was called.
     ~TransientFile();
@@ -21,13 +21,13 @@ public:
     /// True while the path leads to the very file that was created.
     bool isInPlace() const;
 
-    /// True when something that opening the path could harm or follow was left in place: anything
-    /// but a directory.
-    bool isBlocked() const { return m_blocked; }
+    /// False when the file could not be created. Its path must not be opened then: somebody else
+    /// may put a link there at any moment.
+    bool isCreated() const { return m_descriptor >= 0; }
 
     /// A path by which to open the very file, whatever is put at its own path meanwhile: nobody can
-    /// have it opened in another's place. The file's own path when it could not be created, or
-    /// where there is no /proc.
+    /// have it opened in another's place. The file's own path where there is no /proc.
+    /// Only for a file that was created.
     std::filesystem::path openPath() const;
 
     /// Leaves the file where it is.
@@ -40,7 +40,6 @@ public:
 private:
     std::filesystem::path m_path;
     int m_descriptor;
-    bool m_blocked = false;
     bool m_kept = false;
 };
 
