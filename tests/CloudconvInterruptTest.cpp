@@ -6,6 +6,7 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <poll.h>
 #include <stdlib.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -144,6 +145,12 @@ public:
 
     void becomeStandardError() const { dup2(m_other, STDERR_FILENO); }
 
+    /// Waits up to a minute for the program to write something.
+    void awaitText() const {
+        pollfd waiting = {m_descriptor, POLLIN, 0};
+        poll(&waiting, 1, 60'000);
+    }
+
     std::string text() const {
         std::string all(65536, '\0');
         fcntl(m_descriptor, F_SETFL, O_NONBLOCK);
@@ -159,8 +166,9 @@ private:
 
 class CloudconvProgress : public CloudconvInterrupt {
 protected:
-    /// What a terminal shows of a conversion whose input takes a while.
-    std::string shownWith(const std::vector<std::string>& options) {
+    /// What a terminal shows of a conversion whose input comes after `delay`.
+    std::string shownWith(const std::vector<std::string>& options,
+                          const std::function<void(const Terminal&)>& delay) {
         const fs::path pipe = in("pipe");
         EXPECT_EQ(mkfifo(pipe.c_str(), 0600), 0);
         const Terminal terminal;
@@ -168,7 +176,7 @@ protected:
         arguments.insert(arguments.end(), options.begin(), options.end());
         const pid_t child = start(arguments, [&] { terminal.becomeStandardError(); });
         const int writer = open(pipe.c_str(), O_WRONLY | O_CLOEXEC);
-        std::this_thread::sleep_for(std::chrono::milliseconds(1500));
+        delay(terminal);
         const std::string scan = "ply\nelement vertex 0\nend_header\n";
         EXPECT_EQ(write(writer, scan.data(), scan.size()), static_cast<ssize_t>(scan.size()));
         close(writer);
@@ -179,7 +187,7 @@ protected:
 };
 
 TEST_F(CloudconvProgress, IsShownOnATerminalAndGoneInTheEnd) {
-    const std::string shown = shownWith({});
+    const std::string shown = shownWith({}, [](const Terminal& terminal) { terminal.awaitText(); });
     const std::string clearedLine = "\r\x1B[K";
     EXPECT_THAT(shown, HasSubstr(clearedLine + "reading " + in("pipe").string()));
     // The note stands where the progress was.
@@ -187,7 +195,11 @@ TEST_F(CloudconvProgress, IsShownOnATerminalAndGoneInTheEnd) {
 }
 
 TEST_F(CloudconvProgress, IsNotShownWhenQuiet) {
-    EXPECT_EQ(shownWith({"--quiet"}), "");
+    EXPECT_EQ(shownWith({"--quiet"},
+                        [](const Terminal&) {
+                            std::this_thread::sleep_for(std::chrono::milliseconds(1500));
+                        }),
+              "");
 }
 
 } // namespace

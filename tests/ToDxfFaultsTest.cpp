@@ -132,7 +132,7 @@ TEST(ToDxfFaults, FileThatIsReplacedAllTheTimeIsNeitherFollowedNorWaitedFor) {
     ASSERT_TRUE(converters::toDxf(points, expected));
     writeContent(victim, "precious");
     const int status = inChildProcess([&] {
-        alarm(120); // a file that is waited for ends the test
+        alarm(500); // a file that is waited for ends the test
         const Replacer replacer(transientFile(getpid()), victim);
         for (int i = 0; i < 2000; ++i) {
             Bytes out = {1, 2, 3};
@@ -191,13 +191,18 @@ TEST(ToDxfFaults, NextProcessOfTheSameIdWorksWhereverTheLastOneWasKilled) {
             if (unshare(CLONE_NEWPID) != 0) {
                 _exit(notPermitted);
             }
+            int begun[2] = {};
+            static_cast<void>(pipe(begun) == 0);
             const pid_t child = fork();
             if (child == 0) {
+                static_cast<void>(write(begun[1], "", 1) == 1);
                 for (;;) {
                     Bytes out;
                     converters::toDxf(points, out);
                 }
             }
+            char byte = 0;
+            static_cast<void>(read(begun[0], &byte, 1) == 1);
             usleep(static_cast<useconds_t>(1000 + random() % 30'000));
             kill(child, SIGKILL);
             waitpid(child, nullptr, 0);
