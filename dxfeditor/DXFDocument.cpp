@@ -110,8 +110,8 @@ std::vector<cv::Point3_<double>> DXFDocument::getPoints(std::vector<DXFContour>&
 }
 
 std::vector<cv::Point3_<double>> DXFDocument::walk(std::vector<DXFContour>* contours) const {
-    const std::vector<dxfeditor::Run> runs = dxfeditor::runsOf(m_entities);
+    auto [runs, ends] = dxfeditor::runsOf(m_entities);
     std::vector<cv::Point3_<double>> points = dxfeditor::roomFor(runs);
-    dxfeditor::append(dxfeditor::stitch(runs), runs, points, contours);
+    dxfeditor::append(dxfeditor::stitch(runs, std::move(ends)), runs, points, contours);
     return points;
 }

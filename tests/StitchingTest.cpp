@@ -172,6 +172,34 @@ TEST(StitchingTest, LargeDrawings) {
     }
 }
 
+TEST(StitchingTest, EndsNearMultiplesOfAFractionOfAUnit) {
+    // Where a search by cells of a grid would have the sides of its cells.
+    for (const double fraction : {1.0, 0.0078125, 0.015625, 0.03125}) {
+        for (const double start : {0.0, -3.0, 1e6, -1e9, 0x1p40, -0x1p40, 0x1p46}) {
+            expectPlainResult(13, 20, 100, [=](Random& random) {
+                const auto coordinate = [&] {
+                    return start + fraction * (static_cast<double>(below(random, 4)) - 2.0) +
+                           6e-4 * symmetric(random);
+                };
+                return Point(coordinate(), coordinate(), coordinate());
+            });
+        }
+    }
+}
+
+TEST(StitchingTest, ManyEndsCloseTogetherBesideContours) {
+    for (const std::size_t places : {1U, 20U, 400U}) {
+        expectPlainResult(14, 30, 300, [places](Random& random) {
+            const double place = static_cast<double>(below(random, places));
+            if (below(random, 3) == 0) {
+                return Point(place, 0.0, 0.0);
+            }
+            // Few of them meet.
+            return Point(place + 0.05 * symmetric(random), 0.0, 0.05 * symmetric(random));
+        });
+    }
+}
+
 TEST(StitchingTest, ShuffledAndFlippedLinesOfALargeDrawing) {
     Random random(10);
     std::vector<std::shared_ptr<DXFEntity>> lines;
@@ -252,6 +280,24 @@ TEST(StitchingTest, ASinglePointThatFitsIsDroppedAndTheChainEndsWhereItDid) {
     const Point step1(1.0009, 0, 0);
     const Point step2(1.0018, 0, 0);
     EXPECT_TRUE(samePoints(stitched({{step2}, {step1}, {a, b}}), {a, b, step2}));
+}
+
+TEST(StitchingTest, AClosedRunThatFitsMovesTheEndOfTheChain) {
+    // As above, with two equal ends in the place of a single point.
+    const Point step1(1.0009, 0, 0);
+    const Point step2(1.0018, 0, 0);
+    EXPECT_TRUE(samePoints(stitched({{step2}, {step1, c, step1}, {a, b}}), {a, b, c, step1}));
+}
+
+TEST(StitchingTest, ASinglePointIsAClosedContourOfItsOwn) {
+    DXFDocument document;
+    document.addEntity(run({b}));
+    document.addEntity(run({Point(infinity, 0, 0)}));
+    std::vector<DXFContour> contours;
+    document.getPoints(contours);
+    ASSERT_EQ(contours.size(), 2U);
+    EXPECT_FALSE(contours[0].closed) << "infinitely far, from itself too";
+    EXPECT_TRUE(contours[1].closed);
 }
 
 TEST(StitchingTest, AClosedContourEndsWithAnExactCopyOfItsFirstPoint) {

@@ -13,28 +13,6 @@ using Point = Run::Point;
 /// memory.
 constexpr std::size_t lookAhead = 8;
 
-void append(const Piece& piece, const std::vector<Run>& runs, std::vector<Point>& points) {
-    const Run& run = runs[piece.run];
-    switch (piece.dropped) {
-    case Dropped::Nothing:
-        run.appendTo(points, piece.direction);
-        break;
-    case Dropped::Last:
-        run.appendTo(points, piece.direction);
-        points.pop_back();
-        break;
-    case Dropped::First: {
-        // The dropped point takes the place of the one before it for a moment.
-        const Point before = points.back();
-        points.pop_back();
-        const std::size_t place = points.size();
-        run.appendTo(points, piece.direction);
-        points[place] = before;
-        break;
-    }
-    }
-}
-
 } // namespace
 
 std::vector<Point> roomFor(const std::vector<Run>& runs) {
@@ -52,23 +30,24 @@ std::vector<Point> roomFor(const std::vector<Run>& runs) {
 
 void append(const Walk& walk, const std::vector<Run>& runs, std::vector<Point>& points,
             std::vector<DXFContour>* contours) {
-    const std::size_t pieces = walk.pieces.size();
-    std::size_t piece = 0;
-    for (const Chain& chain : walk.chains) {
-        const std::size_t start = points.size();
-        for (; piece < chain.piecesEnd; ++piece) {
-            if (piece + 2 * lookAhead < pieces) {
-                __builtin_prefetch(&runs[walk.pieces[piece + 2 * lookAhead].run]);
-                runs[walk.pieces[piece + lookAhead].run].prefetch();
-            }
-            append(walk.pieces[piece], runs, points);
+    std::size_t start = points.size();
+    for (std::size_t i = 0; i < walk.size(); ++i) {
+        if (i + 2 * lookAhead < walk.size()) {
+            __builtin_prefetch(&runs[walk[i + 2 * lookAhead].run]);
+            runs[walk[i + lookAhead].run].prefetch();
         }
-        if (chain.closed) {
+        const Piece& piece = walk[i];
+        runs[piece.run].appendTo(points, piece.direction, piece.dropped);
+        if (!piece.endsChain) {
+            continue;
+        }
+        if (piece.closesChain) {
             points.back() = points[start];
         }
         if (contours != nullptr) {
-            contours->push_back({start, points.size(), chain.closed});
+            contours->push_back({start, points.size(), piece.closesChain});
         }
+        start = points.size();
     }
 }
 

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
-#include <new>
+#include <utility>
 
 namespace dxfeditor {
 
@@ -11,10 +11,6 @@ namespace {
 using Point = Run::Point;
 
 constexpr std::size_t endsPerLeaf = 16;
-
-bool isFinite(const Point& point) {
-    return std::isfinite(point.x) && std::isfinite(point.y) && std::isfinite(point.z);
-}
 
 Point lowerCorner(const Point& a, const Point& b) {
     return {std::min(a.x, b.x), std::min(a.y, b.y), std::min(a.z, b.z)};
@@ -100,61 +96,22 @@ std::size_t siblingOf(std::size_t node) {
 
 } // namespace
 
-RunEndTree::RunEndTree(const std::vector<Run>& runs) : m_removed(runs.size()) {
-    if (runs.size() > maximumRuns) {
-        throw std::bad_alloc();
-    }
-    collectEnds(runs);
+RunEndTree::RunEndTree(std::vector<End> ends) : m_ends(std::move(ends)) {
     std::size_t leaves = 1;
-    while (leaves * endsPerLeaf < m_searchable) {
+    while (leaves * endsPerLeaf < m_ends.size()) {
         leaves *= 2;
     }
     m_nodes.resize(2 * leaves - 1);
     build(0, 0, leaves * endsPerLeaf);
-    for (std::size_t leaf = 0; leaf * endsPerLeaf < m_searchable; ++leaf) {
+    for (std::size_t leaf = 0; leaf * endsPerLeaf < m_ends.size(); ++leaf) {
         findLevelsInReach(leaf);
-    }
-    m_places.resize(2 * runs.size());
-    findPlaces();
-}
-
-void RunEndTree::collectEnds(const std::vector<Run>& runs) {
-    m_ends.reserve(2 * runs.size());
-    EndNumber number = 0;
-    for (const Run& run : runs) {
-        const auto [first, last] = run.ends();
-        m_ends.push_back({first, number, none});
-        if (run.size() > 1) {
-            m_ends.push_back({last, number + 1, none});
-        }
-        number += 2;
-    }
-    const auto unsearchable = std::partition(m_ends.begin(), m_ends.end(),
-                                             [](const End& end) { return isFinite(end.point); });
-    m_searchable = static_cast<std::size_t>(unsearchable - m_ends.begin());
-}
-
-/// Notes where the ends have come to lie.
-void RunEndTree::findPlaces() {
-    std::fill(m_places.begin(), m_places.end(), none);
-    for (std::size_t place = 0; place < m_ends.size(); ++place) {
-        m_places[m_ends[place].number] = static_cast<Place>(place);
-    }
-    for (std::size_t number = 0; number < m_places.size(); number += 2) {
-        Place& first = m_places[number];
-        Place& last = m_places[number + 1];
-        if (last == none) {
-            last = first;
-        }
-        m_ends[first].other = last;
-        m_ends[last].other = first;
     }
 }
 
 /// Puts the ends at the places [begin, begin + width) in order below `node`, as far as there are
 /// any, and fills the node.
 void RunEndTree::build(std::size_t node, std::size_t begin, std::size_t width) {
-    const std::size_t end = std::min(begin + width, m_searchable);
+    const std::size_t end = std::min(begin + width, m_ends.size());
     if (begin >= end) {
         return;
     }
@@ -190,7 +147,7 @@ void RunEndTree::findLevelsInReach(std::size_t leaf) {
     Node& box = m_nodes[node];
     for (std::uint32_t level = 1; node != 0; ++level, node = parentOf(node)) {
         const Node& other = m_nodes[siblingOf(node)];
-        if (other.lowest != none &&
+        if (other.lowest != noEnd &&
             dxfeditor::meet({gap(box.low.x, box.high.x, other.low.x, other.high.x),
                              gap(box.low.y, box.high.y, other.low.y, other.high.y),
                              gap(box.low.z, box.high.z, other.low.z, other.high.z)},
@@ -204,9 +161,7 @@ void RunEndTree::findLevelsInReach(std::size_t leaf) {
 struct RunEndTree::Search {
     const RunEndTree& tree;
     const Point point;
-    EndNumber best = none;
-    /// Where that end is, unless it is known by its number only.
-    Place place = none;
+    EndNumber best = noEnd;
 
     bool isOutOfReach(const Node& node) const {
         return !dxfeditor::meet(point, {nearest(point.x, node.low.x, node.high.x),
@@ -227,7 +182,6 @@ struct RunEndTree::Search {
         }
         if (isInReach(node)) {
             best = node.lowest;
-            place = none;
         } else if (index >= tree.leafNode(0)) {
             visitEnds(index - tree.leafNode(0));
         } else {
@@ -238,21 +192,17 @@ struct RunEndTree::Search {
 
     void visitEnds(std::size_t leaf) {
         const std::size_t begin = leaf * endsPerLeaf;
-        const std::size_t end = std::min(begin + endsPerLeaf, tree.m_searchable);
+        const std::size_t end = std::min(begin + endsPerLeaf, tree.m_ends.size());
         for (std::size_t i = begin; i < end; ++i) {
             const End& candidate = tree.m_ends[i];
             if (candidate.number < best && dxfeditor::meet(point, candidate.point)) {
                 best = candidate.number;
-                place = static_cast<Place>(i);
             }
         }
     }
 };
 
-RunEndTree::Match RunEndTree::lowestRunAt(Place end) const {
-    if (end >= m_searchable) {
-        return {};
-    }
+EndNumber RunEndTree::lowestAt(Place end) const {
     Search search{*this, m_ends[end].point};
     std::size_t node = leafNode(end / endsPerLeaf);
     search.visit(node);
@@ -260,50 +210,22 @@ RunEndTree::Match RunEndTree::lowestRunAt(Place end) const {
         search.visit(siblingOf(node));
         node = parentOf(node);
     }
-    if (search.best == none) {
-        return {};
-    }
-    const Place found = search.place != none ? search.place : m_places[search.best];
-    const Place other = m_ends[found].other;
-    const RunNumber run = search.best / 2;
-    return search.best % 2 == 0 ? Match{run, found, other} : Match{run, other, found};
-}
-
-void RunEndTree::remove(Place first, Place last) {
-    m_removed[m_ends[first].number / 2] = true;
-    removeEnd(first);
-    if (last != first) {
-        removeEnd(last);
-    }
-}
-
-void RunEndTree::prefetch(RunNumber run) const {
-    for (const Place end : {first(run), last(run)}) {
-        const std::size_t leaf = end / endsPerLeaf;
-        __builtin_prefetch(&m_ends[leaf * endsPerLeaf]);
-        __builtin_prefetch(&m_ends[end]);
-        if (end < m_searchable) {
-            __builtin_prefetch(&m_nodes[leafNode(leaf)]);
-        }
-    }
+    return search.best;
 }
 
 /// Takes an end out of its leaf, and finds the lowest ends of the leaf and of the nodes above it
 /// anew as far as they change.
-void RunEndTree::removeEnd(Place place) {
+void RunEndTree::remove(Place place) {
     const EndNumber number = m_ends[place].number;
-    m_ends[place].number = none;
-    if (place >= m_searchable) {
-        return;
-    }
+    m_ends[place].number = noEnd;
     const std::size_t leaf = place / endsPerLeaf;
     std::size_t node = leafNode(leaf);
-    if (m_nodes[node].lowest != number) {
+    if (number == noEnd || m_nodes[node].lowest != number) {
         return;
     }
     const std::size_t begin = leaf * endsPerLeaf;
-    const std::size_t end = std::min(begin + endsPerLeaf, m_searchable);
-    EndNumber lowest = none;
+    const std::size_t end = std::min(begin + endsPerLeaf, m_ends.size());
+    EndNumber lowest = noEnd;
     for (std::size_t other = begin; other < end; ++other) {
         lowest = std::min(lowest, m_ends[other].number);
     }

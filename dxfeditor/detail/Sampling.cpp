@@ -16,7 +16,8 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
-#include <optional>
+#include <type_traits>
+#include <typeinfo>
 
 namespace dxfeditor {
 
@@ -112,6 +113,12 @@ public:
           m_steps(truncatedCount(std::hypot(m_dx, m_dy) * pointsPerUnit)),
           m_inverseSteps(1.0 / m_steps) {}
 
+    /// The same without the length, which takes longer than a few points.
+    LinePoints(const Segment& segment, std::size_t size)
+        : m_startX(segment.startX), m_startY(segment.startY), m_dx(segment.endX - segment.startX),
+          m_dy(segment.endY - segment.startY), m_steps(static_cast<int>(size - 1)),
+          m_inverseSteps(1.0 / m_steps) {}
+
     std::size_t size() const { return static_cast<std::size_t>(m_steps) + 1; }
     Point operator()(std::size_t i) const {
         if (m_steps == 0) {
@@ -192,6 +199,8 @@ private:
     const std::vector<Point>& m_points;
 };
 
+// The points of an entity, by its class, and of one whose number of points is known.
+
 PolylinePoints pointsOf(const DXFPolyline& polyline) {
     return PolylinePoints(polyline);
 }
@@ -212,119 +221,169 @@ ArcPoints pointsOf(const DXFArc& arc) {
     return ArcPoints(arc);
 }
 
-LinePoints pointsOf(const DXFLine& line) {
+Segment segmentOf(const DXFLine& line) {
     const Point start = line.getP1();
     const Point end = line.getP2();
-    return LinePoints({start.x, start.y, end.x, end.y});
+    return {start.x, start.y, end.x, end.y};
+}
+
+LinePoints pointsOf(const DXFLine& line) {
+    return LinePoints(segmentOf(line));
 }
 
 SplinePoints pointsOf(const DXFSpline& spline) {
     return SplinePoints(spline);
 }
 
-template <typename Sequence>
-std::pair<Point, Point> endsOf(Sequence sequence) {
-    const Point first = sequence(0);
-    return {first, sequence(sequence.size() - 1)};
+template <typename Entity>
+auto pointsOf(const Entity& entity, std::size_t) {
+    return pointsOf(entity);
 }
 
-std::pair<Point, Point> endsOf(const PolylinePoints& polyline) {
-    return {endsOf(LinePoints(polyline.pieces().front())).first,
-            endsOf(LinePoints(polyline.pieces().back())).second};
+LinePoints pointsOf(const DXFLine& line, std::size_t size) {
+    return LinePoints(segmentOf(line), size);
 }
 
 template <typename Sequence>
-void append(Sequence sequence, Direction direction, std::vector<Point>& points) {
+Point firstOf(Sequence& sequence, std::size_t) {
+    return sequence(0);
+}
+template <typename Sequence>
+Point lastOf(Sequence& sequence, std::size_t size) {
+    return sequence(size - 1);
+}
+
+Point firstOf(PolylinePoints& polyline, std::size_t) {
+    return LinePoints(polyline.pieces().front())(0);
+}
+Point lastOf(PolylinePoints& polyline, std::size_t) {
+    const LinePoints piece(polyline.pieces().back());
+    return piece(piece.size() - 1);
+}
+
+/// What of a run of points is wanted, in its own direction.
+struct Part {
+    Direction direction;
+    bool withoutFront;
+    bool withoutBack;
+};
+
+template <typename Sequence>
+void append(Sequence sequence, std::size_t size, const Part& part, std::vector<Point>& points) {
     // By coordinates, which stay in registers: a point as a whole would go through memory, written
     // in parts and read at once, for which processors wait.
     const auto append = [&](const Point& point) { points.emplace_back(point.x, point.y, point.z); };
-    const std::size_t size = sequence.size();
-    if (direction == Direction::Forwards) {
-        for (std::size_t i = 0; i < size; ++i) {
+    const std::size_t begin = part.withoutFront ? 1 : 0;
+    const std::size_t end = part.withoutBack ? size - 1 : size;
+    if (part.direction == Direction::Forwards) {
+        for (std::size_t i = begin; i < end; ++i) {
             append(sequence(i));
         }
     } else {
-        for (std::size_t i = size; i > 0; --i) {
+        for (std::size_t i = end; i > begin; --i) {
             append(sequence(i - 1));
         }
     }
 }
 
-void append(const PolylinePoints& polyline, Direction direction, std::vector<Point>& points) {
+void append(const PolylinePoints& polyline, std::size_t, const Part& part,
+            std::vector<Point>& points) {
     const std::vector<Segment>& pieces = polyline.pieces();
-    if (direction == Direction::Forwards) {
-        for (auto piece = pieces.begin(); piece != pieces.end(); ++piece) {
-            append(LinePoints(*piece), direction, points);
-        }
+    const auto appendPiece = [&](const Segment& piece) {
+        const LinePoints line(piece);
+        append(line, line.size(),
+               {part.direction, part.withoutFront && &piece == &pieces.front(),
+                part.withoutBack && &piece == &pieces.back()},
+               points);
+    };
+    if (part.direction == Direction::Forwards) {
+        std::for_each(pieces.begin(), pieces.end(), appendPiece);
     } else {
-        for (auto piece = pieces.rbegin(); piece != pieces.rend(); ++piece) {
-            append(LinePoints(*piece), direction, points);
-        }
+        std::for_each(pieces.rbegin(), pieces.rend(), appendPiece);
     }
 }
 
-/// The entity as the class that its type code names, if it is of that class.
-template <typename Kind>
-std::optional<Run> runOf(const DXFEntity& entity) {
-    const auto* const shape = dynamic_cast<const Kind*>(&entity);
-    return shape != nullptr ? std::optional<Run>(shape) : std::nullopt;
-}
-
-std::optional<Run> runOf(const DXFEntity& entity) {
-    switch (entity.type()) {
+/// Hands an empty pointer to the class that the code names to the visitor.
+template <typename Visitor>
+auto visitKind(int kind, Visitor visitor) {
+    switch (kind) {
     case DXFEntityType::Polyline:
-        return runOf<DXFPolyline>(entity);
+        return visitor(static_cast<const DXFPolyline*>(nullptr));
     case DXFEntityType::Point:
-        return runOf<DXFPoint>(entity);
+        return visitor(static_cast<const DXFPoint*>(nullptr));
     case DXFEntityType::PointVector:
-        return runOf<DXFPointVector>(entity);
+        return visitor(static_cast<const DXFPointVector*>(nullptr));
     case DXFEntityType::Circle:
-        return runOf<DXFCircle>(entity);
+        return visitor(static_cast<const DXFCircle*>(nullptr));
     case DXFEntityType::Arc:
-        return runOf<DXFArc>(entity);
+        return visitor(static_cast<const DXFArc*>(nullptr));
     case DXFEntityType::Line:
-        return runOf<DXFLine>(entity);
-    case DXFEntityType::Spline:
-        return runOf<DXFSpline>(entity);
+        return visitor(static_cast<const DXFLine*>(nullptr));
     default:
-        return std::nullopt;
+        return visitor(static_cast<const DXFSpline*>(nullptr));
     }
+}
+
+/// Hands an entity to the visitor as the class that the code names, which it has to be of.
+template <typename Visitor>
+auto visit(const DXFEntity& entity, int kind, Visitor visitor) {
+    return visitKind(kind, [&](auto kindOfEntity) {
+        return visitor(static_cast<decltype(*kindOfEntity)>(entity));
+    });
+}
+
+/// Whether the entity is of the class that the code names.
+bool isOfKind(const DXFEntity& entity, int kind) {
+    if (kind < DXFEntityType::Polyline || kind > DXFEntityType::Spline) {
+        return false;
+    }
+    return visitKind(kind, [&](auto named) {
+        // Nearly all entities are of the very class, which is told much faster.
+        return typeid(entity) == typeid(std::remove_pointer_t<decltype(named)>) ||
+               dynamic_cast<decltype(named)>(&entity) != nullptr;
+    });
+}
+
+void append(const DXFEntity& entity, Runs& runs) {
+    const int kind = entity.type();
+    if (!isOfKind(entity, kind)) {
+        return;
+    }
+    visit(entity, kind, [&](const auto& shape) {
+        auto points = pointsOf(shape);
+        if (const std::size_t size = points.size(); size > 0) {
+            runs.runs.emplace_back(entity, kind, size);
+            runs.ends.push_back(firstOf(points, size));
+            runs.ends.push_back(lastOf(points, size));
+        }
+    });
 }
 
 } // namespace
 
-Run::Run(Shape shape)
-    : m_shape(shape),
-      m_size(std::visit([](const auto* entity) { return pointsOf(*entity).size(); }, shape)) {}
-
-std::pair<Point, Point> Run::ends() const {
-    return std::visit([](const auto* entity) { return endsOf(pointsOf(*entity)); }, m_shape);
-}
-
 void Run::prefetch() const {
-    std::visit(
-        [](const auto* entity) {
-            const char* const begin = reinterpret_cast<const char*>(entity);
-            __builtin_prefetch(begin);
-            __builtin_prefetch(begin + sizeof *entity - 1);
-        },
-        m_shape);
+    visit(*m_entity, m_kind, [](const auto& entity) {
+        const char* const begin = reinterpret_cast<const char*>(&entity);
+        __builtin_prefetch(begin);
+        __builtin_prefetch(begin + sizeof entity - 1);
+    });
 }
 
-void Run::appendTo(std::vector<Point>& points, Direction direction) const {
-    std::visit([&](const auto* entity) { append(pointsOf(*entity), direction, points); }, m_shape);
+void Run::appendTo(std::vector<Point>& points, Direction direction, Dropped dropped) const {
+    const bool isReversed = direction == Direction::Backwards;
+    const Part part = {direction, dropped == (isReversed ? Dropped::Last : Dropped::First),
+                       dropped == (isReversed ? Dropped::First : Dropped::Last)};
+    visit(*m_entity, m_kind,
+          [&](const auto& entity) { append(pointsOf(entity, m_size), m_size, part, points); });
 }
 
-std::vector<Run> runsOf(const std::list<std::shared_ptr<DXFEntity>>& entities) {
-    std::vector<Run> runs;
-    runs.reserve(entities.size());
+Runs runsOf(const std::list<std::shared_ptr<DXFEntity>>& entities) {
+    Runs runs;
+    runs.runs.reserve(entities.size());
+    runs.ends.reserve(2 * entities.size());
     for (const std::shared_ptr<DXFEntity>& entity : entities) {
-        if (entity == nullptr) {
-            continue;
-        }
-        const std::optional<Run> run = runOf(*entity);
-        if (run.has_value() && run->size() > 0) {
-            runs.push_back(*run);
+        if (entity != nullptr) {
+            append(*entity, runs);
         }
     }
     return runs;

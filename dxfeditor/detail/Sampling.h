@@ -3,25 +3,21 @@
 #include <opencv2/core/types.hpp>
 
 #include <cstddef>
+#include <cstdint>
 #include <list>
 #include <memory>
-#include <utility>
-#include <variant>
 #include <vector>
 
-class DXFArc;
-class DXFCircle;
 class DXFEntity;
-class DXFLine;
-class DXFPoint;
-class DXFPointVector;
-class DXFPolyline;
-class DXFSpline;
 
 namespace dxfeditor {
 
 /// The direction in which the points of a run are walked.
 enum class Direction : bool { Forwards, Backwards };
+
+/// Which point of a run is left out because the walk has it already, where the run joins others:
+/// the first or the last in the direction of the walk.
+enum class Dropped : std::uint8_t { Nothing, First, Last };
 
 /// One entity as a run of points, about ten per drawing unit, with (x, 0, y) for a point (x, y) of
 /// the drawing plane.
@@ -34,33 +30,38 @@ enum class Direction : bool { Forwards, Backwards };
 class Run {
 public:
     using Point = cv::Point3_<double>;
-    using Shape = std::variant<const DXFPolyline*, const DXFPoint*, const DXFPointVector*,
-                               const DXFCircle*, const DXFArc*, const DXFLine*, const DXFSpline*>;
 
-    explicit Run(Shape shape);
+    /// @param kind  one of DXFEntityType; the entity is of the class that it names
+    /// @param size  number of points
+    Run(const DXFEntity& entity, int kind, std::size_t size)
+        : m_entity(&entity), m_kind(static_cast<unsigned char>(kind)), m_size(size & mostPoints) {}
 
     /// Number of points.
     std::size_t size() const { return m_size; }
 
-    /// The first and the last point of a run that is not empty, the same to the bit as appendTo()
-    /// gives them.
-    std::pair<Point, Point> ends() const;
-
     /// Asks the processor to fetch the entity, for an appendTo() some runs later.
     void prefetch() const;
 
-    /// Appends all points of the run.
-    void appendTo(std::vector<Point>& points, Direction direction) const;
+    /// Appends all points of the run but the dropped one.
+    void appendTo(std::vector<Point>& points, Direction direction, Dropped dropped) const;
 
 private:
-    Shape m_shape;
-    std::size_t m_size;
+    static constexpr std::uint64_t mostPoints = (std::uint64_t{1} << 56) - 1;
+
+    const DXFEntity* m_entity;
+    std::uint64_t m_kind : 8;
+    std::uint64_t m_size : 56;
 };
 
 /// The runs of a drawing, in the order of its entities.
-///
+struct Runs {
+    std::vector<Run> runs;
+    /// The first and the last point of each run, the same to the bit as Run::appendTo gives them.
+    std::vector<Run::Point> ends;
+};
+
 /// An entity that is empty, that is of none of the known kinds or not of the class that its type
 /// code names, or that has no points gives no run.
-std::vector<Run> runsOf(const std::list<std::shared_ptr<DXFEntity>>& entities);
+Runs runsOf(const std::list<std::shared_ptr<DXFEntity>>& entities);
 
 } // namespace dxfeditor

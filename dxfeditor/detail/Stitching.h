@@ -1,38 +1,25 @@
 #pragma once
 
+#include "dxfeditor/detail/RunEnds.h"
 #include "dxfeditor/detail/Sampling.h"
 
-#include <cstddef>
-#include <cstdint>
 #include <vector>
 
 namespace dxfeditor {
 
-/// Which point of a run is left out because the walk has it already, where the run joins others.
-enum class Dropped : std::uint8_t { Nothing, First, Last };
-
 /// A run as a part of a walk.
 struct Piece {
-    std::uint32_t run;
+    RunNumber run;
     Direction direction;
-    /// First or last in the direction of the walk.
     Dropped dropped;
-};
-
-/// Pieces joined end to end.
-struct Chain {
-    /// Its pieces end before this place in Walk::pieces, and begin where those of the chain before
-    /// it end.
-    std::size_t piecesEnd;
-    /// Whether its ends meet.
-    bool closed;
+    /// Whether it is the last piece of a chain of pieces joined end to end, and whether the ends of
+    /// that chain meet.
+    bool endsChain;
+    bool closesChain;
 };
 
 /// The order in which the runs of a drawing are walked.
-struct Walk {
-    std::vector<Piece> pieces;
-    std::vector<Chain> chains;
-};
+using Walk = std::vector<Piece>;
 
 /// Joins runs whose ends lie within 0.001 of each other, so that a contour drawn in pieces, in any
 /// order and direction, becomes one walk.
@@ -51,7 +38,9 @@ struct Walk {
 /// Example: the runs A from (0, 0) to (1, 0) and B from (0, 0) to (0, 1) become the chain of A
 /// backwards and B, since B, the later one, is the chain that A is put in front of.
 ///
-/// The cost grows as n log n with the number of runs.
-Walk stitch(const std::vector<Run>& runs);
+/// The cost grows with the number of runs, and as n log n where more than two ends meet.
+///
+/// @param ends  the first and the last point of each run
+Walk stitch(const std::vector<Run>& runs, std::vector<Run::Point> ends);
 
 } // namespace dxfeditor

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "dxfeditor/detail/RunEnds.h"
+
+#include <vector>
+
+namespace dxfeditor {
+
+/// Stands for all that an end meets, where that is not at most one other end.
+constexpr EndNumber crowd = 0x80000000;
+
+/// What each end meets: no end; one other end, which meets no third; or a crowd. What an end of a
+/// crowd meets is of a crowd too, but two crowded ends need not meet.
+///
+/// In most drawings two lines meet in a corner, and nothing else does. Such pairs need no search
+/// when the runs are joined. A crowd costs more, but is never wrong: any end may be called crowded
+/// as long as all that it meets are.
+///
+/// The ends are put into the cells of a grid of some fifteen times the tolerance, and compared with
+/// those in the same cell and, near its sides, in the next ones. A cell that gets too full becomes
+/// a crowd as a whole, so that the cost grows with the number of ends only, wherever they lie.
+///
+/// @param ends  the first and the last end of each run. Those of a run of one point are two equal
+///              ends, which is no different: what it meets is a crowd, else they are a pair.
+std::vector<EndNumber> pairEnds(const std::vector<Run::Point>& ends);
+
+} // namespace dxfeditor
