@@ -1,13 +1,15 @@
 #!/usr/bin/env bash
 # scripts/fuzz.sh SECONDS [TARGET...]: runs each fuzz target (or those named: from_ply, from_dxf...)
-# for this long, two at a time (FUZZ_JOBS=N: N at a time).
+# for this long, two at a time (FUZZ_JOBS=N: N at a time). FUZZ_SEED=N makes the same changes to
+# inputs as the last run with that number; without, every run makes others.
 #
 # What a target learns stays in build/fuzz/corpus/TARGET for the next run; what it finds is in
 # build/fuzz/findings/TARGET, and its output in build/fuzz/TARGET.log. Fails when any finds
 # something.
 #
 # An input is a hang when it takes longer than a second, without sanitizers. They make targets up
-# to ten times slower, and targets do more than the library, so here it is ten seconds.
+# to ten times slower, and targets do more than the library, perhaps on a busy machine, so here it is
+# thirty seconds.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -42,9 +44,9 @@ run() {
     seeds+=("fuzz/regressions/$target")
   fi
   # Memory: what the library may take for 64 KiB, and as much again for the sanitizers.
-  if "build/fuzz/fuzz/fuzz_$target" -max_total_time="$seconds" -max_len=65536 -timeout=10 \
-    -rss_limit_mb=1024 -print_final_stats=1 "${dictionary[@]}" -artifact_prefix="$findings/" \
-    "$learnt" "${seeds[@]}" >"build/fuzz/$target.log" 2>&1; then
+  if "build/fuzz/fuzz/fuzz_$target" -max_total_time="$seconds" -max_len=65536 -timeout=30 \
+    -rss_limit_mb=1024 -seed="${FUZZ_SEED:-0}" -print_final_stats=1 "${dictionary[@]}" \
+    -artifact_prefix="$findings/" "$learnt" "${seeds[@]}" >"build/fuzz/$target.log" 2>&1; then
     echo "$target: $(grep -oE 'cov: [0-9]+' "build/fuzz/$target.log" | tail -n 1)," \
       "$(grep number_of_executed_units "build/fuzz/$target.log" | grep -oE '[0-9]+') inputs"
   else

@@ -10,7 +10,7 @@ packages=(
   libpcl-dev libdxflib-dev libopencv-core-dev libeigen3-dev libboost-filesystem-dev libspdlog-dev
   libcli11-dev nlohmann-json3-dev
   # to test
-  libgtest-dev libgmock-dev clang clang-format-14 valgrind
+  libgtest-dev libgmock-dev clang libclang-rt-14-dev clang-format-14 valgrind
   gdal-bin python3-ezdxf
   doxygen
   # to build and test the Python package
