@@ -617,7 +617,7 @@ TEST(DxfReaderHazards, ExtendedDataIsDropped) {
 
 // Files.
 
-class DxfFile : public DxfReaderHazards {
+class DxfFile : public testing::Test {
 protected:
     std::string write(const std::string& text) const {
         const std::string path = directory.file("drawing.dxf");
