@@ -8,7 +8,7 @@ packages=(
   # to build
   g++ cmake ninja-build git
   libpcl-dev libdxflib-dev libopencv-core-dev libeigen3-dev libboost-filesystem-dev libspdlog-dev
-  libcli11-dev nlohmann-json3-dev
+  libcli11-dev nlohmann-json3-dev libcairo2-dev fonts-dejavu-core
   # to test
   libgtest-dev libgmock-dev clang libclang-rt-14-dev clang-format-14 valgrind
   gdal-bin python3-ezdxf
@@ -22,7 +22,7 @@ packages=(
 aarch64_packages=(
   g++-aarch64-linux-gnu qemu-user
   libpcl-common1.13:arm64 libdxflib-dev:arm64 libboost-filesystem1.74-dev:arm64
-  libspdlog-dev:arm64 libgtest-dev:arm64 libgmock-dev:arm64
+  libspdlog-dev:arm64 libcairo2:arm64 libgtest-dev:arm64 libgmock-dev:arm64
 )
 bench_packages=(libbenchmark-dev libvtk9-dev libboost-iostreams-dev)
 

@@ -254,8 +254,44 @@ TEST_F(CloudconvCheck, OfNoDrawingIsAFailure) {
     EXPECT_EQ(run({"check", in("in.dxf"), "--distance", "-1"}).status, 2);
 }
 
+TEST_F(CloudconvFiles, NumbersOfAllOptionsHaveToBeNumbers) {
+    const std::string file = drawingFile(drawing(line(0, 0, 1, 0)));
+    const std::vector<std::vector<std::string>> commands = {
+        {"check", file, "--distance"},
+        {"preview", file, in("out.png"), "--distance"},
+        {"convert", file, in("out.ply"), "--intensity"},
+        {file, in("out.ply"), "--intensity"}};
+    for (const std::vector<std::string>& command : commands) {
+        for (const char* number : {"nan", "-nan", "NAN", "nan(1)", "inf", "-inf", "infinity",
+                                   "1e999", "-1e999", "text", "1x", "1,5", "", " ", "--", "1 2"}) {
+            std::vector<std::string> arguments = command;
+            arguments.back() += '=' + std::string(number);
+            ProgramResult result = run(arguments);
+            EXPECT_EQ(result.status, 2) << ::testing::PrintToString(arguments);
+            EXPECT_THAT(result.errors, HasSubstr(command[command.size() - 1]));
+            EXPECT_EQ(result.output, "");
+            arguments.back() = command.back();
+            arguments.emplace_back(number);
+            EXPECT_EQ(run(arguments).status, 2) << ::testing::PrintToString(arguments);
+        }
+        EXPECT_EQ(names(), std::vector<std::string>{"in.dxf"});
+    }
+    for (const char* distance : {"-1", "0", "0.0009", "-0.1"}) {
+        EXPECT_EQ(run({"check", file, "--distance", distance}).status, 2) << distance;
+        EXPECT_EQ(run({"preview", file, in("a.svg"), "--distance", distance}).status, 2);
+    }
+    // The line's own ends are 1 apart.
+    const std::vector<std::pair<const char*, int>> statuses = {
+        {"0.001", 0}, {"+0.5", 0}, {"5", 3}, {"1e9", 3}, {"1e308", 3}};
+    for (const auto& [distance, status] : statuses) {
+        EXPECT_EQ(run({"check", file, "--distance", distance}).status, status) << distance;
+    }
+    EXPECT_EQ(run({file, in("out.ply"), "--intensity", "1e39"}).status, 2) << "no float";
+    EXPECT_EQ(run({file, in("out.ply"), "--intensity", "-3e38"}).status, 0);
+}
+
 TEST_F(CloudconvFiles, HelpOfEveryCommandShowsAnExample) {
-    for (const char* command : {"convert", "info", "check"}) {
+    for (const char* command : {"convert", "info", "check", "preview"}) {
         const ProgramResult result = run({command, "--help"});
         EXPECT_EQ(result.status, 0);
         EXPECT_THAT(result.output, HasSubstr("\n  cloudconv " + std::string(command) + ' '));

@@ -7,16 +7,13 @@
 #include "tools/cloudconv/StandardError.h"
 #include "tools/cloudconv/StandardOutput.h"
 
-#include <limits>
 #include <memory>
 
 namespace {
 
-constexpr double defaultDistance = 0.1;
-
 struct CheckOptions {
     std::string input;
-    double distance = defaultDistance;
+    double distance = defaultNearness;
     bool quiet = false;
 };
 
@@ -58,11 +55,7 @@ void addCheckCommand(CLI::App& app, Command& chosen) {
     command.footer(footer);
     command.add_option("DRAWING", options->input, "DXF file to check; - is standard input")
         ->required();
-    command
-        .add_option("--distance", options->distance,
-                    "ends that are this near and not joined are near misses")
-        ->capture_default_str()
-        ->check(CLI::Range(joiningDistance, std::numeric_limits<double>::max()).description(""));
+    addDistanceOption(command, options->distance);
     addQuietFlag(command, options->quiet);
     command.callback([options, &chosen] {
         chosen.input = options->input;

@@ -1,10 +1,38 @@
 #include "tools/cloudconv/Command.h"
 
+#include "tools/cloudconv/NearMisses.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <limits>
+
 void addFormatOption(CLI::App& command, const std::string& name, std::optional<FileFormat>& format,
                      const std::string& description) {
     CLI::CheckedTransformer known(fileFormatNames(), CLI::ignore_case);
     known.description("");
     command.add_option(name, format, description)->type_name("FORMAT")->transform(known);
+}
+
+CLI::Validator numberBetween(double least, double most) {
+    const auto whyNot = [least, most](const std::string& text) -> std::string {
+        char* end = nullptr;
+        const double number = std::strtod(text.c_str(), &end);
+        if (!text.empty() && *end == '\0' && number >= least && number <= most) {
+            return {};
+        }
+        char range[64];
+        static_cast<void>(std::snprintf(range, sizeof range, "from %g to %g", least, most));
+        return '"' + text + "\" is not a number " + range;
+    };
+    return {whyNot, ""};
+}
+
+void addDistanceOption(CLI::App& command, double& distance) {
+    command
+        .add_option("--distance", distance,
+                    "ends that are this near and not joined are near misses")
+        ->capture_default_str()
+        ->check(numberBetween(joiningDistance, std::numeric_limits<double>::max()));
 }
 
 void addQuietFlag(CLI::App& command, bool& quiet) {

@@ -29,5 +29,11 @@ struct Command {
 void addFormatOption(CLI::App& command, const std::string& name, std::optional<FileFormat>& format,
                      const std::string& description);
 
+/// Takes numbers in a range only: no text, no nan, no infinity.
+CLI::Validator numberBetween(double least, double most);
+
+/// Adds --distance: which ends are near misses.
+void addDistanceOption(CLI::App& command, double& distance);
+
 /// Adds --quiet.
 void addQuietFlag(CLI::App& command, bool& quiet);

@@ -8,7 +8,9 @@
 #include <cmath>
 #include <map>
 #include <memory>
+#include <set>
 #include <tuple>
+#include <utility>
 
 namespace {
 
@@ -30,7 +32,8 @@ double distance(const Point& a, const Point& b) {
 /// Where the entities that are contours of their own kind begin, and what tells them there.
 struct Beginnings {
     std::multimap<Place, std::shared_ptr<DXFCircle>> circles;
-    std::multimap<Place, std::size_t> vectorSizes;
+    /// With how many points there are.
+    std::set<std::pair<Place, std::size_t>> vectors;
 };
 
 Beginnings beginningsOf(const DXFDocument& document) {
@@ -46,7 +49,7 @@ Beginnings beginningsOf(const DXFDocument& document) {
             const std::vector<Point>& points = vector->points();
             const Point start(points.front().x, points.front().y, -points.front().z);
             if (hasPlace(start)) {
-                found.vectorSizes.emplace(placeOf(start), points.size());
+                found.vectors.emplace(placeOf(start), points.size());
             }
         }
     }
@@ -73,15 +76,10 @@ public:
     ContourKind kindOf(const DXFContour& contour) const {
         const Point& start = m_points[contour.begin];
         const std::size_t size = contour.end - contour.begin;
-        if (size == 1) {
+        if (size == 1 || isOfPoints(contour)) {
             return ContourKind::Points;
         }
         if (hasPlace(start)) {
-            const auto vectors = m_beginnings.vectorSizes.equal_range(placeOf(start));
-            if (std::any_of(vectors.first, vectors.second,
-                            [&](const auto& vector) { return vector.second == size; })) {
-                return ContourKind::Points;
-            }
             const auto circles = m_beginnings.circles.equal_range(placeOf(start));
             if (!contour.closed && circles.first != circles.second &&
                 goesAround(*circles.first->second, &start, &start + size)) {
@@ -89,6 +87,12 @@ public:
             }
         }
         return contour.closed ? ContourKind::Closed : ContourKind::Open;
+    }
+
+    bool isOfPoints(const DXFContour& contour) const {
+        const Point& start = m_points[contour.begin];
+        return hasPlace(start) &&
+               m_beginnings.vectors.count({placeOf(start), contour.end - contour.begin}) > 0;
     }
 
 private:
@@ -122,7 +126,8 @@ std::vector<Contour> contoursOf(const DxfContents& drawing) {
              ++i) {
             length += distance(drawing.points[i - 1], drawing.points[i]);
         }
-        contours.push_back({kind, contour.begin, contour.end, length});
+        contours.push_back(
+            {kind, contour.begin, contour.end, length, classification.isOfPoints(contour)});
     }
     return contours;
 }

@@ -24,6 +24,9 @@ struct Contour {
     std::size_t end;
     /// Of the walk along it, in drawing units; 0 for points.
     double length;
+    /// Whether these are POINTs, whose (x, y, z) is (x, y, -z) in the walk. What else there is has
+    /// its (x, y) at (x, 0, y).
+    bool isOfPoints;
 };
 
 /// The name of a kind: "open", "closed", "circle", "points".

@@ -2,6 +2,7 @@
 
 #include "tools/cloudconv/Convert.h"
 
+#include <limits>
 #include <memory>
 
 namespace {
@@ -36,7 +37,9 @@ void addConvertCommand(CLI::App& app, Command& chosen) {
         ->required();
     command.add_flag("--ascii", options->ascii, "write PLY as text of six significant digits")
         ->disable_flag_override();
-    command.add_option("--intensity", options->intensity, "give every point this intensity");
+    command.add_option("--intensity", options->intensity, "give every point this intensity")
+        ->check(
+            numberBetween(std::numeric_limits<float>::lowest(), std::numeric_limits<float>::max()));
     addFormatOption(command, "--from", options->from, "format of INPUT: ply or dxf");
     addFormatOption(command, "--to", options->to, "format of OUTPUT: ply or dxf");
     addQuietFlag(command, options->quiet);

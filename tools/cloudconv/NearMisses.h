@@ -16,6 +16,9 @@ struct NearMiss {
 /// Ends within this distance are joined.
 constexpr double joiningDistance = 0.001;
 
+/// Ends that are not joined and within this distance are near, where nobody says otherwise.
+constexpr double defaultNearness = 0.1;
+
 /// The near misses among the ends of open contours: for each end the nearest one that is at least
 /// the joining distance away and at most `distance`. Every pair comes once, in the order of the
 /// walk.

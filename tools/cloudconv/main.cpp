@@ -4,6 +4,7 @@
 #include "tools/cloudconv/ConvertCommand.h"
 #include "tools/cloudconv/InfoCommand.h"
 #include "tools/cloudconv/Interrupt.h"
+#include "tools/cloudconv/PreviewCommand.h"
 #include "tools/cloudconv/StandardError.h"
 #include "tools/cloudconv/UsageError.h"
 
@@ -29,7 +30,8 @@ Examples:
   cloudconv drawing.dxf walk.ply
   cloudconv scan.ply scan_text.ply --ascii
   cloudconv info drawing.dxf
-  cloudconv check drawing.dxf)";
+  cloudconv check drawing.dxf
+  cloudconv preview drawing.dxf drawing.svg)";
 
 ExitStatus runAndReport(const Command& command) {
     try {
@@ -75,6 +77,7 @@ int main(int argc, char** argv) {
     addConvertCommand(app, command);
     addInfoCommand(app, command);
     addCheckCommand(app, command);
+    addPreviewCommand(app, command);
     try {
         app.parse(commandLine(app, argc, argv));
     } catch (const CLI::ParseError& error) {
