@@ -11,7 +11,9 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstdlib>
 #include <memory>
+#include <sstream>
 
 namespace {
 
@@ -178,6 +180,50 @@ TEST_F(CloudconvPreview, IsASvgWithTheWalkAsPathsAndWordsForWhoCannotSeeIt) {
         EXPECT_THAT(svg, HasSubstr("stroke:" + std::string(colour)));
     }
     EXPECT_THAT(svg, HasSubstr("</svg>\n"));
+}
+
+/// The lines of an SVG that draw strokes or say something in words. They do not depend on the
+/// fonts of the machine, as letters do.
+std::vector<std::string> strokesAndWords(const std::string& svg) {
+    std::istringstream lines(svg);
+    std::vector<std::string> kept;
+    for (std::string line; std::getline(lines, line);) {
+        if (line.find("stroke:rgb") != std::string::npos || line.find("<desc>") == 0 ||
+            line.find("<title>") == 0 || line.find("<svg ") == 0) {
+            kept.push_back(line);
+        }
+    }
+    return kept;
+}
+
+TEST_F(CloudconvPreview, OfTheShippedDrawingIsTheShippedPicture) {
+    const std::vector<std::string> made =
+        strokesAndWords(readFile(pictureOf(examples / "plate_with_gap.dxf", ".svg")));
+    EXPECT_GT(made.size(), 50U);
+    EXPECT_EQ(made, strokesAndWords(readFile(examples / "plate_with_gap.svg")))
+        << "cmake --build build/release --target example_pictures makes it again";
+}
+
+TEST_F(CloudconvPreview, OfTheShippedScanIsTheShippedPicture) {
+    const Pixels shipped = decoded(examples / "ripple_scan.png");
+    const Pixels made =
+        pixelsOf(examples / "ripple_scan.ply", {}, {"--size", "800x600", "--quiet"});
+    ASSERT_EQ(made.width, shipped.width);
+    ASSERT_EQ(made.height, shipped.height);
+    // Inside the axes, where no letters are.
+    int different = 0;
+    for (int y = 68; y < 540; ++y) {
+        for (int x = 94; x < 528; ++x) {
+            for (const int shift : {0, 8, 16}) {
+                const auto part = [&](const Pixels& pixels) {
+                    return static_cast<int>((pixels.at(x, y) >> shift) & 0xFF);
+                };
+                different += std::abs(part(made) - part(shipped)) > 8 ? 1 : 0;
+            }
+        }
+    }
+    EXPECT_EQ(different, 0)
+        << "cmake --build build/release --target example_pictures makes it again";
 }
 
 TEST_F(CloudconvPreview, IsAPdfWithATitle) {
