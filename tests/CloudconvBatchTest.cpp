@@ -19,8 +19,8 @@ namespace {
 namespace fs = std::filesystem;
 using ::testing::HasSubstr;
 
-constexpr int fileCount = 200;
-constexpr int badCount = 20;
+/// Of how many files one cannot be converted.
+constexpr int badShare = 10;
 
 /// The commands below a heading of the document.
 std::string recipe(const std::string& heading) {
@@ -40,6 +40,8 @@ std::string recipe(const std::string& heading) {
 
 class CloudconvBatch : public Cloudconv {
 protected:
+    int m_count = 0;
+
     void SetUp() override {
         if (toolCommand().size() > 1) {
             GTEST_SKIP() << "hundreds of processes under emulation";
@@ -48,12 +50,18 @@ protected:
             GTEST_SKIP() << "GNU parallel is not installed";
         }
         fs::create_directory(in("drawings"));
-        for (int i = 0; i < fileCount; ++i) {
+    }
+
+    /// Makes so many drawings, some of them bad.
+    void makeDrawings(int count) {
+        m_count = count;
+        for (int i = 0; i < count; ++i) {
             writeFile(drawingOf(i), isBad(i) ? "no drawing" : drawing(line(0, 0, 1 + i, 0)));
         }
     }
 
-    static bool isBad(int i) { return i % (fileCount / badCount) == 3; }
+    int badCount() const { return m_count / badShare; }
+    static bool isBad(int i) { return i % badShare == 3; }
     fs::path drawingOf(int i) const {
         return in("drawings") / ("part " + std::to_string(i) + ".dxf");
     }
@@ -75,7 +83,7 @@ protected:
 
     /// Expects an output of the right length for every good drawing, and nothing else.
     void expectOutputs(bool badOnesToo) const {
-        for (int i = 0; i < fileCount; ++i) {
+        for (int i = 0; i < m_count; ++i) {
             if (isBad(i) && !badOnesToo) {
                 EXPECT_FALSE(fs::exists(outputOf(i)));
                 continue;
@@ -84,11 +92,11 @@ protected:
                         HasSubstr("element vertex " + std::to_string(10 * (1 + i) + 1) + '\n'));
         }
         const auto files = std::distance(fs::directory_iterator(in("drawings")), {});
-        EXPECT_EQ(files, 2 * fileCount - (badOnesToo ? 0 : badCount));
+        EXPECT_EQ(files, 2 * m_count - (badOnesToo ? 0 : badCount()));
     }
 
     void repairBadDrawings() const {
-        for (int i = 0; i < fileCount; ++i) {
+        for (int i = 0; i < m_count; ++i) {
             if (isBad(i)) {
                 writeFile(drawingOf(i), drawing(line(0, 0, 1 + i, 0)));
             }
@@ -101,15 +109,16 @@ protected:
 };
 
 TEST_F(CloudconvBatch, ConvertsAllFilesButThoseThatFailAndThoseWhenRepaired) {
+    makeDrawings(200);
     const ProgramResult first = runRecipe("On one machine");
-    EXPECT_EQ(first.status, badCount);
+    EXPECT_EQ(first.status, badCount());
     expectOutputs(false);
-    for (int i = 0; i < fileCount; ++i) {
+    for (int i = 0; i < m_count; ++i) {
         const std::string failure =
             "cloudconv: drawings/part " + std::to_string(i) + ".dxf: not a DXF text\n";
         EXPECT_EQ(first.errors.find(failure) != std::string::npos, isBad(i));
     }
-    EXPECT_EQ(linesOf(runRecipe("What failed").output), badCount);
+    EXPECT_EQ(linesOf(runRecipe("What failed").output), badCount());
 
     repairBadDrawings();
     const std::string goodOne = outputOf(0);
@@ -121,16 +130,18 @@ TEST_F(CloudconvBatch, ConvertsAllFilesButThoseThatFailAndThoseWhenRepaired) {
 }
 
 TEST_F(CloudconvBatch, ListsWhatIsFoundInAllFiles) {
+    makeDrawings(20);
     writeFile(drawingOf(0), drawing(line(0, 0, 1, 0) + line(1.0625, 0, 2, 0)));
-    EXPECT_EQ(runRecipe("What a robot would stumble over").status, badCount + 1);
+    EXPECT_EQ(runRecipe("What a robot would stumble over").status, badCount() + 1);
     EXPECT_EQ(readFile(in("findings.txt")),
               "drawings/part 0.dxf: near miss: the ends at (1.0625, 0) and (1, 0) lie 0.0625 apart "
               "and are not joined\n");
 }
 
 TEST_F(CloudconvBatch, TakesAListOfMachines) {
+    makeDrawings(20);
     writeFile(in("machines"), "2/:\n");
-    EXPECT_EQ(runRecipe("Across machines").status, badCount);
+    EXPECT_EQ(runRecipe("Across machines").status, badCount());
     expectOutputs(false);
 }
 
