@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds, and runs the main job on samples: a drawing becomes a walk of
-# points, a scan becomes a drawing, and a scan is written in both forms of PLY.
+# points, a scan becomes a drawing, a scan is written in both forms of PLY, and a drawing whose outline
+# is broken is checked and drawn.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -52,3 +53,9 @@ run "$cloudconv" "$scan" "$out/ripple_binary.ply"
 describe "$out/ripple_binary.ply"
 run "$cloudconv" "$out/ripple_binary.ply" "$out/ripple_text.ply" --ascii
 describe "$out/ripple_text.ply"
+
+echo
+echo "== A drawing whose outline is broken"
+run "$cloudconv" check examples/plate_with_gap.dxf || [ $? -eq 3 ]
+run "$cloudconv" preview examples/plate_with_gap.dxf "$out/plate_with_gap.svg"
+echo "$out/plate_with_gap.svg shows where."

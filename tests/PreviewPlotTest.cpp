@@ -3,6 +3,7 @@
 #include "dxfeditor/DXFDocument.h"
 #include "dxfeditor/DXFLine.h"
 #include "dxfeditor/DXFPointVector.h"
+#include "tests/support/PlyClouds.h"
 #include "tools/cloudconv/preview/CloudScene.h"
 #include "tools/cloudconv/preview/DrawingScene.h"
 #include "tools/cloudconv/preview/LabelPlaces.h"
@@ -320,25 +321,16 @@ TEST(Wording, MakesAnyTextPrintableUtf8) {
     EXPECT_EQ(counted(0, "gap"), "0 gaps");
 }
 
-pcl::PointXYZI pointOf(float x, float y, float z, float intensity) {
-    pcl::PointXYZI point;
-    point.x = x;
-    point.y = y;
-    point.z = z;
-    point.intensity = intensity;
-    return point;
-}
-
 constexpr float nanf = std::numeric_limits<float>::quiet_NaN();
 constexpr float inff = std::numeric_limits<float>::infinity();
 
 TEST(CloudScene, LeavesOutPointsWithoutAPlaceAndValuesThatAreNone) {
     PlyContents contents;
-    contents.cloud.push_back(pointOf(1, 2, 3, 4));
-    contents.cloud.push_back(pointOf(nanf, 2, 3, 400));
-    contents.cloud.push_back(pointOf(1, 2, inff, 400));
-    contents.cloud.push_back(pointOf(-5, 7, 9, nanf));
-    contents.cloud.push_back(pointOf(0, 0, 0, -2));
+    contents.cloud.push_back(point(1, 2, 3, 4));
+    contents.cloud.push_back(point(nanf, 2, 3, 400));
+    contents.cloud.push_back(point(1, 2, inff, 400));
+    contents.cloud.push_back(point(-5, 7, 9, nanf));
+    contents.cloud.push_back(point(0, 0, 0, -2));
     const CloudScene scene(contents);
     EXPECT_EQ(scene.pointsWithoutPlace(), 2U);
     EXPECT_EQ(scene.bounds().x.low, -5);
@@ -364,10 +356,10 @@ std::uint32_t cellAt(const Image& image, const PlotScale& scale, const Place& pl
 TEST(CloudScene, ShowsTheHighestPointOfEachPlace) {
     PlyContents contents;
     for (const float height : {1.0F, 3.0F, 2.0F}) {
-        contents.cloud.push_back(pointOf(0, 0, height, height));
+        contents.cloud.push_back(point(0, 0, height, height));
     }
-    contents.cloud.push_back(pointOf(10, 5, -9, 1));
-    contents.cloud.push_back(pointOf(10, 0, -9, nanf));
+    contents.cloud.push_back(point(10, 5, -9, 1));
+    contents.cloud.push_back(point(10, 0, -9, nanf));
     const CloudScene scene(contents);
     for (const unsigned fineness : {1U, 3U}) {
         const PlotScale scale(scene.bounds(), frame, 20);
@@ -384,7 +376,7 @@ TEST(CloudScene, ShowsTheHighestPointOfEachPlace) {
 TEST(CloudScene, ShowsEveryPointOfAThinCloud) {
     PlyContents contents;
     for (int i = 0; i < 1000; ++i) {
-        contents.cloud.push_back(pointOf(static_cast<float>(i), static_cast<float>(i % 7), 0, 1));
+        contents.cloud.push_back(point(static_cast<float>(i), static_cast<float>(i % 7), 0, 1));
     }
     const CloudScene scene(contents);
     const PlotScale scale(scene.bounds(), frame, 2);
