@@ -1,5 +1,7 @@
 #include "dxfeditor/detail/EndPairs.h"
 
+#include "dxfeditor/detail/LargePages.h"
+
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -54,15 +56,16 @@ struct RowsInReach {
 /// an end of another cell is one more to compare with.
 class EndGrid {
 public:
-    explicit EndGrid(const std::vector<Point>& ends)
-        : m_ends(ends), m_met(ends.size(), noEnd), m_next(ends.size()) {
+    explicit EndGrid(const std::vector<Point>& ends) : m_ends(ends) {
         std::size_t slots = 2;
         m_shift = 63;
         while (slots < ends.size()) {
             slots *= 2;
             --m_shift;
         }
-        m_slots.resize(slots, noEnd);
+        fill(m_slots, slots);
+        fill(m_met, ends.size());
+        fill(m_next, ends.size());
     }
 
     std::size_t slotOf(std::uint64_t hash) const { return hash >> m_shift; }
@@ -136,6 +139,11 @@ private:
             m_met[end] = crowd;
         }
         m_slots[slot] = crowd;
+    }
+
+    static void fill(std::vector<EndNumber>& numbers, std::size_t size) {
+        reserveLarge(numbers, size);
+        numbers.resize(size, noEnd);
     }
 
     const std::vector<Point>& m_ends;

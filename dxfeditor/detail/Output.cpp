@@ -1,5 +1,7 @@
 #include "dxfeditor/detail/Output.h"
 
+#include "dxfeditor/detail/LargePages.h"
+
 #include <cstddef>
 #include <new>
 
@@ -24,7 +26,7 @@ std::vector<Point> roomFor(const std::vector<Run>& runs) {
     if (count > points.max_size()) {
         throw std::bad_alloc();
     }
-    points.reserve(count);
+    reserveLarge(points, count);
     return points;
 }
 

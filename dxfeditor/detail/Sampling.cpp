@@ -8,6 +8,7 @@
 #include "dxfeditor/DXFPointVector.h"
 #include "dxfeditor/DXFPolyline.h"
 #include "dxfeditor/DXFSpline.h"
+#include "dxfeditor/detail/LargePages.h"
 #include "dxfeditor/detail/SplineSamples.h"
 #include "dxfeditor/detail/TruncatedCount.h"
 
@@ -379,8 +380,8 @@ void Run::appendTo(std::vector<Point>& points, Direction direction, Dropped drop
 
 Runs runsOf(const std::list<std::shared_ptr<DXFEntity>>& entities) {
     Runs runs;
-    runs.runs.reserve(entities.size());
-    runs.ends.reserve(2 * entities.size());
+    reserveLarge(runs.runs, entities.size());
+    reserveLarge(runs.ends, 2 * entities.size());
     for (const std::shared_ptr<DXFEntity>& entity : entities) {
         if (entity != nullptr) {
             append(*entity, runs);

@@ -1,5 +1,6 @@
 #include "dxfeditor/detail/Stitching.h"
 
+#include "dxfeditor/detail/LargePages.h"
 #include "dxfeditor/detail/RunPool.h"
 
 #include <algorithm>
@@ -23,7 +24,7 @@ class Stitcher {
 public:
     Stitcher(const std::vector<Run>& runs, std::vector<Run::Point> ends)
         : m_runs(runs), m_pool(std::move(ends)) {
-        m_walk.reserve(runs.size());
+        reserveLarge(m_walk, runs.size());
     }
 
     Walk walk() &&;
