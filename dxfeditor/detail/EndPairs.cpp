@@ -38,10 +38,6 @@ std::uint64_t hashOf(Row x, Row y, Row z) {
            static_cast<std::uint64_t>(z) * 0xD6E8FEB86659FD93;
 }
 
-std::uint64_t ownHash(const Point& point) {
-    return hashOf(rowOf(point.x), rowOf(point.y), rowOf(point.z));
-}
-
 /// The one or two rows in which coordinates in reach of one lie.
 struct RowsInReach {
     Row rows[2];
@@ -56,6 +52,15 @@ struct RowsInReach {
 /// an end of another cell is one more to compare with.
 class EndGrid {
 public:
+    /// A finite end on its way into the grid.
+    struct Entry {
+        EndNumber end;
+        /// The slot of its cell, and those of all cells in reach.
+        std::uint32_t ownSlot;
+        std::uint32_t slots[8];
+        unsigned slotCount;
+    };
+
     explicit EndGrid(const std::vector<Point>& ends) : m_ends(ends) {
         std::size_t slots = 2;
         m_shift = 63;
@@ -63,43 +68,55 @@ public:
             slots *= 2;
             --m_shift;
         }
-        fill(m_slots, slots);
-        fill(m_met, ends.size());
-        fill(m_next, ends.size());
+        reserveLarge(m_slots, slots);
+        m_slots.resize(slots, noEnd);
+        reserveLarge(m_nodes, ends.size());
+        m_nodes.resize(ends.size());
     }
 
-    std::size_t slotOf(std::uint64_t hash) const { return hash >> m_shift; }
+    // The steps of adding an end: each asks for the memory that the next one needs, which takes as
+    // long as some hundred additions.
 
-    /// Two steps towards the memory that add() needs.
-    void prefetchSlot(std::size_t slot) const { __builtin_prefetch(&m_slots[slot]); }
-    void prefetchEnds(std::size_t slot) const {
-        const EndNumber end = m_slots[slot];
-        if (end < noEnd) {
-            __builtin_prefetch(&m_ends[end]);
-            __builtin_prefetch(&m_met[end]);
-        }
-    }
-
-    /// Compares a finite end with those before it, and adds it.
-    ///
-    /// @param slot  that of its own cell
-    void add(EndNumber end, std::size_t slot) {
+    void locate(EndNumber end, Entry& entry) const {
         const Point& point = m_ends[end];
+        entry.end = end;
+        entry.ownSlot = slotOf(rowOf(point.x), rowOf(point.y), rowOf(point.z));
+        entry.slotCount = 0;
         const RowsInReach x(point.x);
         const RowsInReach y(point.y);
         const RowsInReach z(point.z);
         for (int i = 0; i < x.count; ++i) {
             for (int j = 0; j < y.count; ++j) {
                 for (int k = 0; k < z.count; ++k) {
-                    compare(end, slotOf(hashOf(x.rows[i], y.rows[j], z.rows[k])));
+                    const std::uint32_t slot = slotOf(x.rows[i], y.rows[j], z.rows[k]);
+                    __builtin_prefetch(&m_slots[slot]);
+                    entry.slots[entry.slotCount++] = slot;
                 }
             }
         }
-        if (m_slots[slot] == crowd) {
-            m_met[end] = crowd;
+    }
+
+    void fetch(const Entry& entry) const {
+        for (unsigned i = 0; i < entry.slotCount; ++i) {
+            const EndNumber end = m_slots[entry.slots[i]];
+            if (end < noEnd) {
+                __builtin_prefetch(&m_ends[end]);
+                __builtin_prefetch(&m_nodes[end]);
+            }
+        }
+    }
+
+    /// Compares the end with those before it, and adds it.
+    void add(const Entry& entry) {
+        for (unsigned i = 0; i < entry.slotCount; ++i) {
+            compare(entry.end, entry.slots[i]);
+        }
+        EndNumber& latest = m_slots[entry.ownSlot];
+        if (latest == crowd) {
+            m_nodes[entry.end].met = crowd;
         } else {
-            m_next[end] = m_slots[slot];
-            m_slots[slot] = end;
+            m_nodes[entry.end].next = latest;
+            latest = entry.end;
         }
     }
 
@@ -110,21 +127,39 @@ public:
     }
 
     /// What each end has met.
-    std::vector<EndNumber> takeMet() { return std::move(m_met); }
+    std::vector<EndNumber> met() const {
+        std::vector<EndNumber> met;
+        reserveLarge(met, m_nodes.size());
+        for (std::size_t end = 0; end < m_nodes.size(); ++end) {
+            const EndNumber other = m_nodes[end].met;
+            met.push_back(other < noEnd && m_nodes[other].met != end ? crowd : other);
+        }
+        return met;
+    }
 
 private:
+    struct Node {
+        EndNumber met = noEnd;
+        /// The end added before it to the same slot.
+        EndNumber next = noEnd;
+    };
+
+    std::uint32_t slotOf(Row x, Row y, Row z) const {
+        return static_cast<std::uint32_t>(hashOf(x, y, z) >> m_shift);
+    }
+
     void noteOne(EndNumber end, EndNumber other) {
-        EndNumber& met = m_met[end];
+        EndNumber& met = m_nodes[end].met;
         met = met == noEnd || met == other ? other : crowd;
     }
 
-    void compare(EndNumber end, std::size_t slot) {
+    void compare(EndNumber end, std::uint32_t slot) {
         constexpr int mostEnds = 16;
         int count = 0;
-        for (EndNumber other = m_slots[slot]; other != noEnd; other = m_next[other]) {
+        for (EndNumber other = m_slots[slot]; other != noEnd; other = m_nodes[other].next) {
             if (other == crowd || ++count > mostEnds) {
                 makeCrowd(slot);
-                m_met[end] = crowd;
+                m_nodes[end].met = crowd;
                 return;
             }
             if (meet(m_ends[end], m_ends[other])) {
@@ -134,52 +169,64 @@ private:
     }
 
     /// Makes the ends in a slot, and all that come, a crowd.
-    void makeCrowd(std::size_t slot) {
-        for (EndNumber end = m_slots[slot]; end < noEnd; end = m_next[end]) {
-            m_met[end] = crowd;
+    void makeCrowd(std::uint32_t slot) {
+        for (EndNumber end = m_slots[slot]; end < noEnd; end = m_nodes[end].next) {
+            m_nodes[end].met = crowd;
         }
         m_slots[slot] = crowd;
     }
 
-    static void fill(std::vector<EndNumber>& numbers, std::size_t size) {
-        reserveLarge(numbers, size);
-        numbers.resize(size, noEnd);
-    }
-
     const std::vector<Point>& m_ends;
-    std::vector<EndNumber> m_met;
-    /// The end added last to each slot, or crowd, and that before each end.
+    std::vector<Node> m_nodes;
+    /// The end added last to each slot, or crowd.
     std::vector<EndNumber> m_slots;
-    std::vector<EndNumber> m_next;
     int m_shift;
 };
 
-/// Adds all finite ends. A block of them at a time, so that the memory for all of a block is on its
-/// way at once.
-void addAll(const std::vector<Point>& ends, EndGrid& grid) {
-    constexpr EndNumber blockSize = 32;
-    std::size_t slots[blockSize];
-    const auto count = static_cast<EndNumber>(ends.size());
-    for (EndNumber begin = 0; begin < count; begin += blockSize) {
-        const EndNumber size = std::min(blockSize, count - begin);
-        for (EndNumber i = 0; i < size; ++i) {
-            slots[i] = grid.slotOf(ownHash(ends[begin + i]));
-            grid.prefetchSlot(slots[i]);
-        }
-        for (EndNumber i = 0; i < size; ++i) {
-            grid.prefetchEnds(slots[i]);
-        }
-        for (EndNumber i = 0; i < size; ++i) {
-            const EndNumber end = begin + i;
+/// Ends that are added together, after the memory for all of them has been asked for.
+struct Block {
+    static constexpr EndNumber mostEnds = 32;
+
+    EndGrid::Entry entries[mostEnds];
+    EndNumber size = 0;
+
+    /// Takes the ends from `begin` on, as many as fit.
+    void locate(const std::vector<Point>& ends, std::size_t begin, EndGrid& grid) {
+        size = 0;
+        const std::size_t behind = std::min(begin + mostEnds, ends.size());
+        for (std::size_t i = begin; i < behind; ++i) {
+            const auto end = static_cast<EndNumber>(i);
             if (!meet(ends[end], ends[end])) {
                 continue; // Not finite: meets nothing, not even itself.
             }
             if (end % 2 != 0 && ends[end] == ends[end - 1]) {
                 grid.note(end - 1, end);
             } else {
-                grid.add(end, slots[i]);
+                grid.locate(end, entries[size++]);
             }
         }
+    }
+    void fetch(const EndGrid& grid) const {
+        for (EndNumber i = 0; i < size; ++i) {
+            grid.fetch(entries[i]);
+        }
+    }
+    void add(EndGrid& grid) {
+        for (EndNumber i = 0; i < size; ++i) {
+            grid.add(entries[i]);
+        }
+        size = 0;
+    }
+};
+
+/// Adds all finite ends.
+void addAll(const std::vector<Point>& ends, EndGrid& grid) {
+    Block blocks[3];
+    // Two blocks more than there are, until the last one has been added.
+    for (std::size_t i = 0; i * Block::mostEnds < ends.size() + 2 * Block::mostEnds; ++i) {
+        blocks[(i + 1) % 3].add(grid);
+        blocks[i % 3].locate(ends, i * Block::mostEnds, grid);
+        blocks[(i + 2) % 3].fetch(grid);
     }
 }
 
@@ -188,13 +235,7 @@ void addAll(const std::vector<Point>& ends, EndGrid& grid) {
 std::vector<EndNumber> pairEnds(const std::vector<Point>& ends) {
     EndGrid grid(ends);
     addAll(ends, grid);
-    std::vector<EndNumber> met = grid.takeMet();
-    for (std::size_t end = 0; end < met.size(); ++end) {
-        if (met[end] < noEnd && met[met[end]] != end) {
-            met[end] = crowd;
-        }
-    }
-    return met;
+    return grid.met();
 }
 
 } // namespace dxfeditor
