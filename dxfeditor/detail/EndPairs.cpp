@@ -61,7 +61,7 @@ public:
         unsigned slotCount;
     };
 
-    explicit EndGrid(const std::vector<Point>& ends) : m_ends(ends) {
+    explicit EndGrid(const OrderedEnds& ends) : m_ends(ends) {
         std::size_t slots = 2;
         m_shift = 63;
         while (slots < ends.size()) {
@@ -100,7 +100,7 @@ public:
         for (unsigned i = 0; i < entry.slotCount; ++i) {
             const EndNumber end = m_slots[entry.slots[i]];
             if (end < noEnd) {
-                __builtin_prefetch(&m_ends[end]);
+                m_ends.prefetch(end);
                 __builtin_prefetch(&m_nodes[end]);
             }
         }
@@ -176,7 +176,7 @@ private:
         m_slots[slot] = crowd;
     }
 
-    const std::vector<Point>& m_ends;
+    const OrderedEnds& m_ends;
     std::vector<Node> m_nodes;
     /// The end added last to each slot, or crowd.
     std::vector<EndNumber> m_slots;
@@ -191,15 +191,19 @@ struct Block {
     EndNumber size = 0;
 
     /// Takes the ends from `begin` on, as many as fit.
-    void locate(const std::vector<Point>& ends, std::size_t begin, EndGrid& grid) {
+    void locate(const OrderedEnds& ends, std::size_t begin, EndGrid& grid) {
         size = 0;
         const std::size_t behind = std::min(begin + mostEnds, ends.size());
+        // Those of the next block.
+        for (std::size_t i = behind; i < std::min(behind + mostEnds, ends.size()); ++i) {
+            ends.prefetch(i);
+        }
         for (std::size_t i = begin; i < behind; ++i) {
             const auto end = static_cast<EndNumber>(i);
             if (!meet(ends[end], ends[end])) {
                 continue; // Not finite: meets nothing, not even itself.
             }
-            if (end % 2 != 0 && ends[end] == ends[end - 1]) {
+            if (ends.isSecondOfEqual(end)) {
                 grid.note(end - 1, end);
             } else {
                 grid.locate(end, entries[size++]);
@@ -220,7 +224,7 @@ struct Block {
 };
 
 /// Adds all finite ends.
-void addAll(const std::vector<Point>& ends, EndGrid& grid) {
+void addAll(const OrderedEnds& ends, EndGrid& grid) {
     Block blocks[3];
     // Two blocks more than there are, until the last one has been added.
     for (std::size_t i = 0; i * Block::mostEnds < ends.size() + 2 * Block::mostEnds; ++i) {
@@ -232,7 +236,7 @@ void addAll(const std::vector<Point>& ends, EndGrid& grid) {
 
 } // namespace
 
-std::vector<EndNumber> pairEnds(const std::vector<Point>& ends) {
+std::vector<EndNumber> pairEnds(const OrderedEnds& ends) {
     EndGrid grid(ends);
     addAll(ends, grid);
     return grid.met();

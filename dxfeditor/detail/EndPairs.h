@@ -20,8 +20,8 @@ constexpr EndNumber crowd = 0x80000000;
 /// those in the same cell and, near its sides, in the next ones. A cell that gets too full becomes
 /// a crowd as a whole, so that the cost grows with the number of ends only, wherever they lie.
 ///
-/// @param ends  the first and the last end of each run. Those of a run of one point are two equal
-///              ends, which is no different: what it meets is a crowd, else they are a pair.
-std::vector<EndNumber> pairEnds(const std::vector<Run::Point>& ends);
+/// Equal ends of one run, as of a run of one point, are no different: what they meet is a crowd,
+/// else they are a pair.
+std::vector<EndNumber> pairEnds(const OrderedEnds& ends);
 
 } // namespace dxfeditor

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <vector>
 
 namespace dxfeditor {
 
@@ -27,6 +28,33 @@ constexpr EndNumber lastEnd(RunNumber run) {
 constexpr RunNumber runOf(EndNumber end) {
     return end / 2;
 }
+
+/// The ends of the runs of a drawing, in an order of the runs that need not be theirs.
+class OrderedEnds {
+public:
+    /// @param ends   the first and the last end of each run
+    /// @param order  the runs; both have to outlive this object
+    OrderedEnds(const std::vector<Run::Point>& ends, const std::vector<RunNumber>& order)
+        : m_ends(ends.data()), m_order(order) {}
+
+    std::size_t size() const { return 2 * m_order.size(); }
+
+    /// @param end  numbered by the place of its run in the order
+    const Run::Point& operator[](std::size_t end) const {
+        return m_ends[2 * std::size_t{m_order[end / 2]} + end % 2];
+    }
+
+    /// Whether the end is the last one of a run with two equal ends, as a run of one point has.
+    bool isSecondOfEqual(std::size_t end) const {
+        return end % 2 != 0 && (*this)[end] == (*this)[end - 1];
+    }
+
+    void prefetch(std::size_t end) const { __builtin_prefetch(&(*this)[end]); }
+
+private:
+    const Run::Point* m_ends;
+    const std::vector<RunNumber>& m_order;
+};
 
 /// Ends of runs closer than this, squared, are the same point.
 constexpr double squaredTolerance = 1e-06;

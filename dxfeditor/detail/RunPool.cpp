@@ -1,5 +1,8 @@
 #include "dxfeditor/detail/RunPool.h"
 
+#include "dxfeditor/detail/LargePages.h"
+#include "dxfeditor/detail/SpatialOrder.h"
+
 #include <cstddef>
 #include <new>
 #include <utility>
@@ -8,55 +11,63 @@ namespace dxfeditor {
 
 namespace {
 
-using Point = Run::Point;
-
-/// Two equal ends, as of a run of one point, count as one.
-bool isSecondOfEqual(const std::vector<Point>& ends, std::size_t end) {
-    return end % 2 != 0 && ends[end] == ends[end - 1];
-}
-
-const std::vector<Point>& checked(const std::vector<Point>& ends) {
+const std::vector<Run::Point>& checked(const std::vector<Run::Point>& ends) {
     if (ends.size() / 2 > maximumRuns) {
         throw std::bad_alloc();
     }
     return ends;
 }
 
-RunEndTree treeOf(const std::vector<Point>& ends, const std::vector<EndNumber>& met) {
-    std::vector<RunEndTree::End> crowded;
-    for (std::size_t end = 0; end < ends.size(); ++end) {
-        if (met[end] == crowd && !isSecondOfEqual(ends, end)) {
-            crowded.push_back({ends[end], static_cast<EndNumber>(end)});
-        }
+std::vector<RunNumber> inverseOf(const std::vector<RunNumber>& order) {
+    std::vector<RunNumber> places;
+    reserveLarge(places, order.size());
+    places.resize(order.size());
+    for (std::size_t place = 0; place < order.size(); ++place) {
+        places[order[place]] = static_cast<RunNumber>(place);
     }
-    return RunEndTree(std::move(crowded));
+    return places;
 }
 
 } // namespace
 
-RunPool::RunPool(std::vector<Point> ends)
-    : m_isRemoved(ends.size() / 2), m_met(pairEnds(checked(ends))), m_crowd(treeOf(ends, m_met)) {
+RunPool::RunPool(std::vector<Run::Point> ends)
+    : m_order(spatialOrder(checked(ends))), m_places(inverseOf(m_order)),
+      m_isRemoved(m_order.size()), m_met(pairEnds(OrderedEnds(ends, m_order))),
+      m_crowd(treeOf(OrderedEnds(ends, m_order))) {
+    const OrderedEnds ordered(ends, m_order);
     for (RunEndTree::Place place = 0; place < m_crowd.size(); ++place) {
-        const EndNumber end = m_crowd.at(place);
+        const EndNumber end = endOf(m_crowd.at(place));
         m_met[end] = crowd | place;
-        if (end % 2 == 0 && isSecondOfEqual(ends, end + 1)) {
+        if (end % 2 == 0 && ordered.isSecondOfEqual(end + 1)) {
             m_met[end + 1] = crowd | place;
         }
     }
 }
 
-void RunPool::remove(RunNumber run) {
-    m_isRemoved[run] = true;
-    for (const EndNumber end : {firstEnd(run), lastEnd(run)}) {
+RunEndTree RunPool::treeOf(const OrderedEnds& ends) const {
+    std::vector<RunEndTree::End> crowded;
+    for (std::size_t end = 0; end < m_met.size(); ++end) {
+        if (m_met[end] == crowd && !ends.isSecondOfEqual(end)) {
+            const EndNumber numbered = 2 * m_order[end / 2] + end % 2;
+            crowded.push_back({ends[end], numbered});
+        }
+    }
+    return RunEndTree(std::move(crowded));
+}
+
+void RunPool::remove(RunNumber place) {
+    m_isRemoved[place] = true;
+    for (const EndNumber end : {firstEnd(place), lastEnd(place)}) {
         if (isCrowded(end)) {
-            m_crowd.remove(placeOf(end));
+            m_crowd.remove(inCrowd(end));
         }
     }
 }
 
 EndNumber RunPool::lowestAt(EndNumber end) const {
     if (isCrowded(end)) {
-        return m_crowd.lowestAt(placeOf(end));
+        const EndNumber lowest = m_crowd.lowestAt(inCrowd(end));
+        return lowest == noEnd ? noEnd : endOf(lowest);
     }
     const EndNumber met = m_met[end];
     if (met == noEnd || !contains(runOf(met))) {

@@ -3,7 +3,7 @@
 #include "dxfeditor/detail/LargePages.h"
 #include "dxfeditor/detail/RunPool.h"
 
-#include <algorithm>
+#include <cstddef>
 #include <utility>
 
 namespace dxfeditor {
@@ -13,13 +13,14 @@ namespace {
 /// One of the two ends of the chain that grows.
 struct Tip {
     EndNumber end = noEnd;
-    /// The lowest end of the pool that fits here.
+    /// The end of the lowest run of the pool that fits here, and the number of that run.
     EndNumber candidate = noEnd;
+    RunNumber lowest = noEnd;
     /// The pieces joined on this side, from the inside outwards.
     std::vector<Piece> pieces;
 };
 
-/// Builds a walk, chain by chain.
+/// Builds a walk, chain by chain. Runs go by their places in the pool.
 class Stitcher {
 public:
     Stitcher(const std::vector<Run>& runs, std::vector<Run::Point> ends)
@@ -31,10 +32,13 @@ public:
 
 private:
     void addChain(RunNumber start);
-    void join(RunNumber run);
+    void join(RunNumber place);
     void extend(Tip& tip, const Piece& piece, EndNumber joined, EndNumber other);
     void finishChain(RunNumber start);
-    void search(Tip& tip) { tip.candidate = m_pool.lowestAt(tip.end); }
+    void search(Tip& tip) {
+        tip.candidate = m_pool.lowestAt(tip.end);
+        tip.lowest = tip.candidate != noEnd ? m_pool.runAt(runOf(tip.candidate)) : noEnd;
+    }
 
     const std::vector<Run>& m_runs;
     RunPool m_pool;
@@ -45,9 +49,9 @@ private:
 
 Walk Stitcher::walk() && {
     for (std::size_t run = m_runs.size(); run > 0; --run) {
-        const auto number = static_cast<RunNumber>(run - 1);
-        if (m_pool.contains(number)) {
-            addChain(number);
+        const RunNumber place = m_pool.placeOf(static_cast<RunNumber>(run - 1));
+        if (m_pool.contains(place)) {
+            addChain(place);
         }
     }
     return std::move(m_walk);
@@ -61,20 +65,21 @@ void Stitcher::addChain(RunNumber start) {
     search(m_front);
     search(m_back);
     for (;;) {
-        const EndNumber lowest = std::min(m_front.candidate, m_back.candidate);
-        if (lowest == noEnd) {
+        const Tip& tip = m_front.lowest < m_back.lowest ? m_front : m_back;
+        if (tip.candidate == noEnd) {
             break;
         }
-        join(runOf(lowest));
+        join(runOf(tip.candidate));
     }
     finishChain(start);
 }
 
 /// Joins a run that fits, in the first of the ways that hold.
-void Stitcher::join(RunNumber run) {
-    const EndNumber first = firstEnd(run);
-    const EndNumber last = lastEnd(run);
-    m_pool.remove(run);
+void Stitcher::join(RunNumber place) {
+    const EndNumber first = firstEnd(place);
+    const EndNumber last = lastEnd(place);
+    const RunNumber run = m_pool.runAt(place);
+    m_pool.remove(place);
     if (m_pool.meet(m_back.end, first)) {
         extend(m_back, {run, Direction::Forwards, Dropped::First, false, false}, first, last);
     } else if (m_pool.meet(m_back.end, last)) {
@@ -85,10 +90,10 @@ void Stitcher::join(RunNumber run) {
         extend(m_front, {run, Direction::Backwards, Dropped::Last, false, false}, first, last);
     }
     // A candidate stays the lowest until it is joined or its end of the chain moves.
-    if (runOf(m_front.candidate) == run) {
+    if (m_front.lowest == run) {
         search(m_front);
     }
-    if (runOf(m_back.candidate) == run) {
+    if (m_back.lowest == run) {
         search(m_back);
     }
 }
@@ -103,7 +108,7 @@ void Stitcher::extend(Tip& tip, const Piece& piece, EndNumber joined, EndNumber 
 
 void Stitcher::finishChain(RunNumber start) {
     m_walk.insert(m_walk.end(), m_front.pieces.rbegin(), m_front.pieces.rend());
-    m_walk.push_back({start, Direction::Forwards, Dropped::Nothing, false, false});
+    m_walk.push_back({m_pool.runAt(start), Direction::Forwards, Dropped::Nothing, false, false});
     m_walk.insert(m_walk.end(), m_back.pieces.begin(), m_back.pieces.end());
     m_walk.back().endsChain = true;
     m_walk.back().closesChain = m_pool.meet(m_front.end, m_back.end);
