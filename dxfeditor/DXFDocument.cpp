@@ -110,7 +110,7 @@ std::vector<cv::Point3_<double>> DXFDocument::getPoints(std::vector<DXFContour>&
 }
 
 std::vector<cv::Point3_<double>> DXFDocument::walk(std::vector<DXFContour>* contours) const {
-    auto [runs, ends] = dxfeditor::runsOf(m_entities);
+    auto [runs, ends, lines] = dxfeditor::runsOf(m_entities);
     std::vector<cv::Point3_<double>> points = dxfeditor::roomFor(runs);
     dxfeditor::append(dxfeditor::stitch(runs, std::move(ends)), runs, points, contours);
     return points;

@@ -241,8 +241,8 @@ auto pointsOf(const Entity& entity, std::size_t) {
     return pointsOf(entity);
 }
 
-LinePoints pointsOf(const DXFLine& line, std::size_t size) {
-    return LinePoints(segmentOf(line), size);
+LinePoints pointsOf(const Segment& line, std::size_t size) {
+    return LinePoints(line, size);
 }
 
 template <typename Sequence>
@@ -345,6 +345,25 @@ bool isOfKind(const DXFEntity& entity, int kind) {
     });
 }
 
+void addRun(const DXFEntity& entity, int kind, std::size_t size, Runs& runs) {
+    runs.runs.emplace_back(entity, kind, size);
+}
+
+void addRun(const DXFLine& line, int, std::size_t size, Runs& runs) {
+    runs.lines.push_back(segmentOf(line));
+    runs.runs.emplace_back(runs.lines.back(), size);
+}
+
+/// Hands the shape of a run to the visitor.
+template <typename Visitor>
+void visitShape(const void* shape, int kind, Visitor visitor) {
+    if (kind == DXFEntityType::Line) {
+        visitor(*static_cast<const Segment*>(shape));
+    } else {
+        visit(*static_cast<const DXFEntity*>(shape), kind, visitor);
+    }
+}
+
 void append(const DXFEntity& entity, Runs& runs) {
     const int kind = entity.type();
     if (!isOfKind(entity, kind)) {
@@ -353,7 +372,7 @@ void append(const DXFEntity& entity, Runs& runs) {
     visit(entity, kind, [&](const auto& shape) {
         auto points = pointsOf(shape);
         if (const std::size_t size = points.size(); size > 0) {
-            runs.runs.emplace_back(entity, kind, size);
+            addRun(shape, kind, size, runs);
             runs.ends.push_back(firstOf(points, size));
             runs.ends.push_back(lastOf(points, size));
         }
@@ -362,11 +381,14 @@ void append(const DXFEntity& entity, Runs& runs) {
 
 } // namespace
 
+Run::Run(const Segment& line, std::size_t size)
+    : m_shape(&line), m_kind(DXFEntityType::Line), m_size(size & mostPoints) {}
+
 void Run::prefetch() const {
-    visit(*m_entity, m_kind, [](const auto& entity) {
-        const char* const begin = reinterpret_cast<const char*>(&entity);
+    visitShape(m_shape, m_kind, [](const auto& shape) {
+        const char* const begin = reinterpret_cast<const char*>(&shape);
         __builtin_prefetch(begin);
-        __builtin_prefetch(begin + sizeof entity - 1);
+        __builtin_prefetch(begin + sizeof shape - 1);
     });
 }
 
@@ -374,14 +396,15 @@ void Run::appendTo(std::vector<Point>& points, Direction direction, Dropped drop
     const bool isReversed = direction == Direction::Backwards;
     const Part part = {direction, dropped == (isReversed ? Dropped::Last : Dropped::First),
                        dropped == (isReversed ? Dropped::First : Dropped::Last)};
-    visit(*m_entity, m_kind,
-          [&](const auto& entity) { append(pointsOf(entity, m_size), m_size, part, points); });
+    visitShape(m_shape, m_kind,
+               [&](const auto& shape) { append(pointsOf(shape, m_size), m_size, part, points); });
 }
 
 Runs runsOf(const std::list<std::shared_ptr<DXFEntity>>& entities) {
     Runs runs;
     reserveLarge(runs.runs, entities.size());
     reserveLarge(runs.ends, 2 * entities.size());
+    reserveLarge(runs.lines, entities.size());
     for (const std::shared_ptr<DXFEntity>& entity : entities) {
         if (entity != nullptr) {
             append(*entity, runs);

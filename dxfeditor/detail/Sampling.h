@@ -1,5 +1,7 @@
 #pragma once
 
+#include "dxfeditor/DXFPolyline.h"
+
 #include <opencv2/core/types.hpp>
 
 #include <cstddef>
@@ -22,24 +24,27 @@ enum class Dropped : std::uint8_t { Nothing, First, Last };
 /// One entity as a run of points, about ten per drawing unit, with (x, 0, y) for a point (x, y) of
 /// the drawing plane.
 ///
-/// A run does not hold its points. Every point follows from the entity and its own place alone, so
-/// that the ends are known without what lies between them, and the points can be computed where
-/// they are to stay. The entity must outlive the run and stay as it is.
+/// A run does not hold its points. Every point follows from the entity's shape and its own place
+/// alone, so that the ends are known without what lies between them, and the points can be computed
+/// where they are to stay. The shape must outlive the run and stay as it is: the entity, or of a
+/// line only where it starts and ends, since entities lie far apart in memory.
 ///
 /// Example: a line from (0, 0) to (1, 0) is a run of 11 points, from (0, 0, 0) to (1, 0, 0).
 class Run {
 public:
     using Point = cv::Point3_<double>;
 
-    /// @param kind  one of DXFEntityType; the entity is of the class that it names
+    /// @param kind  one of DXFEntityType, not a line; the entity is of the class that it names
     /// @param size  number of points
     Run(const DXFEntity& entity, int kind, std::size_t size)
-        : m_entity(&entity), m_kind(static_cast<unsigned char>(kind)), m_size(size & mostPoints) {}
+        : m_shape(&entity), m_kind(static_cast<unsigned char>(kind)), m_size(size & mostPoints) {}
+
+    Run(const Segment& line, std::size_t size);
 
     /// Number of points.
     std::size_t size() const { return m_size; }
 
-    /// Asks the processor to fetch the entity, for an appendTo() some runs later.
+    /// Asks the processor to fetch the shape, for an appendTo() some runs later.
     void prefetch() const;
 
     /// Appends all points of the run but the dropped one.
@@ -48,7 +53,7 @@ public:
 private:
     static constexpr std::uint64_t mostPoints = (std::uint64_t{1} << 56) - 1;
 
-    const DXFEntity* m_entity;
+    const void* m_shape;
     std::uint64_t m_kind : 8;
     std::uint64_t m_size : 56;
 };
@@ -58,6 +63,8 @@ struct Runs {
     std::vector<Run> runs;
     /// The first and the last point of each run, the same to the bit as Run::appendTo gives them.
     std::vector<Run::Point> ends;
+    /// The shapes of those runs that are lines; never moved.
+    std::vector<Segment> lines;
 };
 
 /// An entity that is empty, that is of none of the known kinds or not of the class that its type
