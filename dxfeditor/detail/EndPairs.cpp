@@ -13,29 +13,16 @@ namespace {
 
 using Point = Run::Point;
 
-/// A cell's place in one direction.
-using Row = std::int64_t;
-
-constexpr double rowsPerUnit = 64.0;
-/// A little more than the tolerance, so that rounding does not matter.
+/// A little more than the tolerance, so that rounding does not matter: the row of every coordinate
+/// in reach of another lies between the rows of the two farthest in reach, which are the same row
+/// or neighbours.
 constexpr double reach = 0.0011;
-/// Beyond it there are no further rows: the outermost one is endless.
-constexpr double endOfRows = 0x1p40;
 
-/// The row of a coordinate. Never decreases from one coordinate to a greater one, not even by
-/// rounding: the row of every coordinate in reach of another lies between the rows of the two
-/// farthest in reach, which are the same row or neighbours. Whole numbers, which drawings prefer,
-/// are far from the sides.
-Row rowOf(double coordinate) {
-    // In this order, what is not a number is in the outermost row.
-    const double inside = std::max(-endOfRows, std::min(endOfRows, coordinate));
-    return static_cast<Row>(inside * rowsPerUnit + 0.5);
-}
-
-std::uint64_t hashOf(Row x, Row y, Row z) {
-    return static_cast<std::uint64_t>(x) * 0x9E3779B97F4A7C15 +
-           static_cast<std::uint64_t>(y) * 0xC2B2AE3D27D4EB4F +
-           static_cast<std::uint64_t>(z) * 0xD6E8FEB86659FD93;
+std::uint32_t hashOf(Row x, Row y, Row z) {
+    const std::uint64_t hash = static_cast<std::uint64_t>(x) * 0x9E3779B97F4A7C15 +
+                               static_cast<std::uint64_t>(y) * 0xC2B2AE3D27D4EB4F +
+                               static_cast<std::uint64_t>(z) * 0xD6E8FEB86659FD93;
+    return static_cast<std::uint32_t>(hash >> 32);
 }
 
 /// The one or two rows in which coordinates in reach of one lie.
@@ -48,8 +35,8 @@ struct RowsInReach {
           count(rows[0] == rows[1] ? 1 : 2) {}
 };
 
-/// Finds the pairs among ends that are added one by one. Cells share slots of a table, by a hash:
-/// an end of another cell is one more to compare with.
+/// Finds the pairs among ends that are added one by one. The cells of a square share slots of a
+/// table, by a hash: an end of another cell is one more to compare with.
 class EndGrid {
 public:
     /// A finite end on its way into the grid.
@@ -61,15 +48,9 @@ public:
         unsigned slotCount;
     };
 
-    explicit EndGrid(const OrderedEnds& ends) : m_ends(ends) {
-        std::size_t slots = 2;
-        m_shift = 63;
-        while (slots < ends.size()) {
-            slots *= 2;
-            --m_shift;
-        }
-        reserveLarge(m_slots, slots);
-        m_slots.resize(slots, noEnd);
+    EndGrid(const OrderedEnds& ends, const SpatialIndex& index) : m_ends(ends), m_index(index) {
+        reserveLarge(m_slots, index.size());
+        m_slots.resize(index.size(), noEnd);
         reserveLarge(m_nodes, ends.size());
         m_nodes.resize(ends.size());
     }
@@ -80,7 +61,6 @@ public:
     void locate(EndNumber end, Entry& entry) const {
         const Point& point = m_ends[end];
         entry.end = end;
-        entry.ownSlot = slotOf(rowOf(point.x), rowOf(point.y), rowOf(point.z));
         entry.slotCount = 0;
         const RowsInReach x(point.x);
         const RowsInReach y(point.y);
@@ -94,6 +74,9 @@ public:
                 }
             }
         }
+        entry.ownSlot = entry.slotCount == 1
+                            ? entry.slots[0]
+                            : slotOf(rowOf(point.x), rowOf(point.y), rowOf(point.z));
     }
 
     void fetch(const Entry& entry) const {
@@ -145,7 +128,9 @@ private:
     };
 
     std::uint32_t slotOf(Row x, Row y, Row z) const {
-        return static_cast<std::uint32_t>(hashOf(x, y, z) >> m_shift);
+        const SpatialIndex::Range range = m_index.rangeOf(x, z);
+        return range.begin +
+               static_cast<std::uint32_t>(std::uint64_t{hashOf(x, y, z)} * range.size >> 32);
     }
 
     void noteOne(EndNumber end, EndNumber other) {
@@ -177,10 +162,10 @@ private:
     }
 
     const OrderedEnds& m_ends;
+    const SpatialIndex& m_index;
     std::vector<Node> m_nodes;
     /// The end added last to each slot, or crowd.
     std::vector<EndNumber> m_slots;
-    int m_shift;
 };
 
 /// Ends that are added together, after the memory for all of them has been asked for.
@@ -236,8 +221,8 @@ void addAll(const OrderedEnds& ends, EndGrid& grid) {
 
 } // namespace
 
-std::vector<EndNumber> pairEnds(const OrderedEnds& ends) {
-    EndGrid grid(ends);
+std::vector<EndNumber> pairEnds(const OrderedEnds& ends, const SpatialIndex& index) {
+    EndGrid grid(ends, index);
     addAll(ends, grid);
     return grid.met();
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "dxfeditor/detail/RunEnds.h"
+#include "dxfeditor/detail/SpatialIndex.h"
 
 #include <vector>
 
@@ -22,6 +23,6 @@ constexpr EndNumber crowd = 0x80000000;
 ///
 /// Equal ends of one run, as of a run of one point, are no different: what they meet is a crowd,
 /// else they are a pair.
-std::vector<EndNumber> pairEnds(const OrderedEnds& ends);
+std::vector<EndNumber> pairEnds(const OrderedEnds& ends, const SpatialIndex& index);
 
 } // namespace dxfeditor

@@ -1,7 +1,6 @@
 #include "dxfeditor/detail/RunPool.h"
 
 #include "dxfeditor/detail/LargePages.h"
-#include "dxfeditor/detail/SpatialOrder.h"
 
 #include <cstddef>
 #include <new>
@@ -30,9 +29,12 @@ std::vector<RunNumber> inverseOf(const std::vector<RunNumber>& order) {
 
 } // namespace
 
-RunPool::RunPool(std::vector<Run::Point> ends)
-    : m_order(spatialOrder(checked(ends))), m_places(inverseOf(m_order)),
-      m_isRemoved(m_order.size()), m_met(pairEnds(OrderedEnds(ends, m_order))),
+RunPool::RunPool(const std::vector<Run::Point>& ends)
+    : RunPool(ends, SpatialIndex(checked(ends))) {}
+
+RunPool::RunPool(const std::vector<Run::Point>& ends, const SpatialIndex& index)
+    : m_order(index.runs()), m_places(inverseOf(m_order)), m_isRemoved(m_order.size()),
+      m_met(pairEnds(OrderedEnds(ends, m_order), index)),
       m_crowd(treeOf(OrderedEnds(ends, m_order))) {
     const OrderedEnds ordered(ends, m_order);
     for (RunEndTree::Place place = 0; place < m_crowd.size(); ++place) {

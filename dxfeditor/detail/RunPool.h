@@ -15,7 +15,7 @@ namespace dxfeditor {
 class RunPool {
 public:
     /// @param ends  the first and the last end of each run
-    explicit RunPool(std::vector<Run::Point> ends);
+    explicit RunPool(const std::vector<Run::Point>& ends);
 
     /// The number of the run at a place, and the place of a run.
     RunNumber runAt(RunNumber place) const { return m_order[place]; }
@@ -38,6 +38,7 @@ public:
     EndNumber lowestAt(EndNumber end) const;
 
 private:
+    RunPool(const std::vector<Run::Point>& ends, const SpatialIndex& index);
     RunEndTree treeOf(const OrderedEnds& ends) const;
     bool isCrowded(EndNumber end) const { return (m_met[end] & crowd) != 0; }
     RunEndTree::Place inCrowd(EndNumber end) const { return m_met[end] & ~crowd; }

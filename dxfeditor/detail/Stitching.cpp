@@ -23,8 +23,8 @@ struct Tip {
 /// Builds a walk, chain by chain. Runs go by their places in the pool.
 class Stitcher {
 public:
-    Stitcher(const std::vector<Run>& runs, std::vector<Run::Point> ends)
-        : m_runs(runs), m_pool(std::move(ends)) {
+    Stitcher(const std::vector<Run>& runs, const std::vector<Run::Point>& ends)
+        : m_runs(runs), m_pool(ends) {
         reserveLarge(m_walk, runs.size());
     }
 
@@ -119,7 +119,7 @@ void Stitcher::finishChain(RunNumber start) {
 } // namespace
 
 Walk stitch(const std::vector<Run>& runs, std::vector<Run::Point> ends) {
-    return Stitcher(runs, std::move(ends)).walk();
+    return Stitcher(runs, ends).walk();
 }
 
 } // namespace dxfeditor

@@ -40,7 +40,7 @@ using Walk = std::vector<Piece>;
 ///
 /// The cost grows with the number of runs, and as n log n where more than two ends meet.
 ///
-/// @param ends  the first and the last point of each run
+/// @param ends  the first and the last point of each run; freed when the walk is known
 Walk stitch(const std::vector<Run>& runs, std::vector<Run::Point> ends);
 
 } // namespace dxfeditor
