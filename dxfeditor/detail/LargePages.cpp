@@ -3,6 +3,7 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdint>
 
 namespace dxfeditor {
@@ -19,7 +20,10 @@ void askForLargePages(void* memory, std::size_t size) {
     }
     // Whole pages only.
     const std::size_t before = (page - reinterpret_cast<std::uintptr_t>(memory) % page) % page;
+    // Some kernels have none, which is no error of the caller's.
+    const int error = errno;
     madvise(static_cast<char*>(memory) + before, (size - before) / page * page, MADV_HUGEPAGE);
+    errno = error;
 }
 
 } // namespace dxfeditor
