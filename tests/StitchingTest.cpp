@@ -172,6 +172,26 @@ TEST(StitchingTest, LargeDrawings) {
     }
 }
 
+TEST(StitchingTest, MeshesOverManyPlacesWithAndWithoutStragglers) {
+    // Whatever a search divides the plane into, ends meet on both sides of it: the mesh's lines lie
+    // anywhere, and a straggler far out changes how the rest is divided.
+    const double stragglers[] = {0.0, 1e4, -1e9, 1e300};
+    for (const double width : {0.37, 1.0 / 3, 5.3}) {
+        for (const double straggler : stragglers) {
+            expectPlainResult(15, 1, 1500, [=](Random& random) {
+                if (straggler != 0.0 && below(random, 500) == 0) {
+                    return Point(straggler * static_cast<double>(below(random, 3)), 0.0, straggler);
+                }
+                const auto coordinate = [&] {
+                    return width * static_cast<double>(below(random, 40)) +
+                           5e-4 * symmetric(random);
+                };
+                return Point(coordinate(), 0.0, coordinate());
+            });
+        }
+    }
+}
+
 TEST(StitchingTest, EndsNearMultiplesOfAFractionOfAUnit) {
     // Where a search by cells of a grid would have the sides of its cells.
     for (const double fraction : {1.0, 0.0078125, 0.015625, 0.03125}) {
