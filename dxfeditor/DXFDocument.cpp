@@ -112,6 +112,8 @@ std::vector<cv::Point3_<double>> DXFDocument::getPoints(std::vector<DXFContour>&
 std::vector<cv::Point3_<double>> DXFDocument::walk(std::vector<DXFContour>* contours) const {
     auto [runs, ends, lines] = dxfeditor::runsOf(m_entities);
     std::vector<cv::Point3_<double>> points = dxfeditor::roomFor(runs);
-    dxfeditor::append(dxfeditor::stitch(runs, std::move(ends)), runs, points, contours);
+    // A statement of its own: at its end the ends are freed, before the points are written.
+    const dxfeditor::Walk order = dxfeditor::stitch(runs, std::move(ends));
+    dxfeditor::append(order, runs, points, contours);
     return points;
 }
