@@ -12,6 +12,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <array>
 #include <chrono>
 #include <csignal>
 #include <thread>
@@ -148,15 +149,29 @@ public:
     /// Waits up to a minute for the program to write something.
     void awaitText() const {
         pollfd waiting = {m_descriptor, POLLIN, 0};
-        poll(&waiting, 1, 60'000);
+        EXPECT_EQ(poll(&waiting, 1, 60'000), 1);
     }
 
+    /// All that was written so far. The kernel hands it over some time after the write, in pieces:
+    /// so a mark is written behind it and waited for.
     std::string text() const {
-        std::string all(65536, '\0');
-        fcntl(m_descriptor, F_SETFL, O_NONBLOCK);
-        const ssize_t count = read(m_descriptor, all.data(), all.size());
-        all.resize(count > 0 ? static_cast<std::size_t>(count) : 0);
-        return all;
+        const std::string mark = "<end of text>";
+        EXPECT_EQ(write(m_other, mark.data(), mark.size()), static_cast<ssize_t>(mark.size()));
+        std::string all;
+        while (true) {
+            const std::size_t end = all.find(mark);
+            if (end != std::string::npos) {
+                return all.substr(0, end);
+            }
+            awaitText();
+            std::array<char, 4096> piece;
+            const ssize_t count = read(m_descriptor, piece.data(), piece.size());
+            if (count <= 0) {
+                ADD_FAILURE() << "the terminal ended before its text: " << all;
+                return all;
+            }
+            all.append(piece.data(), static_cast<std::size_t>(count));
+        }
     }
 
 private:
