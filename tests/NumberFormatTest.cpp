@@ -1,5 +1,7 @@
 #include "converters/detail/NumberFormat.h"
 
+#include "converters/detail/FloatFormat.h"
+
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -16,12 +18,19 @@
 
 namespace {
 
-using converters::detail::writeGeneral;
+char* write(char* out, double value) {
+    return converters::detail::writeGeneral(out, value);
+}
 
-std::string written(double value) {
+char* write(char* out, float value) {
+    return converters::detail::writeGeneralFloat(out, value);
+}
+
+template <typename Number>
+std::string written(Number value) {
     char text[32];
     std::memset(text, '#', sizeof text);
-    char* end = writeGeneral(text, value);
+    char* end = write(text, value);
     EXPECT_LE(end - text, converters::detail::maxGeneralLength);
     for (const char* rest = text + 24; rest < text + sizeof text; ++rest) {
         EXPECT_EQ(*rest, '#') << "wrote beyond the promised room";
@@ -52,11 +61,12 @@ To withBitsOf(From bits) {
 }
 
 /// Both signs of a value, its neighbours and theirs.
-std::vector<double> neighbourhood(double value) {
-    const double infinity = std::numeric_limits<double>::infinity();
-    const double below = std::nextafter(value, -infinity);
-    const double above = std::nextafter(value, infinity);
-    std::vector<double> values = {value, below, above, std::nextafter(below, -infinity),
+template <typename Number>
+std::vector<Number> neighbourhood(Number value) {
+    const Number infinity = std::numeric_limits<Number>::infinity();
+    const Number below = std::nextafter(value, -infinity);
+    const Number above = std::nextafter(value, infinity);
+    std::vector<Number> values = {value, below, above, std::nextafter(below, -infinity),
                                   std::nextafter(above, infinity)};
     for (std::size_t i = 0; i < 5; ++i) {
         values.push_back(-values[i]);
@@ -94,6 +104,29 @@ TEST(GeneralNumber, HasTheFormsOfAStream) {
         EXPECT_EQ(written(value), text);
         EXPECT_EQ(streamed(value), text);
     }
+    const std::pair<float, const char*> floats[] = {
+        {0.0F, "0"},
+        {-0.0F, "-0"},
+        {-1.0F, "-1"},
+        {0.1F, "0.1"},
+        {123456.0F, "123456"},
+        {-123.456F, "-123.456"},
+        {100000.5F, "100000"},
+        {100001.5F, "100002"},
+        {999999.4F, "999999"},
+        {999999.5F, "1e+06"},
+        {9.999996F, "10"},
+        {4.5e6F, "4.5e+06"},
+        {0.0001F, "0.0001"},
+        {0.00001F, "1e-05"},
+        {-2.5e-9F, "-2.5e-09"},
+        {2.5e-10F, "2.5e-10"},
+        {3.4028234e38F, "3.40282e+38"},
+        {1e-45F, "1.4013e-45"},
+    };
+    for (const auto& [value, text] : floats) {
+        EXPECT_EQ(written(value), text);
+    }
 }
 
 TEST(GeneralNumber, NotANumberAndInfinityKeepTheirSign) {
@@ -105,6 +138,7 @@ TEST(GeneralNumber, NotANumberAndInfinityKeepTheirSign) {
     EXPECT_EQ(written(-infinity), "-inf");
     for (const double value : {std::copysign(nan, 1.0), std::copysign(nan, -1.0), infinity}) {
         EXPECT_EQ(written(value), streamed(value));
+        EXPECT_EQ(written(static_cast<float>(value)), streamed(value));
     }
 }
 
@@ -115,7 +149,7 @@ TEST(GeneralNumber, PowersOfTenAndTheirNeighboursAreThoseOfAStream) {
             ASSERT_EQ(written(value), streamed(value)) << exponent;
         }
         const auto single = static_cast<float>(power);
-        for (const float value : {single, std::nextafter(single, 0.0F)}) {
+        for (const float value : neighbourhood(single)) {
             ASSERT_EQ(written(value), streamed(value)) << exponent;
         }
     }
@@ -124,6 +158,11 @@ TEST(GeneralNumber, PowersOfTenAndTheirNeighboursAreThoseOfAStream) {
 TEST(GeneralNumber, PowersOfTwoAndTheirNeighboursAreThoseOfAStream) {
     for (int exponent = -1074; exponent <= 1023; ++exponent) {
         for (const double value : neighbourhood(std::ldexp(1.0, exponent))) {
+            ASSERT_EQ(written(value), streamed(value)) << exponent;
+        }
+    }
+    for (int exponent = -149; exponent <= 127; ++exponent) {
+        for (const float value : neighbourhood(std::ldexp(1.0F, exponent))) {
             ASSERT_EQ(written(value), streamed(value)) << exponent;
         }
     }
@@ -144,11 +183,34 @@ TEST(GeneralNumber, NumbersHalfwayBetweenTwoTextsAreThoseOfAStream) {
     }
 }
 
+TEST(GeneralNumber, EveryFloatHalfwayBetweenTwoTextsGetsTheEvenOne) {
+    // Six digits and a half, by a power of ten, which is an odd number by powers of five and two.
+    std::size_t count = 0;
+    std::int64_t five = 1;
+    for (int k = 0; k <= 8; ++k, five *= 5) {
+        for (std::int64_t odd = 200000 / five | 1; odd * five < 2000000; odd += 2) {
+            const float value = std::ldexp(static_cast<float>(odd), -k - 1);
+            ASSERT_EQ(written(value), printed(value)) << odd;
+            ++count;
+        }
+    }
+    EXPECT_GT(count, 1000000U);
+}
+
+TEST(GeneralNumber, SubnormalFloatsAreThoseOfAStream) {
+    std::mt19937 random(7);
+    for (int i = 0; i < 100000; ++i) {
+        const auto value = withBitsOf<float>(std::uint32_t(random()) & 0x807FFFFF);
+        ASSERT_EQ(written(value), printed(value));
+    }
+}
+
 TEST(GeneralNumber, RandomBitsOfFloatsAreThoseOfAStream) {
     std::mt19937 random(2);
     for (int i = 0; i < 2000000; ++i) {
-        const auto value = static_cast<double>(withBitsOf<float>(std::uint32_t(random())));
+        const auto value = withBitsOf<float>(std::uint32_t(random()));
         ASSERT_EQ(written(value), printed(value));
+        ASSERT_EQ(written(static_cast<double>(value)), written(value));
     }
 }
 
@@ -166,7 +228,7 @@ TEST(GeneralNumber, RandomNumbersOfEveryUsualMagnitudeAreThoseOfAStream) {
     for (int i = 0; i < 2000000; ++i) {
         const double value = mantissa(random) * std::pow(10, i % 44 - 20);
         ASSERT_EQ(written(value), printed(value));
-        const auto single = static_cast<double>(static_cast<float>(value));
+        const auto single = static_cast<float>(value);
         ASSERT_EQ(written(single), printed(single));
     }
 }
@@ -176,6 +238,8 @@ TEST(GeneralNumber, ShortDecimalsAreThoseOfAStream) {
     for (int i = 0; i < 1000000; ++i) {
         const double value = double(random() % 100000000) / std::pow(10, i % 10);
         ASSERT_EQ(written(value), printed(value));
+        const auto single = static_cast<float>(value);
+        ASSERT_EQ(written(single), printed(single));
     }
 }
 

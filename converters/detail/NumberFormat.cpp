@@ -1,5 +1,7 @@
 #include "converters/detail/NumberFormat.h"
 
+#include "converters/detail/SixDigits.h"
+
 #include <array>
 #include <charconv>
 #include <cmath>
@@ -13,8 +15,6 @@
 
 namespace converters::detail {
 namespace {
-
-static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__, "digits are stored as whole words");
 
 /// 10^0 to 10^22: all powers of ten that a double holds exactly.
 constexpr double powersOfTen[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
@@ -54,53 +54,6 @@ constexpr std::array<Decade, decadeCount> decades = [] {
     return table;
 }();
 
-/// The numbers 0 to 999 as three digits, one a byte, the first in the lowest.
-constexpr std::array<std::uint32_t, 1000> threeDigits = [] {
-    std::array<std::uint32_t, 1000> table = {};
-    for (std::uint32_t i = 0; i < table.size(); ++i) {
-        table[i] = i / 100 | (i / 10 % 10) << 8 | (i % 10) << 16;
-    }
-    return table;
-}();
-
-void store(char* out, std::uint64_t characters) {
-    std::memcpy(out, &characters, sizeof characters);
-}
-
-/// Writes digits * 10^(exponent - 5).
-///
-/// @param digits  100000 to 999999
-char* writeDigits(char* out, std::uint32_t digits, int exponent) {
-    const std::uint64_t word =
-        threeDigits[digits / 1000] | static_cast<std::uint64_t>(threeDigits[digits % 1000]) << 24;
-    const std::uint64_t characters = word | 0x3030303030303030;
-    // Without the zeros at the end.
-    const int length = (64 + 7 - __builtin_clzll(word)) >> 3;
-
-    if (exponent >= 0 && exponent < 6) {
-        const int whole = exponent + 1;
-        store(out, characters);
-        out[whole] = '.';
-        store(out + whole + 1, characters >> 8 * whole);
-        return out + (length > whole ? length + 1 : whole);
-    }
-    if (exponent < 0 && exponent >= -4) {
-        std::memcpy(out, "0.000000", 8);
-        store(out + 1 - exponent, characters);
-        return out + 1 - exponent + length;
-    }
-    store(out, characters);
-    out[1] = '.';
-    store(out + 2, characters >> 8);
-    out += length > 1 ? length + 1 : 1;
-    const int magnitude = exponent < 0 ? -exponent : exponent;
-    *out++ = 'e';
-    *out++ = exponent < 0 ? '-' : '+';
-    *out++ = static_cast<char>('0' + magnitude / 10);
-    *out++ = static_cast<char>('0' + magnitude % 10);
-    return out;
-}
-
 /// Zero, infinity, not a number, and what the scaling cannot prove.
 char* writeRare(char* out, double magnitude) {
     if (magnitude == 0) {
@@ -138,8 +91,7 @@ char* writeGeneral(char* out, double value) {
         return writeRare(out, magnitude);
     }
     const auto digits = static_cast<std::uint32_t>(whole + (pastHalf > 0 ? 1 : 0));
-    return digits == 1000000 ? writeDigits(out, 100000, exponent + 1)
-                             : writeDigits(out, digits, exponent);
+    return writeSixDigits(out, digits, exponent);
 }
 
 } // namespace converters::detail

@@ -1,5 +1,6 @@
 #include "converters/detail/PlyText.h"
 
+#include "converters/detail/FloatFormat.h"
 #include "converters/detail/NumberFormat.h"
 
 #include <algorithm>
@@ -48,7 +49,7 @@ char* writeElement(char* out, const PlyColumn& column, const unsigned char* byte
         if (column.isColour) {
             return writeColours(out, valueOf<std::uint32_t>(bytes), {16, 8, 0});
         }
-        return writeGeneral(out, static_cast<double>(valueOf<float>(bytes)));
+        return writeGeneralFloat(out, valueOf<float>(bytes));
     case Field::FLOAT64:
         return writeGeneral(out, valueOf<double>(bytes));
     case Field::INT8: // without its sign: readers of these files know 8-bit values as unsigned
@@ -145,7 +146,7 @@ void writeFloatLines(const std::vector<PlyColumn>& columns, const PointBytes& po
     for (std::size_t i = 0; i < count; ++i) {
         const unsigned char* const point = points.data + i * points.stride;
         for (const std::size_t offset : offsets) {
-            end = writeGeneral(end, static_cast<double>(valueOf<float>(point + offset)));
+            end = writeGeneralFloat(end, valueOf<float>(point + offset));
             *end++ = ' ';
         }
         end[-1] = '\n';
