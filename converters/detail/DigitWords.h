@@ -21,22 +21,30 @@ inline std::uint64_t loadWord(const char* text) {
     return word;
 }
 
+/// The top bit of each byte: is the byte above 9? Right up to the first such byte, the only one
+/// that matters: nothing carries out of a byte before it.
+inline std::uint64_t othersThanDigits(std::uint64_t values) {
+    return ((values + everyByte(0x7F - 9)) | values) & everyByte(0x80);
+}
+
 /// Number of digits at the start of a word of characters.
 inline unsigned countDigits(std::uint64_t word) {
-    const std::uint64_t values = word ^ everyByte('0'); // 0 to 9 for digits
-    // The top bit of each byte: is the byte above 9? Right up to the first such byte, the only one
-    // that matters: nothing carries out of a byte before it.
-    const std::uint64_t others = ((values + everyByte(0x7F - 9)) | values) & everyByte(0x80);
+    const std::uint64_t others = othersThanDigits(word ^ everyByte('0'));
     return others == 0 ? wordLength : static_cast<unsigned>(__builtin_ctzll(others)) / 8;
+}
+
+/// Value of eight digits, each as its value, the first in the lowest byte.
+inline std::uint64_t joinDigits(std::uint64_t digits) {
+    // Neighbours are joined: 1, 2, 4 digits each.
+    digits = (digits * 10 + (digits >> 8)) & 0x00FF00FF00FF00FF;
+    digits = (digits * 100 + (digits >> 16)) & 0x0000FFFF0000FFFF;
+    return (digits * 10000 + (digits >> 32)) & 0xFFFFFFFF;
 }
 
 /// Value of the first `count` characters of a word, all digits; count is 1 to 8.
 inline std::uint64_t valueOfDigits(std::uint64_t word, unsigned count) {
-    // The digits move to the end, behind zeros; then neighbours are joined: 1, 2, 4 digits each.
-    std::uint64_t value = (word ^ everyByte('0')) << (8 * (wordLength - count));
-    value = (value * 10 + (value >> 8)) & 0x00FF00FF00FF00FF;
-    value = (value * 100 + (value >> 16)) & 0x0000FFFF0000FFFF;
-    return (value * 10000 + (value >> 32)) & 0xFFFFFFFF;
+    // The digits move to the end, behind zeros.
+    return joinDigits((word ^ everyByte('0')) << (8 * (wordLength - count)));
 }
 
 /// Digits with at most one point before, among or behind them.
@@ -85,22 +93,55 @@ inline unsigned tokenLength(const char* text) {
     return static_cast<unsigned>(__builtin_ctzll(blanks | 1U << 2 * wordLength));
 }
 
-/// Reads a token of at most seven digits, with an optional minus sign and at most one point: nearly
-/// all numbers of usual files. Digits and power of ten are exact in float, so that one division
-/// gives the nearest float.
+/// The digits of a word with a point among them, as if it were not there.
+struct PointlessDigits {
+    std::uint64_t digits;
+    /// Number of points taken out, 0 or 1, and of digits behind it.
+    unsigned points;
+    unsigned decimals;
+};
+
+/// @param word  the values of digits, at the end of a word; the first point counts as one
+inline PointlessDigits takeOutPoint(std::uint64_t word) {
+    constexpr std::uint64_t point = '.' ^ '0';
+    // The top bit of the byte with the point, 0 when there is none. Right in the lowest such byte.
+    const std::uint64_t rest = word ^ everyByte(point);
+    const std::uint64_t found = (rest - everyByte(1)) & ~rest & everyByte(0x80);
+    const std::uint64_t mark = found & (0 - found);
+    const std::uint64_t points = mark != 0 ? 1 : 0;
+    // Without a point, as if it were behind the last digit.
+    const std::uint64_t markOrEnd = mark | (1 - points) << 63;
+    const std::uint64_t behind = word & (0 - (mark << 1));
+    const std::uint64_t before = word & ((mark >> 7) - 1);
+    return {behind | before << 8 * points, static_cast<unsigned>(points),
+            static_cast<unsigned>(__builtin_clzll(markOrEnd)) / 8};
+}
+
+/// Reads a token of at most eight characters behind an optional minus sign, digits with at most one
+/// point: nearly all numbers of usual files. Digits and power of ten are exact in float, so that
+/// one division gives the nearest float.
 ///
 /// @param text  at least 16 characters have to be readable
 /// @return whether the token is such a number
 inline bool readShortFloat(const char* text, unsigned length, float& value) {
-    constexpr float powersOfTen[] = {1e0F, 1e1F, 1e2F, 1e3F, 1e4F, 1e5F, 1e6F, 1e7F};
+    // Signs are as good as random: a branch on them would be mispredicted.
+    static constexpr float powersOfTen[] = {1e0F,  1e1F,  1e2F,  1e3F,  1e4F,  1e5F,  1e6F,  1e7F,
+                                            -1e0F, -1e1F, -1e2F, -1e3F, -1e4F, -1e5F, -1e6F, -1e7F};
+    constexpr std::uint64_t largestExact = 1 << 24;
     const unsigned sign = *text == '-' ? 1 : 0;
-    const ShortDigits digits = takeShortDigits(text + sign);
-    if (digits.length == 0 || sign + digits.length != length) {
+    const unsigned count = length - sign;
+    if (count == 0 || count > wordLength) {
         return false;
     }
-    const float magnitude =
-        static_cast<float>(static_cast<std::int32_t>(digits.value)) / powersOfTen[digits.decimals];
-    value = sign != 0 ? -magnitude : magnitude;
+    const std::uint64_t word = (loadWord(text + sign) ^ everyByte('0')) << 8 * (wordLength - count);
+    const PointlessDigits number = takeOutPoint(word);
+    const std::uint64_t significand = joinDigits(number.digits);
+    if (othersThanDigits(number.digits) != 0 || count == number.points ||
+        significand > largestExact) {
+        return false;
+    }
+    value = static_cast<float>(static_cast<std::int32_t>(significand)) /
+            powersOfTen[wordLength * sign + number.decimals];
     return true;
 }
 
