@@ -489,8 +489,6 @@ TEST(DxfReader, GarbageIsAnEmptyDrawing) {
     EXPECT_THAT(read("ply\nformat ascii 1.0\nelement vertex 0\nend_header\n"), IsEmpty());
 }
 
-// What dxflib by itself does not survive.
-
 // Texts that dxflib by itself does not survive.
 
 TEST(DxfReaderHazards, LongLinesAreCut) {

@@ -7,11 +7,10 @@
 #include "dxfeditor/DXFPolyline.h"
 #include "dxfeditor/DXFSpline.h"
 #include "tests/support/ChildProcess.h"
+#include "tests/support/OwnFileSystem.h"
 #include "tests/support/TemporaryDirectory.h"
 
 #include <gtest/gtest.h>
-#include <sched.h>
-#include <sys/mount.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -131,23 +130,10 @@ TEST(SecurityNotes, DrawingsThatWereJudgedHaveThePointsOfFromDxf) {
     EXPECT_GT(points.size(), 100U);
 }
 
-// Status of a child process that could not set its test up.
-constexpr int notPermitted = 77;
-constexpr uid_t nobody = 65534;
-
 const std::filesystem::path base = converters::tmpDxfPath.parent_path().parent_path();
 
 std::filesystem::path transientFile() {
     return converters::tmpDxfPath / ("tmp" + std::to_string(getpid()) + ".dxf");
-}
-
-/// An empty file system over the first directory of the temporary directory's path, for this
-/// process alone.
-bool mountOwnBase(const char* options) {
-    std::filesystem::create_directories(base);
-    return unshare(CLONE_NEWNS) == 0 &&
-           mount("none", "/", "none", MS_REC | MS_PRIVATE, nullptr) == 0 &&
-           mount("tmpfs", base.c_str(), "tmpfs", 0, options) == 0;
 }
 
 std::size_t entriesOf(const std::filesystem::path& directory) {
@@ -160,11 +146,12 @@ bool writesADrawing() {
     return converters::toDxf(Points{{1.0, 2.0, 3.0}}, out) && !out.empty();
 }
 
-/// Runs `body` in a child process with an empty base directory, and expects 0 of it.
+/// Runs `body` in a child process with an empty file system over the first directory of the
+/// temporary directory's path, and expects 0 of it.
 void withOwnBase(const char* options, const std::function<int()>& body) {
     const int status = inChildProcess([&] {
         umask(0022);
-        return mountOwnBase(options) ? body() : notPermitted;
+        return mountOwnFileSystem(base, options) ? body() : notPermitted;
     });
     if (status == notPermitted) {
         GTEST_SKIP() << "no permission to mount a file system and to become another user";
@@ -222,6 +209,22 @@ TEST(SecurityNotes, DirectoriesMadeBeforehandForTheProgramsUserServe) {
                        (status.st_mode & 0777U) == 0700 && entriesOf(converters::tmpDxfPath) == 0
                    ? 0
                    : 2;
+    });
+}
+
+TEST(SecurityNotes, DrawingsAreWrittenWhereThereIsNoProc) {
+    withOwnBase("", [] {
+        if (mount("tmpfs", "/proc", "tmpfs", 0, "") != 0) {
+            return notPermitted;
+        }
+        const bool isWritten = writesADrawing();
+        const std::filesystem::path victim = base / "victim";
+        writeContent(victim, "precious");
+        std::filesystem::create_symlink(victim, transientFile());
+        return isWritten && writesADrawing() && entriesOf(converters::tmpDxfPath) == 0 &&
+                       contentOf(victim) == "precious"
+                   ? 0
+                   : 1;
     });
 }
 

@@ -1,17 +1,19 @@
 // toDxf while its file is taken away or replaced, when it is killed, and beside other processes.
 #include "converters/Converters.h"
 #include "tests/support/ChildProcess.h"
+#include "tests/support/OwnFileSystem.h"
 #include "tests/support/TemporaryDirectory.h"
 
 #include <gtest/gtest.h>
-#include <sched.h>
 #include <signal.h>
 #include <sys/mount.h>
+#include <sys/ptrace.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <atomic>
 #include <random>
+#include <set>
 #include <thread>
 
 namespace {
@@ -19,22 +21,12 @@ namespace {
 using Points = std::vector<cv::Point3_<double>>;
 using Bytes = std::vector<unsigned char>;
 
-// Status of a child process that could not set its test up.
-constexpr int notPermitted = 77;
-
 std::filesystem::path transientFile(pid_t process) {
     return converters::tmpDxfPath / ("tmp" + std::to_string(process) + ".dxf");
 }
 
-/// An empty file system in place of the directory above the product's, for this process alone, so
-/// that nothing else can appear in it.
-bool mountOwnBase(const char* options) {
-    const std::filesystem::path product = converters::tmpDxfPath.parent_path().parent_path();
-    std::filesystem::create_directories(product);
-    return unshare(CLONE_NEWNS) == 0 &&
-           mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
-           mount("tmpfs", product.c_str(), "tmpfs", 0, options) == 0;
-}
+/// Above the temporary directory and its parent: the first of the library's own.
+const std::filesystem::path base = converters::tmpDxfPath.parent_path().parent_path();
 
 Points manyPoints() {
     return Points(20'000, {1.0 / 3.0, -2.5, 1e10});
@@ -42,8 +34,7 @@ Points manyPoints() {
 
 TEST(ToDxfFaults, ParentsOfSomebodyElseThrowAndNothingIsMade) {
     const int status = inChildProcess([&] {
-        constexpr uid_t nobody = 65534;
-        if (!mountOwnBase("mode=755") || setuid(nobody) != 0) {
+        if (!mountOwnFileSystem(base, "mode=755") || setuid(nobody) != 0) {
             return notPermitted;
         }
         Bytes out = {1, 2, 3};
@@ -51,8 +42,7 @@ TEST(ToDxfFaults, ParentsOfSomebodyElseThrowAndNothingIsMade) {
             converters::toDxf(manyPoints(), out);
             return 1;
         } catch (const std::filesystem::filesystem_error&) {
-            const auto product = converters::tmpDxfPath.parent_path().parent_path();
-            return out.empty() && std::filesystem::is_empty(product) ? 0 : 2;
+            return out.empty() && std::filesystem::is_empty(base) ? 0 : 2;
         }
     });
     if (status == notPermitted) {
@@ -63,12 +53,11 @@ TEST(ToDxfFaults, ParentsOfSomebodyElseThrowAndNothingIsMade) {
 
 TEST(ToDxfFaults, ReadOnlyFileSystemGivesFalse) {
     const int status = inChildProcess([&] {
-        if (!mountOwnBase("mode=777")) {
+        if (!mountOwnFileSystem(base, "mode=777")) {
             return notPermitted;
         }
         std::filesystem::create_directories(converters::tmpDxfPath);
-        const auto product = converters::tmpDxfPath.parent_path().parent_path();
-        if (mount(nullptr, product.c_str(), nullptr, MS_REMOUNT | MS_RDONLY, nullptr) != 0) {
+        if (mount(nullptr, base.c_str(), nullptr, MS_REMOUNT | MS_RDONLY, nullptr) != 0) {
             return notPermitted;
         }
         Bytes out = {1, 2, 3};
@@ -226,6 +215,95 @@ TEST(ToDxfFaults, NextProcessOfTheSameIdWorksWhereverTheLastOneWasKilled) {
         ASSERT_FALSE(std::filesystem::exists(transientFile(1)));
     }
     EXPECT_GT(leftOver, 0) << "none was killed in the middle";
+}
+
+// Statuses of stepAsProcessOne.
+constexpr int isKilled = 1;
+constexpr int isFinished = 2;
+
+/// Lets a traced child run up to the given number of begins and ends of system calls, and kills it.
+/// @return isKilled, isFinished when the child ended before, or notPermitted
+int stepAndKill(pid_t child, int steps) {
+    int status = 0;
+    if (waitpid(child, &status, 0) != child || !WIFSTOPPED(status)) {
+        return notPermitted;
+    }
+    for (int step = 0; step < steps; ++step) {
+        if (ptrace(PTRACE_SYSCALL, child, nullptr, nullptr) != 0 ||
+            waitpid(child, &status, 0) != child) {
+            return notPermitted;
+        }
+        if (WIFEXITED(status)) {
+            return isFinished;
+        }
+    }
+    kill(child, SIGKILL);
+    waitpid(child, &status, 0);
+    return isKilled;
+}
+
+/// Runs `body` in a process that has the id 1, and kills it after so many steps.
+/// @return that of stepAndKill
+int stepAsProcessOne(const std::function<void()>& body, int steps) {
+    return inChildProcess([&] {
+        if (unshare(CLONE_NEWPID) != 0) {
+            return notPermitted;
+        }
+        const pid_t child = fork();
+        if (child == 0) {
+            if (ptrace(PTRACE_TRACEME, 0, nullptr, nullptr) != 0) {
+                _exit(notPermitted);
+            }
+            raise(SIGSTOP);
+            body();
+            _exit(0);
+        }
+        return stepAndKill(child, steps);
+    });
+}
+
+/// Kills toDxf after each number of steps, and calls it in the next process of the same id.
+/// @return 0, notPermitted, or 1 when a call went wrong
+int killBetweenSystemCalls(const Points& points, const Bytes& expected) {
+    Bytes out;
+    const auto convert = [&] { return converters::toDxf(points, out); };
+    std::set<std::uintmax_t> sizesOfLeftOvers;
+    int steps = 0;
+    for (int outcome = isKilled; outcome != isFinished; ++steps) {
+        outcome = stepAsProcessOne(convert, steps);
+        if (outcome != isKilled && outcome != isFinished) {
+            return notPermitted;
+        }
+        if (std::filesystem::exists(transientFile(1))) {
+            sizesOfLeftOvers.insert(std::filesystem::file_size(transientFile(1)));
+        }
+        int status = -1;
+        waitpid(startAsProcessOne([&] { return convert() && out == expected ? 0 : 1; }), &status,
+                0);
+        EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "after " << steps << " steps";
+        EXPECT_FALSE(std::filesystem::exists(transientFile(1))) << "after " << steps << " steps";
+    }
+    // Killed before the first byte, in between, and before the file was removed.
+    EXPECT_GT(sizesOfLeftOvers.size(), 2U);
+    EXPECT_EQ(sizesOfLeftOvers.count(0), 1U);
+    EXPECT_EQ(sizesOfLeftOvers.count(expected.size()), 1U);
+    return testing::Test::HasFailure() ? 1 : 0;
+}
+
+TEST(ToDxfFaults, NextProcessOfTheSameIdWorksAfterAKillBetweenAnyTwoSystemCalls) {
+    // Several blocks of a file.
+    const Points points(10'000, {1.0 / 3.0, -2.5, 1e10});
+    Bytes expected;
+    ASSERT_TRUE(converters::toDxf(points, expected));
+    // A directory of its own: other tests have a process 1 as well.
+    const int status = inChildProcess([&] {
+        return mountOwnFileSystem(base, "") ? killBetweenSystemCalls(points, expected)
+                                            : notPermitted;
+    });
+    if (status == notPermitted) {
+        GTEST_SKIP() << "no permission to mount a file system and to trace a process";
+    }
+    EXPECT_EQ(status, 0);
 }
 
 TEST(ToDxfFaults, EightProcessesAtOnceDoNotDisturbEachOther) {

@@ -2,14 +2,13 @@
 #include "tests/support/CapturedLog.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/CommaLocale.h"
+#include "tests/support/OwnFileSystem.h"
 #include "tests/support/TemporaryDirectory.h"
 
 #include <dxflib/dl_creationadapter.h>
 #include <dxflib/dl_dxf.h>
 #include <gtest/gtest.h>
-#include <sched.h>
 #include <signal.h>
-#include <sys/mount.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -242,6 +241,20 @@ TEST_F(ToDxf, DirectoryInPlaceOfTheFileIsReportedAndKept) {
     EXPECT_EQ(contentOf(transientFile() / "content"), "precious");
 }
 
+TEST_F(ToDxf, ExceptionOfTheLogReachesTheCallerAndNothingIsTouched) {
+    std::filesystem::create_directory(transientFile());
+    writeContent(transientFile() / "content", "precious");
+    {
+        const ThrowingLog throwing;
+        EXPECT_THROW(converters::toDxf(Points{{1.0, 2.0, 3.0}}, m_out), std::runtime_error);
+    }
+    EXPECT_TRUE(m_out.empty());
+    EXPECT_EQ(contentOf(transientFile() / "content"), "precious");
+    std::filesystem::remove_all(transientFile());
+    EXPECT_TRUE(converters::toDxf(Points(), m_out));
+    EXPECT_EQ(textOf(m_out), dxflibDrawing({}));
+}
+
 TEST_F(ToDxf, FileSizeLimitGivesFalseAndLeavesNothing) {
     const Points points = randomPoints(10'000);
     Bytes complete;
@@ -262,14 +275,9 @@ TEST_F(ToDxf, FileSizeLimitGivesFalseAndLeavesNothing) {
     }
 }
 
-// Status of a child process that could not set its test up.
-constexpr int notPermitted = 77;
-
-/// Mounts a file system of its own over the directory of transient files, for this process alone.
+/// An empty file system over the directory of transient files, for this process alone.
 bool mountOwnDirectory(const char* options) {
-    return unshare(CLONE_NEWNS) == 0 &&
-           mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
-           mount("tmpfs", converters::tmpDxfPath.c_str(), "tmpfs", 0, options) == 0;
+    return mountOwnFileSystem(converters::tmpDxfPath, options);
 }
 
 TEST_F(ToDxf, FullFileSystemGivesFalseAndLeavesNothing) {
@@ -291,7 +299,6 @@ TEST_F(ToDxf, FullFileSystemGivesFalseAndLeavesNothing) {
 
 TEST_F(ToDxf, FileThatCannotBeReadBackGivesFalseAndIsKept) {
     const int status = inChildProcess([&] {
-        constexpr uid_t nobody = 65534;
         if (!mountOwnDirectory("mode=777") || setuid(nobody) != 0) {
             return notPermitted;
         }
@@ -308,7 +315,6 @@ TEST_F(ToDxf, FileThatCannotBeReadBackGivesFalseAndIsKept) {
 
 TEST_F(ToDxf, LeftOverThatCannotBeRemovedGivesFalseAndIsNotFollowed) {
     const int status = inChildProcess([&] {
-        constexpr uid_t nobody = 65534;
         // In a sticky directory users cannot remove each other's files.
         if (!mountOwnDirectory("mode=1777")) {
             return notPermitted;
@@ -334,7 +340,6 @@ TEST_F(ToDxf, LeftOverThatCannotBeRemovedGivesFalseAndIsNotFollowed) {
 
 TEST_F(ToDxf, DirectoryWithoutPermissionToWriteGivesFalseAndAMessage) {
     const int status = inChildProcess([&] {
-        constexpr uid_t nobody = 65534;
         if (!mountOwnDirectory("mode=755") || setuid(nobody) != 0) {
             return notPermitted;
         }
@@ -355,9 +360,7 @@ TEST_F(ToDxf, MissingDirectoryIsCreatedWithItsParentsAndFailureThrows) {
         // An empty file system over the base directory hides the directory that other tests made.
         const std::filesystem::path base = converters::tmpDxfPath.parent_path();
         const std::filesystem::path product = base.parent_path();
-        if (unshare(CLONE_NEWNS) != 0 ||
-            mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
-            mount("tmpfs", product.c_str(), "tmpfs", 0, "") != 0) {
+        if (!mountOwnFileSystem(product, "")) {
             return notPermitted;
         }
         const bool created = converters::toDxf(Points{{1.0, 2.0, 3.0}}, m_out) &&
