@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# scripts/robustness.sh: the fuzz targets for a minute each, the thread sanitizer, clang's arithmetic
-# sanitizers and valgrind, on the tests that are about them. About ten minutes on two cores.
+# scripts/robustness.sh: the fuzz targets for a minute each; all tests with clang's arithmetic
+# sanitizers, and with the standard library's assertions; the thread sanitizer and valgrind, on the
+# tests that are about them. About ten minutes on two cores, and as many for the first builds.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -59,15 +60,16 @@ stage "thread sanitizer"
 scripts/build.sh tsan threads_test
 runs build/tsan/tests/threads_test
 
-# Everything that computes; dxflib and the others come as they are.
-stage "arithmetic sanitizers"
-integer_tests=(dxf_intake_test ply_reader_differential_test dxf_text_writer_test from_dxf_test
-  from_ply_test number_format_test ply_body_test ply_header_test point_extraction_test spline_test
-  stitching_test)
-scripts/build.sh integer "${integer_tests[@]}"
-for test in "${integer_tests[@]}"; do
-  # The sanitizers' allocator ends the process where others throw std::bad_alloc.
-  runs "build/integer/tests/$test" --gtest_filter=-'*BeyondTheAddressSpace*'
+for preset in integer debug; do
+  stage "all tests, preset $preset"
+  scripts/build.sh "$preset"
+  if ctest --preset "$preset" --parallel "$(nproc)" >"$logs/$preset"; then
+    passed=$((passed + 1))
+    grep 'tests passed' "$logs/$preset"
+  else
+    failed=$((failed + 1))
+    grep -vE '^ +Start +[0-9]+: | Passed +[0-9.]+ sec$' "$logs/$preset"
+  fi
 done
 
 # Sees what sanitizers do not: dxflib, which is not built with them. What reads and writes drawings,

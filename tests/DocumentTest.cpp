@@ -45,7 +45,7 @@ std::shared_ptr<DXFEntity> entity() {
     return std::make_shared<DXFPoint>(0, 0, 0);
 }
 
-#ifdef __SANITIZE_ADDRESS__
+#ifdef CONVERTERS_ADDRESS_SANITIZER
 constexpr int tooManyToSearch = 50000;
 #else
 /// Walking a list of this many for each of them takes longer than the tests may.

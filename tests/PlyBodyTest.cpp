@@ -388,7 +388,7 @@ TEST(PlyBody, BinaryBodyBeyondTwoGibibytesIsWhole) {
         << "the last point's fields lie partly or wholly outside the data";
 }
 
-#ifndef __SANITIZE_ADDRESS__ // which ends the process for such an allocation
+#ifndef CONVERTERS_ADDRESS_SANITIZER // which ends the process for such an allocation
 TEST(PlyBody, BodyBeyondTheAddressSpaceIsBadAlloc) {
     const auto cloud =
         rawCloud(0x7FFFFFFF, 1, std::vector<Field>(1 << 15, field("a", 0, Field::FLOAT64)), {1});
