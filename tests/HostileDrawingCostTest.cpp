@@ -3,6 +3,7 @@
 #include "dxfeditor/DXFDocument.h"
 #include "dxfeditor/DXFReader.h"
 #include "tests/support/HostileDrawings.h"
+#include "tests/support/TemporaryDirectory.h"
 
 #ifdef CONVERTERS_COUNTED_MEMORY
 #include "tests/support/FailingAllocator.h"
@@ -31,21 +32,37 @@ bool isRead(const std::string& text) {
 
 #ifdef CONVERTERS_COUNTED_MEMORY
 
-std::size_t bytesToRead(const std::string& text) {
+bool isReadFromFile(const std::string& path) {
+    return DXFDocument::load(path) != nullptr;
+}
+
+std::size_t bytesToRead(bool (*read)(const std::string&), const std::string& from) {
     const std::size_t before = allocator::liveBytes();
     allocator::forgetPeak();
-    EXPECT_TRUE(isRead(text));
+    EXPECT_TRUE(read(from));
     return allocator::peakBytes() - before;
 }
 
-TEST_P(HostileDrawingCost, IsBoundedInMemory) {
+void expectBound(std::size_t small, std::size_t large) {
     constexpr std::size_t fixedLimit = std::size_t{64} << 20;
     constexpr std::size_t limitPerByte = 200;
-    const std::size_t small = bytesToRead(GetParam().text(smallSize));
-    const std::size_t large = bytesToRead(GetParam().text(largeSize));
     EXPECT_LE(small, fixedLimit);
     EXPECT_LE(large, small + limitPerByte * (largeSize - smallSize));
-    RecordProperty("bytesForEachByte", static_cast<int>(large / largeSize));
+    testing::Test::RecordProperty("bytesForEachByte", static_cast<int>(large / largeSize));
+}
+
+TEST_P(HostileDrawingCost, IsBoundedInMemory) {
+    expectBound(bytesToRead(isRead, GetParam().text(smallSize)),
+                bytesToRead(isRead, GetParam().text(largeSize)));
+}
+
+TEST_P(HostileDrawingCost, IsBoundedInMemoryFromAFile) {
+    const TemporaryDirectory directory;
+    const std::string small = directory.file("small.dxf");
+    const std::string large = directory.file("large.dxf");
+    writeContent(small, GetParam().text(smallSize));
+    writeContent(large, GetParam().text(largeSize));
+    expectBound(bytesToRead(isReadFromFile, small), bytesToRead(isReadFromFile, large));
 }
 
 #else

@@ -2,6 +2,8 @@
 #include "converters/Converters.h"
 #include "converters/PlySerializerDeserializer.h"
 #include "dxfeditor/DXFDocument.h"
+#include "dxfeditor/DXFDraw.h"
+#include "dxfeditor/DXFPoint.h"
 #include "dxfeditor/DXFReader.h"
 #include "tests/support/CapturedLog.h"
 #include "tests/support/CommaLocale.h"
@@ -9,6 +11,7 @@
 
 #include <gtest/gtest.h>
 #include <pcl/console/print.h>
+#include <unistd.h>
 
 #include <atomic>
 #include <cstring>
@@ -79,10 +82,20 @@ Bytes refusedPly() {
     return {text.begin(), text.end()};
 }
 
-std::string asciiBody(const pcl::PCLPointCloud2& cloud) {
+std::string asciiBody(const PLYSerializer& serializer, const pcl::PCLPointCloud2& cloud) {
     std::ostringstream stream;
-    PLYSerializer().WriteDataASCII(cloud, stream);
+    serializer.WriteDataASCII(cloud, stream);
     return stream.str();
+}
+
+/// What DXFDraw makes of a point and of an entity that it does not write.
+std::string drawn(const std::string& path) {
+    DXFDraw draw(path);
+    draw.setupFile();
+    draw.document.addEntity(std::make_shared<DXFPoint>(1.5, 2.5, 3.5));
+    draw.document.addEntity(nullptr);
+    draw.saveFile();
+    return contentOf(path);
 }
 
 TEST(Threads, AllFunctionsButToDxfMayRunAtTheSameTimeOnSharedInputs) {
@@ -102,13 +115,16 @@ TEST(Threads, AllFunctionsButToDxfMayRunAtTheSameTimeOnSharedInputs) {
     ASSERT_TRUE(converters::toPlyAscii(cloud, ascii));
     Points walk;
     ASSERT_TRUE(converters::fromDxf(dxf, walk));
-    const std::string body = asciiBody(raw);
+    const PLYSerializer serializer;
+    const std::string body = asciiBody(serializer, raw);
+    const std::string ownDrawing = drawn(directory.file("drawn.dxf"));
+    ASSERT_FALSE(ownDrawing.empty());
     DXFDocument shared;
     DXFReader(shared).load(dxf.data(), dxf.size());
     shared.setup();
 
     std::atomic<int> wrong{0};
-    const auto callAll = [&](int) {
+    const auto callAll = [&](int number) {
         const auto check = [&](bool isRight) { wrong += isRight ? 0 : 1; };
         Bytes out;
         check(converters::toPlyBinary(cloud, out) && out == binary);
@@ -127,7 +143,8 @@ TEST(Threads, AllFunctionsButToDxfMayRunAtTheSameTimeOnSharedInputs) {
         document->setup();
         check(document->getPoints() == walk);
         check(shared.getPoints() == walk && shared.getLayer("walls") != nullptr);
-        check(asciiBody(raw) == body);
+        check(asciiBody(serializer, raw) == body);
+        check(drawn(directory.file("drawn" + std::to_string(number) + ".dxf")) == ownDrawing);
     };
     const auto messagesOf = [](const std::function<void()>& calls) {
         const CapturedLog log;
@@ -160,6 +177,26 @@ TEST(Threads, OneToDxfAtATimeMayRunBesideEverythingElse) {
         }
     });
     EXPECT_EQ(wrong, 0);
+}
+
+TEST(Threads, CallsOfToDxfThatOverlapGiveTheWholeDrawingOrNothing) {
+    std::vector<Points> points;
+    std::vector<Bytes> expected(threads);
+    for (int number = 0; number < threads; ++number) {
+        points.emplace_back(100 * (number + 1), cv::Point3_<double>(number, 0.5, 1.5));
+        ASSERT_TRUE(converters::toDxf(points.back(), expected[number]));
+    }
+    std::atomic<int> wrong{0};
+    inManyThreads([&](int number) {
+        Bytes out = {1, 2, 3};
+        const bool isMade = converters::toDxf(points[number], out);
+        wrong += (isMade ? out == expected[number] : out.empty()) ? 0 : 1;
+    });
+    EXPECT_EQ(wrong, 0);
+    const std::string transientFile = "tmp" + std::to_string(getpid()) + ".dxf";
+    EXPECT_FALSE(std::filesystem::exists(converters::tmpDxfPath / transientFile));
+    Bytes out;
+    EXPECT_TRUE(converters::toDxf(points[3], out) && out == expected[3]);
 }
 
 TEST(Threads, DrawingsMayBeReadAtTheSameTimeWhenTheGlobalLocaleHasADecimalComma) {
