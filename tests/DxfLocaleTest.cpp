@@ -2,6 +2,7 @@
 #include "dxfeditor/DXFReader.h"
 #include "tests/support/CommaLocale.h"
 #include "tests/support/DrawingText.h"
+#include "tests/support/TemporaryDirectory.h"
 
 #include <gtest/gtest.h>
 
@@ -88,6 +89,22 @@ TEST(DxfLocale, TheLocaleOfTheCLibraryIsLeftAlone) {
     DXFReader(document).load(drawing());
     EXPECT_EQ(std::setlocale(LC_ALL, nullptr), before);
     std::setlocale(LC_ALL, "C");
+}
+
+TEST(DxfLocale, AFileIsReadInTheSameLocales) {
+    const TemporaryDirectory directory;
+    const std::string path = directory.file("drawing.dxf");
+    const std::vector<char> bytes = drawing();
+    writeContent(path, std::string(bytes.begin(), bytes.end()));
+    const CommaLocale comma;
+    const std::locale before;
+    const std::string beforeOfC = std::setlocale(LC_ALL, nullptr);
+    DXFDocument document;
+    LocaleWatcher reader(document);
+    reader.load(path);
+    EXPECT_EQ(describe(document), "line 1.5 2.5 1234567.25 0 0 0 {0 256 -1 -1 BYLAYER 1 -1}\n");
+    EXPECT_TRUE(std::locale() == before);
+    EXPECT_EQ(std::setlocale(LC_ALL, nullptr), beforeOfC);
 }
 
 } // namespace
