@@ -249,6 +249,26 @@ TEST(StitchingTest, ShuffledAndFlippedLinesOfALargeDrawing) {
     }
 }
 
+TEST(StitchingTest, LinesOfOnePointAmongLongerOnesAndOtherEntities) {
+    Random random(16);
+    for (int drawing = 0; drawing < 200; ++drawing) {
+        const auto corner = [&] {
+            return Point(0.06 * static_cast<double>(below(random, 9)),
+                         0.06 * static_cast<double>(below(random, 9)), symmetric(random));
+        };
+        DXFDocument document;
+        for (std::size_t i = 1 + below(random, 80); i > 0; --i) {
+            const Point start = corner();
+            if (below(random, 5) == 0) {
+                document.addEntity(std::make_shared<DXFPoint>(start.x, start.y, start.z));
+            } else {
+                document.addEntity(std::make_shared<DXFLine>(start, corner()));
+            }
+        }
+        ASSERT_TRUE(samePoints(document.getPoints(), plainPoints(document))) << drawing;
+    }
+}
+
 /// A run of the given points, as they are to come out.
 std::shared_ptr<DXFPointVector> run(std::vector<Point> points) {
     for (Point& point : points) {

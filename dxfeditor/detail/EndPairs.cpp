@@ -109,8 +109,9 @@ public:
         noteOne(b, a);
     }
 
-    /// What each end has met.
-    std::vector<EndNumber> met() const {
+    /// What each end has met. The end of the grid.
+    std::vector<EndNumber> met() && {
+        std::vector<EndNumber>().swap(m_slots);
         std::vector<EndNumber> met;
         reserveLarge(met, m_nodes.size());
         for (std::size_t end = 0; end < m_nodes.size(); ++end) {
@@ -224,7 +225,7 @@ void addAll(const OrderedEnds& ends, EndGrid& grid) {
 std::vector<EndNumber> pairEnds(const OrderedEnds& ends, const SpatialIndex& index) {
     EndGrid grid(ends, index);
     addAll(ends, grid);
-    return grid.met();
+    return std::move(grid).met();
 }
 
 } // namespace dxfeditor

@@ -2,6 +2,7 @@
 
 #include "dxfeditor/detail/LargePages.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <new>
 #include <utility>
@@ -48,6 +49,9 @@ RunPool::RunPool(const std::vector<Run::Point>& ends, const SpatialIndex& index)
 
 RunEndTree RunPool::treeOf(const OrderedEnds& ends) const {
     std::vector<RunEndTree::End> crowded;
+    // Room for all at once: growing would hold them twice.
+    const auto count = std::count(m_met.begin(), m_met.end(), crowd);
+    reserveLarge(crowded, static_cast<std::size_t>(count));
     for (std::size_t end = 0; end < m_met.size(); ++end) {
         if (m_met[end] == crowd && !ends.isSecondOfEqual(end)) {
             const EndNumber numbered = 2 * m_order[end / 2] + end % 2;

@@ -349,15 +349,24 @@ void addRun(const DXFEntity& entity, int kind, std::size_t size, Runs& runs) {
     runs.runs.emplace_back(entity, kind, size);
 }
 
-void addRun(const DXFLine& line, int, std::size_t size, Runs& runs) {
-    runs.lines.push_back(segmentOf(line));
-    runs.runs.emplace_back(runs.lines.back(), size);
+/// Whether a run has a copy of its shape. A copy for a single point would be larger than the point.
+bool hasSegment(int kind, std::size_t size) {
+    return kind == DXFEntityType::Line && size > 1;
+}
+
+void addRun(const DXFLine& line, int kind, std::size_t size, Runs& runs) {
+    if (hasSegment(kind, size)) {
+        runs.lines.push_back(segmentOf(line));
+        runs.runs.emplace_back(runs.lines.back(), size);
+    } else {
+        runs.runs.emplace_back(line, kind, size);
+    }
 }
 
 /// Hands the shape of a run to the visitor.
 template <typename Visitor>
-void visitShape(const void* shape, int kind, Visitor visitor) {
-    if (kind == DXFEntityType::Line) {
+void visitShape(const void* shape, int kind, std::size_t size, Visitor visitor) {
+    if (hasSegment(kind, size)) {
         visitor(*static_cast<const Segment*>(shape));
     } else {
         visit(*static_cast<const DXFEntity*>(shape), kind, visitor);
@@ -385,7 +394,7 @@ Run::Run(const Segment& line, std::size_t size)
     : m_shape(&line), m_kind(DXFEntityType::Line), m_size(size & mostPoints) {}
 
 void Run::prefetch() const {
-    visitShape(m_shape, m_kind, [](const auto& shape) {
+    visitShape(m_shape, m_kind, m_size, [](const auto& shape) {
         const char* const begin = reinterpret_cast<const char*>(&shape);
         __builtin_prefetch(begin);
         __builtin_prefetch(begin + sizeof shape - 1);
@@ -396,7 +405,7 @@ void Run::appendTo(std::vector<Point>& points, Direction direction, Dropped drop
     const bool isReversed = direction == Direction::Backwards;
     const Part part = {direction, dropped == (isReversed ? Dropped::Last : Dropped::First),
                        dropped == (isReversed ? Dropped::First : Dropped::Last)};
-    visitShape(m_shape, m_kind,
+    visitShape(m_shape, m_kind, m_size,
                [&](const auto& shape) { append(pointsOf(shape, m_size), m_size, part, points); });
 }
 

@@ -27,18 +27,19 @@ enum class Dropped : std::uint8_t { Nothing, First, Last };
 /// A run does not hold its points. Every point follows from the entity's shape and its own place
 /// alone, so that the ends are known without what lies between them, and the points can be computed
 /// where they are to stay. The shape must outlive the run and stay as it is: the entity, or of a
-/// line only where it starts and ends, since entities lie far apart in memory.
+/// line of some points only where it starts and ends, since entities lie far apart in memory.
 ///
 /// Example: a line from (0, 0) to (1, 0) is a run of 11 points, from (0, 0, 0) to (1, 0, 0).
 class Run {
 public:
     using Point = cv::Point3_<double>;
 
-    /// @param kind  one of DXFEntityType, not a line; the entity is of the class that it names
-    /// @param size  number of points
+    /// @param kind  one of DXFEntityType; the entity is of the class that it names
+    /// @param size  number of points, of a line 1
     Run(const DXFEntity& entity, int kind, std::size_t size)
         : m_shape(&entity), m_kind(static_cast<unsigned char>(kind)), m_size(size & mostPoints) {}
 
+    /// @param size  number of points, more than 1
     Run(const Segment& line, std::size_t size);
 
     /// Number of points.
@@ -63,7 +64,7 @@ struct Runs {
     std::vector<Run> runs;
     /// The first and the last point of each run, the same to the bit as Run::appendTo gives them.
     std::vector<Run::Point> ends;
-    /// The shapes of those runs that are lines; never moved.
+    /// The shapes of those runs that are lines of more than one point; never moved.
     std::vector<Segment> lines;
 };
 
