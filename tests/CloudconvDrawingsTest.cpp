@@ -80,10 +80,33 @@ TEST_F(CloudconvDrawing, IsKnownByItsExtensionInAnyCaseOrByTheOption) {
         writeFile(in(name), bytes);
         EXPECT_EQ(run({in(name), in("out.ply")}).status, 0) << name;
     }
-    for (const char* name : {"a", ".dxf", "adxf", "a.dxf.bak"}) {
+    for (const char* name : {"a", "adxf", "a.dxf.bak", "a.ply"}) {
         writeFile(in(name), bytes);
-        EXPECT_EQ(run({in(name), in("out.ply")}).status, name[0] == '.' ? 0 : 1) << name;
         EXPECT_EQ(run({in(name), in("out.ply"), "--from", "DXF"}).status, 0) << name;
+    }
+}
+
+TEST_F(CloudconvDrawing, IsNeitherReadNorWrittenUnderAnExtensionThatSaysSomethingElse) {
+    const std::string bytes = drawing(line(0, 0, 1, 0));
+    for (const char* name : {"a", "adxf", "a.dxf.bak", "a.pcd", "a.plyx"}) {
+        writeFile(in("in.dxf"), bytes);
+        const std::string quoted = '"' + in(name).string() + '"';
+        ProgramResult result = run({in("in.dxf"), in(name)});
+        EXPECT_EQ(result.status, 2) << name;
+        EXPECT_EQ(result.errors, "cloudconv: " + quoted +
+                                     " ends neither in .ply nor in .dxf: add --to ply or --to "
+                                     "dxf\n");
+        EXPECT_THAT(names(), ::testing::ElementsAre("in.dxf"));
+        for (const std::vector<std::string>& command :
+             {std::vector<std::string>{"convert", in(name), in("out.ply")},
+              {"info", in(name)},
+              {"preview", in(name), in("out.png")}}) {
+            result = run(command);
+            EXPECT_EQ(result.status, 2) << command[0];
+            EXPECT_EQ(result.errors, "cloudconv: " + quoted +
+                                         " ends neither in .ply nor in .dxf: add --from ply or "
+                                         "--from dxf\n");
+        }
     }
 }
 
@@ -272,10 +295,12 @@ TEST_F(CloudconvStreams, NeedAFormat) {
     const fs::path from = drawingFile(drawing(line(0, 0, 1, 0)));
     ProgramResult result = run({from, "-"});
     EXPECT_EQ(result.status, 2);
-    EXPECT_EQ(result.errors, "cloudconv: \"-\" has no extension: add --to ply or --to dxf\n");
+    EXPECT_EQ(result.errors,
+              "cloudconv: \"-\" ends neither in .ply nor in .dxf: add --to ply or --to dxf\n");
     result = run({"-", in("out.ply")});
     EXPECT_EQ(result.status, 2);
-    EXPECT_EQ(result.errors, "cloudconv: \"-\" has no extension: add --from ply or --from dxf\n");
+    EXPECT_EQ(result.errors,
+              "cloudconv: \"-\" ends neither in .ply nor in .dxf: add --from ply or --from dxf\n");
 }
 
 TEST_F(CloudconvDrawing, OptionsOfTheOtherFormatAreWrongUsage) {

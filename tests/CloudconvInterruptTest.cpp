@@ -187,7 +187,7 @@ protected:
         const fs::path pipe = in("pipe");
         EXPECT_EQ(mkfifo(pipe.c_str(), 0600), 0);
         const Terminal terminal;
-        std::vector<std::string> arguments = {pipe, in("out.ply")};
+        std::vector<std::string> arguments = {pipe, in("out.ply"), "--from=ply"};
         arguments.insert(arguments.end(), options.begin(), options.end());
         const pid_t child = start(arguments, [&] { terminal.becomeStandardError(); });
         const int writer = open(pipe.c_str(), O_WRONLY | O_CLOEXEC);

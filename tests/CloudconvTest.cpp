@@ -86,6 +86,34 @@ TEST_F(CloudconvUsage, VersionIsThatOfTheProject) {
     EXPECT_EQ(result.output, "cloudconv " CLOUDCONV_VERSION "\n");
 }
 
+TEST_F(CloudconvUsage, HelpThatCannotBeWrittenIsAFailure) {
+    for (const std::vector<std::string>& arguments :
+         {std::vector<std::string>{"--help"}, {"--version"}, {"info", "--help"}}) {
+        ProgramResult result =
+            run(arguments, [] { static_cast<void>(std::freopen("/dev/full", "wb", stdout)); });
+        EXPECT_EQ(result.status, 1);
+        EXPECT_EQ(result.errors, "cloudconv: standard output: No space left on device\n");
+        result = run(arguments, [] { close(STDOUT_FILENO); });
+        EXPECT_EQ(result.status, 1);
+        EXPECT_EQ(result.errors, "cloudconv: standard output: Bad file descriptor\n");
+    }
+}
+
+TEST_F(CloudconvUsage, WhatIsWrongIsOneLineThatNamesTheHelp) {
+    const std::vector<std::pair<std::vector<std::string>, std::string>> cases = {
+        {{}, "A subcommand is required: see \"cloudconv --help\""},
+        {{"info"}, "FILE is required: see \"cloudconv info --help\""},
+        {{"a.ply"}, "OUTPUT is required: see \"cloudconv convert --help\""},
+        {{"info", "a.ply", "b\nc"},
+         "The following argument was not expected: b\\x0Ac: see \"cloudconv info --help\""}};
+    for (const auto& [arguments, text] : cases) {
+        const ProgramResult result = run(arguments);
+        EXPECT_EQ(result.status, 2);
+        EXPECT_EQ(result.output, "");
+        EXPECT_EQ(result.errors, "cloudconv: " + text + '\n');
+    }
+}
+
 TEST_F(CloudconvUsage, WrongArgumentsAreStatus2AndTouchNothing) {
     const std::string from = input(smallScan());
     const std::string to = in("out.ply");
@@ -351,7 +379,7 @@ TEST_F(CloudconvInput, ThatDoesNotExistIsNamed) {
 }
 
 TEST_F(CloudconvInput, ThatIsAFolderIsNamed) {
-    const fs::path from = in("folder");
+    const fs::path from = in("folder.ply");
     fs::create_directory(from);
     expectFailure(from, in("out.ply"), from.string() + ": Is a directory");
 }
@@ -368,7 +396,7 @@ TEST_F(CloudconvInput, MayBeAPipe) {
     // More than a pipe holds, and more than one growth of the reader's room.
     const std::string scan = asciiPly(std::vector<std::string>(50000, "1 2 3 4"));
     std::thread writer([&] { writeFile(pipe, scan); });
-    EXPECT_EQ(run({pipe, in("out.ply")}).status, 0);
+    EXPECT_EQ(run({pipe, in("out.ply"), "--from", "ply"}).status, 0);
     writer.join();
     EXPECT_EQ(readFile(in("out.ply")).size(), writtenHeader(binaryHead, 50000, 1).size() + 800000);
 }
@@ -440,7 +468,7 @@ TEST_F(CloudconvOutput, BehindAFileThatIsNoFolderIsNamed) {
 }
 
 TEST_F(CloudconvOutput, ThatIsAFolderStaysOne) {
-    const fs::path to = in("folder");
+    const fs::path to = in("folder.ply");
     fs::create_directory(to);
     expectFailure(input(smallScan()), to, to.string() + ": Is a directory");
     EXPECT_TRUE(fs::is_directory(to));
@@ -448,7 +476,7 @@ TEST_F(CloudconvOutput, ThatIsAFolderStaysOne) {
 }
 
 TEST_F(CloudconvOutput, WithTheLongestNameThatAFolderHoldsIsWritten) {
-    const fs::path to = in(std::string(255, 'n'));
+    const fs::path to = in(std::string(251, 'n') + ".ply");
     EXPECT_EQ(run({input(smallScan()), to, "--ascii"}).status, 0);
     EXPECT_EQ(readFile(to), smallScanAsWrittenAscii());
 }
@@ -512,9 +540,11 @@ TEST_F(CloudconvOutput, OnAFullDiskStaysAsItWas) {
 
 TEST_F(CloudconvOutput, ThatIsADeviceIsWrittenToAndNotReplaced) {
     const fs::path from = input(smallScan());
-    EXPECT_EQ(run({from, "/dev/null"}).status, 0);
+    EXPECT_EQ(run({from, "/dev/null", "--to", "ply"}).status, 0);
     EXPECT_TRUE(fs::is_character_file("/dev/null"));
-    expectFailure(from, "/dev/full", "/dev/full: No space left on device");
+    const ProgramResult full = run({from, "/dev/full", "--to", "ply"});
+    EXPECT_EQ(full.status, 1);
+    EXPECT_EQ(full.errors, "cloudconv: /dev/full: No space left on device\n");
     EXPECT_TRUE(fs::is_character_file("/dev/full"));
 }
 
@@ -524,7 +554,7 @@ TEST_F(CloudconvOutput, ThatIsAPipeGetsTheBytes) {
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
     std::string received;
     std::thread reader([&] { received = readFile(pipe); });
-    EXPECT_EQ(run({from, pipe}).status, 0);
+    EXPECT_EQ(run({from, pipe, "--to", "ply"}).status, 0);
     reader.join();
     EXPECT_EQ(run({from, in("out.ply")}).status, 0);
     EXPECT_EQ(received, readFile(in("out.ply")));

@@ -15,9 +15,9 @@ of one row, whose intensity counts from 1 the runs that are joined. A cloud
 becomes a drawing of POINTs, one at the x, y and z of each point; POINTs that
 follow one another are read back with the sign of z turned.
 
-The format follows from the extension: .dxf is DXF, all others are PLY. "-" is
-standard input or output and needs --from or --to. The output appears whole or
-not at all. What it does not show is said on standard error.
+The format follows from the extension, .ply or .dxf; all other names, and "-",
+which is standard input or output, need --from or --to. The output appears whole
+or not at all. What it does not show is said on standard error.
 
 Examples:
   cloudconv convert drawing.dxf walk.ply

@@ -1,10 +1,7 @@
 #include "tools/cloudconv/FileFormat.h"
 
+#include "tools/cloudconv/Extension.h"
 #include "tools/cloudconv/UsageError.h"
-
-#include <strings.h>
-
-#include <cstring>
 
 const std::map<std::string, FileFormat>& fileFormatNames() {
     static const std::map<std::string, FileFormat> names = {{"ply", FileFormat::Ply},
@@ -14,15 +11,11 @@ const std::map<std::string, FileFormat>& fileFormatNames() {
 
 FileFormat formatOf(const std::string& path, std::optional<FileFormat> asked,
                     const std::string& option) {
-    constexpr char drawingExtension[] = ".dxf";
-    constexpr std::size_t length = sizeof drawingExtension - 1;
-    if (asked.has_value()) {
-        return *asked;
+    const std::optional<FileFormat> known =
+        asked.has_value() ? asked : formatByExtension(path, fileFormatNames());
+    if (!known.has_value()) {
+        throw UsageError('"' + path + "\" ends neither in .ply nor in .dxf: add " + option +
+                         " ply or " + option + " dxf");
     }
-    if (path == "-") {
-        throw UsageError("\"-\" has no extension: add " + option + " ply or " + option + " dxf");
-    }
-    const bool isDrawing = path.size() > length &&
-                           strcasecmp(path.c_str() + path.size() - length, drawingExtension) == 0;
-    return isDrawing ? FileFormat::Dxf : FileFormat::Ply;
+    return *known;
 }

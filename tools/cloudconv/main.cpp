@@ -6,12 +6,14 @@
 #include "tools/cloudconv/Interrupt.h"
 #include "tools/cloudconv/PreviewCommand.h"
 #include "tools/cloudconv/StandardError.h"
+#include "tools/cloudconv/StandardOutput.h"
 #include "tools/cloudconv/UsageError.h"
 
 #include <algorithm>
 #include <csignal>
 #include <exception>
 #include <new>
+#include <sstream>
 #include <stdexcept>
 
 namespace {
@@ -62,6 +64,20 @@ std::vector<std::string> commandLine(const CLI::App& app, int argc, char** argv)
     return arguments;
 }
 
+/// Prints what the parser has to say in place of a run: the help, or what is wrong.
+ExitStatus explain(const CLI::App& app, const CLI::ParseError& error) {
+    if (error.get_exit_code() != 0) {
+        const std::vector<CLI::App*> chosen = app.get_subcommands();
+        const std::string command = chosen.empty() ? "" : ' ' + chosen.front()->get_name();
+        printToStandardError(error.what() + (": see \"cloudconv" + command + " --help\""));
+        return wrongUsage;
+    }
+    std::ostringstream help;
+    app.exit(error, help);
+    printToStandardOutput(help.str());
+    return succeeded;
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -81,7 +97,7 @@ int main(int argc, char** argv) {
     try {
         app.parse(commandLine(app, argc, argv));
     } catch (const CLI::ParseError& error) {
-        return app.exit(error) == 0 ? succeeded : wrongUsage;
+        command.run = [&app, error] { return explain(app, error); };
     }
     return runAndReport(command);
 }

@@ -1,8 +1,7 @@
 #include "tools/cloudconv/preview/PictureFormat.h"
 
+#include "tools/cloudconv/Extension.h"
 #include "tools/cloudconv/UsageError.h"
-
-#include <strings.h>
 
 const std::map<std::string, PictureFormat>& pictureFormatNames() {
     static const std::map<std::string, PictureFormat> names = {
@@ -11,16 +10,12 @@ const std::map<std::string, PictureFormat>& pictureFormatNames() {
 }
 
 PictureFormat pictureFormatOf(const std::string& path, std::optional<PictureFormat> asked) {
-    if (asked.has_value()) {
-        return *asked;
+    const std::optional<PictureFormat> known =
+        asked.has_value() ? asked : formatByExtension(path, pictureFormatNames());
+    if (!known.has_value()) {
+        throw UsageError('"' + path +
+                         "\" ends neither in .png nor in .svg nor in .pdf: add --to png, --to svg "
+                         "or --to pdf");
     }
-    for (const auto& [name, format] : pictureFormatNames()) {
-        const std::string extension = '.' + name;
-        if (path.size() > extension.size() &&
-            strcasecmp(path.c_str() + path.size() - extension.size(), extension.c_str()) == 0) {
-            return format;
-        }
-    }
-    throw UsageError("a picture ends in .png, .svg or .pdf: rename \"" + path +
-                     "\" or add --to png, --to svg or --to pdf");
+    return *known;
 }
