@@ -67,7 +67,24 @@ TEST_F(CloudconvInfo, DescribesTheShippedScan) {
     EXPECT_EQ(info["points_without_place"], 19);
     EXPECT_DOUBLE_EQ(info["share_without_place"], 19.0 / 1200);
     EXPECT_EQ(info["bounds"], (Json{{"x", {-2.0, 1.9}}, {"y", {-1.5, 1.4}}, {"z", {-0.2, 0.2}}}));
+    EXPECT_EQ(info["elements"][0]["count"], 1200);
     EXPECT_EQ(info["elements"][0]["fields"].size(), 4U);
+    EXPECT_THAT(run({"info", examples / "ripple_scan.ply"}).output,
+                HasSubstr("\nintensity: 0, 255\n"
+                          "elements:\n"
+                          "  - name: vertex\n"
+                          "    count: 1200\n"
+                          "    fields:\n"
+                          "      - name x, type float, fate read\n"));
+}
+
+TEST_F(CloudconvInfo, ShowsHeadersThatMakeNoSenseAsTheyAre) {
+    const Json info = infoOf(input("ply\nelement vertex 99999999999999999999999\n"
+                                   "element face many\nproperty float x\nend_header\n"));
+    EXPECT_EQ(info["readable"], false);
+    EXPECT_EQ(info["encoding"], nullptr);
+    EXPECT_EQ(info["elements"][0]["count"], "99999999999999999999999");
+    EXPECT_EQ(info["elements"][1]["count"], "many");
 }
 
 TEST_F(CloudconvInfo, TellsWhatBecomesOfEachFieldAndWhyAFileIsRefused) {
@@ -207,6 +224,12 @@ TEST_F(CloudconvCheck, FindsEndsBetweenTheJoiningAndTheGivenDistance) {
                    {"--distance", "0.2"});
     expectFindings(withGap(0.0625), {}, {"--distance", "0.05"});
     expectFindings(drawing(line(0, 0, 1, 0) + arc(5, 5, 1, 0, 360)), {});
+}
+
+TEST_F(CloudconvCheck, TellsPlacesInMapCoordinatesApart) {
+    expectFindings(drawing(line(4512000.5, 5400000.25, 4512010, 5400003) +
+                           line(4512010, 5400003.002, 4512012, 5400000)),
+                   {nearMiss("(4512010, 5400003.002)", "(4512010, 5400003)", "0.002")});
 }
 
 TEST_F(CloudconvCheck, FindsRepeatedEntitiesInEitherDirection) {

@@ -28,9 +28,18 @@ using Numbers = std::vector<double>;
 /// A straight piece shorter than this is walked as its start alone.
 constexpr double samplingStep = 0.1;
 
+/// Without the last digits of a double, which sampling blurs, and with enough of them for a place
+/// in map coordinates.
 std::string numberText(double number) {
     char text[32];
-    static_cast<void>(std::snprintf(text, sizeof text, "%.9g", number));
+    static_cast<void>(std::snprintf(text, sizeof text, "%.12g", number));
+    return text;
+}
+
+/// A length, which is no more exact than the places that it lies between.
+std::string lengthText(double length) {
+    char text[32];
+    static_cast<void>(std::snprintf(text, sizeof text, "%.6g", length));
     return text;
 }
 
@@ -71,7 +80,7 @@ Numbers inOneDirection(const std::vector<std::pair<double, double>>& corners) {
 }
 
 std::string tooShort(double length) {
-    return "is too short to sample (length " + numberText(length) +
+    return "is too short to sample (length " + lengthText(length) +
            "): its start is the only point";
 }
 
@@ -110,7 +119,7 @@ std::string faultOf(const DXFPolyline& polyline) {
     const Segment& last = polyline.pieces().back();
     const double length = std::hypot(last.endX - last.startX, last.endY - last.startY);
     return length < samplingStep
-               ? "has a last edge too short to sample (length " + numberText(length) +
+               ? "has a last edge too short to sample (length " + lengthText(length) +
                      "): it stops at " + placeText(last.startX, last.startY)
                : "";
 }
@@ -222,7 +231,7 @@ std::vector<std::string> findingsOf(const DxfContents& drawing, double distance)
     std::vector<std::string> findings;
     for (const NearMiss& miss : nearMissesOf(drawing, contoursOf(drawing), distance)) {
         findings.push_back("near miss: the ends at " + placeText(miss.first) + " and " +
-                           placeText(miss.second) + " lie " + numberText(miss.distance) +
+                           placeText(miss.second) + " lie " + lengthText(miss.distance) +
                            " apart and are not joined");
     }
     findInEntities(*drawing.document, findings);

@@ -95,6 +95,14 @@ std::string fateOf(const PlyPropertyLine& property) {
     return isFloat ? "read" : "dropped: it has to be of type float";
 }
 
+/// The count that an element line declares: a number, or its text when it is none.
+Json countOf(const std::string& text) {
+    std::size_t count = 0;
+    const char* const end = text.data() + text.size();
+    const auto [next, error] = std::from_chars(text.data(), end, count);
+    return error == std::errc() && next == end ? Json(count) : Json(text);
+}
+
 Json elementsOf(const PlyInventory& inventory) {
     Json elements = Json::array();
     for (const PlyElementLine& element : inventory.elements) {
@@ -103,7 +111,8 @@ Json elementsOf(const PlyInventory& inventory) {
             fields.push_back(
                 {{"name", property.name}, {"type", property.type}, {"fate", fateOf(property)}});
         }
-        elements.push_back({{"name", element.name}, {"count", element.count}, {"fields", fields}});
+        elements.push_back(
+            {{"name", element.name}, {"count", countOf(element.count)}, {"fields", fields}});
     }
     return elements;
 }
@@ -139,7 +148,7 @@ Json describePly(const std::string& name, const Bytes& bytes) {
     Json description = {{"file", name},
                         {"format", "PLY"},
                         {"bytes", bytes.size()},
-                        {"encoding", inventory.format},
+                        {"encoding", inventory.format.empty() ? Json() : Json(inventory.format)},
                         {"readable", true}};
     try {
         const PlyContents contents = readPly(name, bytes);
@@ -317,19 +326,24 @@ void appendText(const Json& value, const std::string& indent, std::string& text)
     constexpr std::size_t mostRows = 20;
     std::size_t rows = 0;
     for (const auto& [key, part] : value.items()) {
-        const std::string start = indent + (value.is_object() ? keyText(key) + ": " : "- ");
+        const std::string start = indent + (value.is_object() ? keyText(key) + ":" : "-");
         if (value.is_array() && ++rows > mostRows) {
             text += indent + "- and " + std::to_string(value.size() - mostRows) +
                     " more, all with --json\n";
             return;
         }
         if (!part.is_structured()) {
-            text += start + scalarText(part) + '\n';
+            text += start + ' ' + scalarText(part) + '\n';
         } else if (part.empty() || isRow(part)) {
-            text += start + rowText(part) + '\n';
-        } else {
-            text += indent + (value.is_object() ? keyText(key) + ":\n" : "-\n");
+            text += start + ' ' + rowText(part) + '\n';
+        } else if (value.is_object()) {
+            text += start + '\n';
             appendText(part, indent + "  ", text);
+        } else {
+            // The first of the part's lines stands behind the dash.
+            const std::size_t firstLine = text.size();
+            appendText(part, indent + "  ", text);
+            text.replace(firstLine, start.size(), start);
         }
     }
 }
