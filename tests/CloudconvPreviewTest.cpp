@@ -322,6 +322,8 @@ TEST_F(CloudconvPreview, ListsOpenContoursFirstWhenNotAllCanBe) {
     }
     const std::string words = wordsOf(drawingFile(drawing(entities)));
     EXPECT_THAT(words, StartsWith("60 contours (1 open, 59 closed)"));
+    EXPECT_THAT(wordsOf(drawingFile(drawing(line(0, 0, 1, 0) + pointAt(5, 5, 0)))),
+                StartsWith("2 contours (1 open, 1 of points), 12 points"));
     EXPECT_THAT(words, HasSubstr("  open 2;"));
     EXPECT_THAT(words, HasSubstr(" more;"));
 }

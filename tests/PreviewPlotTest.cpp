@@ -286,6 +286,12 @@ TEST(LabelPlaces, DoNotOverlapAndStayInside) {
     EXPECT_EQ(labels[0].left, 162) << "first to the right";
 }
 
+TEST(LabelPlaces, AreOutsideALargerMarkAround) {
+    LabelPlaces places({0, 0, 300, 200});
+    places.avoid({150.2, 100.3}, 15);
+    EXPECT_TRUE(places.take({150, 100}, 7.5, 14, 15).has_value());
+}
+
 TEST(LabelPlaces, AreLeftOfAMarkAtTheRightEdgeAndNoneInTooSmallAnArea) {
     LabelPlaces places({0, 0, 300, 200});
     EXPECT_EQ(places.take({295, 100}, 5, 40, 15)->right(), 290);

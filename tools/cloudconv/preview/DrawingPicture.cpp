@@ -304,7 +304,7 @@ void explainSigns(Canvas& canvas, Legend& legend, const DrawingScene& scene) {
     }
 }
 
-/// "4 contours (1 open, 2 closed, 1 circle), 683 points".
+/// "5 contours (1 open, 2 closed, 1 circle, 1 of points), 690 points".
 std::string summaryOf(const DrawingScene& scene) {
     std::array<std::size_t, 4> counts = {};
     for (const DrawnContour& contour : scene.contours) {
@@ -314,7 +314,9 @@ std::string summaryOf(const DrawingScene& scene) {
     for (std::size_t kind = 0; kind < counts.size(); ++kind) {
         if (counts[kind] > 0) {
             kinds += kinds.empty() ? "" : ", ";
-            kinds += std::to_string(counts[kind]) + ' ' + nameOf(static_cast<ContourKind>(kind));
+            const auto named = static_cast<ContourKind>(kind);
+            kinds += std::to_string(counts[kind]) + (named == ContourKind::Points ? " of " : " ") +
+                     nameOf(named);
         }
     }
     return counted(scene.contours.size(), "contour") + " (" + kinds + "), " +

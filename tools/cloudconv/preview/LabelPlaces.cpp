@@ -33,7 +33,7 @@ std::optional<Rectangle> LabelPlaces::take(const Place& centre, double radius, d
                                             {0.0, 0.0, 0.8, 0.8},
                                             {-1.0, -1.0, -0.8, -0.8},
                                             {-1.0, 0.0, -0.8, 0.8}}};
-    for (const double distance : {radius, 2 * radius}) {
+    for (const double distance : {radius, 2 * radius, 3 * radius}) {
         for (const Side& side : sides) {
             const Rectangle label = {centre.x + side.width * width + side.right * distance,
                                      centre.y + side.height * height + side.down * distance, width,
