@@ -8,9 +8,14 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 
 presets=(release asan)
+tries=()
 case ${1-} in
 '') ;;
---aarch64) presets=(aarch64) ;;
+--aarch64)
+  presets=(aarch64)
+  # The emulator itself has been seen to hang, once, where the processor does not.
+  tries=(--repeat after-timeout:2)
+  ;;
 --robustness)
   scripts/install-dependencies.sh
   exec scripts/robustness.sh
@@ -30,7 +35,7 @@ for preset in "${presets[@]}"; do
   fi
   scripts/build.sh "$preset" "${values[@]}"
   # Shows what failed or was skipped and the closing lines.
-  ctest --preset "$preset" --parallel "$(nproc)" |
+  ctest --preset "$preset" --parallel "$(nproc)" "${tries[@]}" |
     grep -vE '^ +Start +[0-9]+: | Passed +[0-9.]+ sec$'
   if [ "$preset" = release ]; then
     tail -n 1 build/release/python/pytest.log
