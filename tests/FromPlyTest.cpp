@@ -325,8 +325,8 @@ TEST_F(FromPly, FileWithoutPropertiesGivesDefaultPoints) {
 }
 
 TEST_F(FromPly, ThrowingLogIsFatal) {
-    const auto readWithThrowingLog = [&](const std::string& text) {
-        const ThrowingLog throwing;
+    const auto readWithThrowingLog = [&](const std::string& text, int messagesBefore = 0) {
+        const ThrowingLog throwing(messagesBefore);
         try {
             converters::fromPly(bytesOf(text), cloud);
         } catch (const std::exception&) {
@@ -335,6 +335,9 @@ TEST_F(FromPly, ThrowingLogIsFatal) {
     EXPECT_DEATH(readWithThrowingLog(""), "");
     EXPECT_DEATH(readWithThrowingLog("ply\nelement vertex 1\n"), "");
     EXPECT_DEATH(readWithThrowingLog(asciiFile(1, "")), "");
+    // The reader of the body reports before its caller does.
+    EXPECT_DEATH(readWithThrowingLog(asciiFile(1, ""), 1), "");
+    readWithThrowingLog(asciiFile(1, ""), 2);
 }
 
 /// Numbers as some countries write them: decimal comma, points between groups of digits.

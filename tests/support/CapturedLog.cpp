@@ -14,6 +14,7 @@ std::mutex mutex;
 std::vector<LogMessage> captured;
 std::atomic<bool> capturing = false;
 std::atomic<bool> throwing = false;
+std::atomic<int> messagesBeforeThrowing = 0;
 
 } // namespace
 
@@ -21,7 +22,7 @@ namespace p7 {
 
 void deliver(log_level level, unsigned short line, const char* file, const char* function,
              const char* format, ...) {
-    if (throwing) {
+    if (throwing && messagesBeforeThrowing-- <= 0) {
         throw std::runtime_error("deliver");
     }
     if (!capturing) {
@@ -68,7 +69,8 @@ std::vector<LogMessage> CapturedLog::messages() const {
     return captured;
 }
 
-ThrowingLog::ThrowingLog() {
+ThrowingLog::ThrowingLog(int messagesBefore) {
+    messagesBeforeThrowing = messagesBefore;
     throwing = true;
 }
 

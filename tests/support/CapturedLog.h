@@ -35,7 +35,8 @@ public:
 /// Makes p7::deliver throw std::runtime_error("deliver") while it lives.
 class ThrowingLog {
 public:
-    ThrowingLog();
+    /// @param messagesBefore  how many messages are delivered before the first that throws
+    explicit ThrowingLog(int messagesBefore = 0);
     ~ThrowingLog();
     ThrowingLog(const ThrowingLog&) = delete;
     ThrowingLog& operator=(const ThrowingLog&) = delete;
