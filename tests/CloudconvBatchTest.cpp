@@ -17,6 +17,7 @@
 namespace {
 
 namespace fs = std::filesystem;
+using ::testing::AllOf;
 using ::testing::HasSubstr;
 
 /// Of how many files one cannot be converted.
@@ -67,11 +68,12 @@ protected:
     }
     fs::path outputOf(int i) const { return drawingOf(i).replace_extension(".ply"); }
 
-    /// Runs a recipe where the drawings are.
+    /// Runs a recipe where the drawings are. Programs in the folder "bin" take precedence.
     ProgramResult runRecipe(const std::string& heading) const {
         const std::string folder = in("");
-        const std::string path =
-            fs::path(toolCommand().front()).parent_path().string() + ":" + std::getenv("PATH");
+        const std::string path = in("bin").string() + ":" +
+                                 fs::path(toolCommand().front()).parent_path().string() + ":" +
+                                 std::getenv("PATH");
         return runProgram({"/bin/bash", "-c", recipe(heading)}, [&] {
             setenv("PATH", path.c_str(), 1);
             setenv("HOME", folder.c_str(), 1);
@@ -138,11 +140,30 @@ TEST_F(CloudconvBatch, ListsWhatIsFoundInAllFiles) {
               "and are not joined\n");
 }
 
-TEST_F(CloudconvBatch, TakesAListOfMachines) {
-    makeDrawings(20);
-    writeFile(in("machines"), "2/:\n");
-    EXPECT_EQ(runRecipe("Across machines").status, badCount());
+/// The far machines are a folder: an ssh that leaves out options and login runs the command in it.
+TEST_F(CloudconvBatch, ConvertsOnFarMachinesAndLeavesNothingThere) {
+    if (std::system("command -v rsync >/dev/null") != 0) {
+        GTEST_SKIP() << "rsync is not installed";
+    }
+    fs::create_directory(in("far"));
+    fs::create_directory(in("bin"));
+    writeFile(in("bin/ssh"), "#!/bin/bash\n"
+                             "while [[ $1 == -* ]]; do [[ $1 == -l ]] && shift; shift; done\n"
+                             "shift\n"
+                             "[[ $1 == -- ]] && shift\n"
+                             "cd " +
+                                 in("far").string() + " && HOME=$PWD exec bash -c \"$*\"\n");
+    fs::permissions(in("bin/ssh"), fs::perms::owner_all);
+    writeFile(in("machines"), "2/user@far\n2/user@farther\n");
+    makeDrawings(10);
+    const ProgramResult first = runRecipe("Across machines");
+    EXPECT_EQ(first.status, badCount()) << first.errors;
     expectOutputs(false);
+    EXPECT_THAT(readFile(in("remote.log")),
+                AllOf(HasSubstr("user@far\t"), HasSubstr("user@farther\t")));
+    for (const fs::directory_entry& left : fs::recursive_directory_iterator(in("far"))) {
+        EXPECT_TRUE(left.is_directory()) << left.path();
+    }
 }
 
 /// One output, written by two processes at once, is that of one of them.
