@@ -1,6 +1,7 @@
 """Point clouds as PLY files."""
 
 import math
+import operator
 from dataclasses import dataclass
 from typing import Optional
 
@@ -141,6 +142,8 @@ def _layout(
     count = math.prod(shape)
     if count > _MOST_POINTS:
         raise ValueError(f"{count} points are more than a file can count")
+    width = None if width is None else operator.index(width)
+    height = None if height is None else operator.index(height)
     if width is None and height is None:
         return (shape[1], shape[0]) if len(shape) == 2 else (count, 1)
     if width is None:

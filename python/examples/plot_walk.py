@@ -4,14 +4,15 @@
     plot_walk.py DRAWING.dxf            shows it in a window
     plot_walk.py DRAWING.dxf WALK.png   writes a picture; .svg and .pdf work as well
 
-Each contour has a colour of its own. A dot marks where it starts, the arrow where it is heading
-from there, and crosses mark the ends of contours that do not close.
+Each contour has a colour of its own. A dot marks where it starts, an arrow half-way where it is
+heading, and crosses mark the ends of contours that do not close.
 """
 
 import argparse
 from typing import Optional, Sequence
 
 import matplotlib.pyplot as plt
+import numpy as np
 from matplotlib.axes import Axes
 
 from converters import Drawing
@@ -26,12 +27,21 @@ def plot_walk(drawing: Drawing, axes: Axes) -> None:
         axes.plot(x[0], z[0], "o", color=line.get_color())
         if not contour.closed:
             axes.plot(x[[0, -1]], z[[0, -1]], "x", color="black")
-        if len(x) > 1:
+        # A corner comes twice: there, a step leads nowhere.
+        steps = np.flatnonzero((np.diff(x) != 0) | (np.diff(z) != 0))
+        if len(steps) > 0:
+            middle = steps[len(steps) // 2]
             axes.annotate(
                 "",
-                xy=(x[1], z[1]),
-                xytext=(x[0], z[0]),
-                arrowprops={"arrowstyle": "-|>", "color": line.get_color()},
+                xy=(x[middle + 1], z[middle + 1]),
+                xytext=(x[middle], z[middle]),
+                arrowprops={
+                    "arrowstyle": "-|>",
+                    "color": line.get_color(),
+                    "mutation_scale": 20,
+                    "shrinkA": 0,
+                    "shrinkB": 0,
+                },
             )
     axes.set_aspect("equal", adjustable="datalim")
     axes.set_xlabel("x, drawing units")

@@ -6,6 +6,7 @@ import sys
 from pathlib import Path
 
 import matplotlib
+import numpy as np
 import pytest
 
 matplotlib.use("Agg")
@@ -38,6 +39,11 @@ def test_plot_walk_draws_each_contour_with_its_length(path):
     assert labels == ["1: open, 2 long", "2: closed, 12 long"]
     crosses = [line.get_xdata().tolist() for line in axes.lines if line.get_marker() == "x"]
     assert crosses == [[5, 7]]
+    arrows = [text for text in axes.texts if text.arrow_patch is not None]
+    steps = [[(*arrow.xyann,), (*arrow.xy,)] for arrow in arrows]
+    assert np.allclose(steps[0], [(6, 1), (6.1, 1)]), "half-way, in the direction of the walk"
+    assert len(steps) == 2
+    assert all(start != end for start, end in steps)
     plt.close("all")
 
 

@@ -118,8 +118,11 @@ def test_sizes_may_be_integers_of_numpy():
 
 @pytest.mark.parametrize("width", [4.0, "4"])
 def test_sizes_of_other_types_are_refused(width):
-    with pytest.raises(TypeError):
+    reason = f"'{type(width).__name__}' object cannot be interpreted as an integer"
+    with pytest.raises(TypeError, match=reason):
         to_ply(random_points(12), width=width)
+    with pytest.raises(TypeError, match=reason):
+        to_ply(random_points(12), height=width)
 
 
 def test_read_only_arrays_are_read_and_not_changed():
