@@ -182,15 +182,16 @@ TEST(Threads, OneToDxfAtATimeMayRunBesideEverythingElse) {
 TEST(Threads, CallsOfToDxfThatOverlapGiveTheWholeDrawingOrNothing) {
     std::vector<Points> points;
     std::vector<Bytes> expected(threads);
-    for (int number = 0; number < threads; ++number) {
-        points.emplace_back(100 * (number + 1), cv::Point3_<double>(number, 0.5, 1.5));
-        ASSERT_TRUE(converters::toDxf(points.back(), expected[number]));
+    for (Bytes& file : expected) {
+        points.emplace_back(100 * (points.size() + 1), cv::Point3_<double>(-0.5, 0.5, 1.5));
+        ASSERT_TRUE(converters::toDxf(points.back(), file));
     }
     std::atomic<int> wrong{0};
     inManyThreads([&](int number) {
+        const auto mine = static_cast<std::size_t>(number);
         Bytes out = {1, 2, 3};
-        const bool isMade = converters::toDxf(points[number], out);
-        wrong += (isMade ? out == expected[number] : out.empty()) ? 0 : 1;
+        const bool isMade = converters::toDxf(points[mine], out);
+        wrong += (isMade ? out == expected[mine] : out.empty()) ? 0 : 1;
     });
     EXPECT_EQ(wrong, 0);
     const std::string transientFile = "tmp" + std::to_string(getpid()) + ".dxf";
