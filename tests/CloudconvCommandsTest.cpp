@@ -78,6 +78,37 @@ TEST_F(CloudconvInfo, DescribesTheShippedScan) {
                           "      - name x, type float, fate read\n"));
 }
 
+/// The keys of an object in their order, and those of the first object in each list.
+std::string keysOf(const nlohmann::ordered_json& value) {
+    std::string keys;
+    for (const auto& [key, part] : value.items()) {
+        const nlohmann::ordered_json& inner = part.is_array() && !part.empty() ? part[0] : part;
+        keys += (keys.empty() ? "" : " ") + key;
+        keys += inner.is_object() && !inner.empty() ? '(' + keysOf(inner) + ')' : "";
+    }
+    return keys;
+}
+
+/// Programs rely on them: a key may come, none may go.
+TEST_F(CloudconvInfo, HasJsonOfTheseKeys) {
+    const auto keys = [this](const fs::path& file) {
+        return keysOf(nlohmann::ordered_json::parse(run({"info", file, "--json"}).output));
+    };
+    const std::string elements = "elements(name count fields(name type fate))";
+    EXPECT_EQ(keys(examples / "ripple_scan.ply"),
+              "file format bytes encoding readable points width height organised "
+              "points_without_place share_without_place bounds(x y z) intensity " +
+                  elements);
+    EXPECT_EQ(keys(input("ply\nelement vertex 1\nproperty int x\nend_header\n")),
+              "file format bytes encoding readable reason " + elements);
+    EXPECT_EQ(keys(examples / "plate.dxf"),
+              "file format bytes version unit layers(name entities colour frozen) "
+              "entities(ARC CIRCLE LINE LWPOLYLINE POLYLINE SPLINE) ignored_entities "
+              "ignored_in_blocks bulged_edges_walked_straight points bounds_in_drawing(x y z) "
+              "bounds_in_cloud(x y z) contours(count open closed circles points length) "
+              "contour_list(number kind points length first last)");
+}
+
 TEST_F(CloudconvInfo, ShowsHeadersThatMakeNoSenseAsTheyAre) {
     const Json info = infoOf(input("ply\nelement vertex 99999999999999999999999\n"
                                    "element face many\nproperty float x\nend_header\n"));
