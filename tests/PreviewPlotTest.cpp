@@ -4,6 +4,7 @@
 #include "dxfeditor/DXFLine.h"
 #include "dxfeditor/DXFPointVector.h"
 #include "tests/support/PlyClouds.h"
+#include "tools/cloudconv/Wording.h"
 #include "tools/cloudconv/preview/CloudScene.h"
 #include "tools/cloudconv/preview/DrawingScene.h"
 #include "tools/cloudconv/preview/LabelPlaces.h"
@@ -12,7 +13,6 @@
 #include "tools/cloudconv/preview/PlotScale.h"
 #include "tools/cloudconv/preview/PlotTicks.h"
 #include "tools/cloudconv/preview/SparsePlaces.h"
-#include "tools/cloudconv/preview/Wording.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

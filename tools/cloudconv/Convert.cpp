@@ -2,11 +2,12 @@
 
 #include "tools/cloudconv/DxfFile.h"
 #include "tools/cloudconv/InputFile.h"
+#include "tools/cloudconv/Notes.h"
 #include "tools/cloudconv/OutputFile.h"
 #include "tools/cloudconv/PlyFile.h"
 #include "tools/cloudconv/Progress.h"
-#include "tools/cloudconv/StandardError.h"
 #include "tools/cloudconv/UsageError.h"
+#include "tools/cloudconv/Wording.h"
 
 #include <algorithm>
 #include <cmath>
@@ -18,14 +19,12 @@ namespace {
 using Cloud = pcl::PointCloud<pcl::PointXYZI>;
 using Points = std::vector<cv::Point3_<double>>;
 
-/// The names of the files, for messages, and what there is to say about them in the end.
+/// The names of the files, for messages, and what there is to say about them.
 struct Report {
     std::string input;
     std::string output;
     Progress& progress;
-    std::vector<std::string> notes;
-
-    void add(const std::string& note) { notes.push_back(input + ": note: " + note); }
+    Notes notes;
 };
 
 std::string listed(const std::vector<std::string>& names) {
@@ -36,29 +35,25 @@ std::string listed(const std::vector<std::string>& names) {
     return list;
 }
 
-std::string counted(std::size_t count, const std::string& singular, const std::string& plural) {
-    return std::to_string(count) + ' ' + (count == 1 ? singular : plural);
-}
-
 PlyContents readScan(const std::vector<unsigned char>& bytes, Report& report) {
     report.progress.begin("converting " + report.input);
     PlyContents contents = readPly(report.input, bytes);
     if (contents.cloud.points.empty()) {
-        report.add("the file declares no points, nor does " + report.output);
+        report.notes.add("the file declares no points, nor does " + report.output);
     }
     return contents;
 }
 
 DxfContents readDrawing(const std::vector<unsigned char>& bytes, Report& report) {
     DxfContents contents = readDxf(report.input, bytes, report.progress);
-    report.add(counted(contents.entityCount, "entity", "entities") + " in " +
-               counted(contents.contours.size(), "run", "runs") + ", " +
-               counted(contents.points.size(), "point", "points"));
+    report.notes.add(counted(contents.entityCount, "entity", "entities") + " in " +
+                     counted(contents.contours.size(), "run") + ", " +
+                     counted(contents.points.size(), "point"));
     if (!contents.cutOff.empty()) {
-        report.add(contents.cutOff);
+        report.notes.add(contents.cutOff);
     }
     if (contents.points.empty()) {
-        report.add("the drawing holds no points, nor does " + report.output);
+        report.notes.add("the drawing holds no points, nor does " + report.output);
     }
     return contents;
 }
@@ -68,10 +63,10 @@ void tellWhatScanLacks(const PlyContents& contents, const ConvertOptions& option
         return;
     }
     if (!contents.hasIntensity && !options.intensity.has_value()) {
-        report.add("no property \"intensity\" of type float, written as 0");
+        report.notes.add("no property \"intensity\" of type float, written as 0");
     }
     if (!contents.droppedProperties.empty()) {
-        report.add("dropped properties: " + listed(contents.droppedProperties));
+        report.notes.add("dropped properties: " + listed(contents.droppedProperties));
     }
 }
 
@@ -90,8 +85,8 @@ void tellWhatRoundingCosts(const Points& points, const Cloud& cloud, Report& rep
     if (farthest >= samePlace) {
         char text[32];
         static_cast<void>(std::snprintf(text, sizeof text, "%.2g", farthest));
-        report.add("PLY holds coordinates as 32-bit floats: points move by up to " +
-                   std::string(text) + " drawing units");
+        report.notes.add("PLY holds coordinates as 32-bit floats: points move by up to " +
+                         std::string(text) + " drawing units");
     }
 }
 
@@ -125,8 +120,7 @@ Points pointsOf(const Cloud& cloud, Report& report) {
         }
     }
     if (points.size() < cloud.size()) {
-        report.add("left out " + counted(cloud.size() - points.size(), "point", "points") +
-                   " without a place (nan or infinite)");
+        report.notes.add(leftOutText(cloud.size() - points.size()) + " (nan or infinite)");
     }
     return points;
 }
@@ -155,7 +149,7 @@ std::vector<unsigned char> scanToDxf(const std::vector<unsigned char>& bytes,
         dropped.insert(dropped.begin(), "intensity");
     }
     if (!contents.cloud.empty() && !dropped.empty()) {
-        report.add("dropped properties: " + listed(dropped));
+        report.notes.add("dropped properties: " + listed(dropped));
     }
     return writeDxf(report.output, pointsOf(contents.cloud, report));
 }
@@ -182,7 +176,8 @@ void convert(const ConvertOptions& options) {
         throw UsageError("--ascii and --intensity are for PLY output");
     }
     Progress progress(options.quiet);
-    Report report = {inputName(options.input), outputName(options.output), progress, {}};
+    Report report = {inputName(options.input), outputName(options.output), progress,
+                     Notes(inputName(options.input))};
     const auto conversion = from == FileFormat::Ply
                                 ? (to == FileFormat::Ply ? scanToPly : scanToDxf)
                                 : (to == FileFormat::Ply ? drawingToPly : drawingToDxf);
@@ -190,8 +185,6 @@ void convert(const ConvertOptions& options) {
                     conversion(readInputFile(options.input, progress), options, report), progress);
     progress.end();
     if (!options.quiet) {
-        for (const std::string& note : report.notes) {
-            printToStandardError(note);
-        }
+        report.notes.print();
     }
 }

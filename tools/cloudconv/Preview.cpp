@@ -4,13 +4,13 @@
 #include "tools/cloudconv/DxfInventory.h"
 #include "tools/cloudconv/FileError.h"
 #include "tools/cloudconv/InputFile.h"
+#include "tools/cloudconv/Notes.h"
 #include "tools/cloudconv/OutputFile.h"
 #include "tools/cloudconv/PlyFile.h"
 #include "tools/cloudconv/Progress.h"
-#include "tools/cloudconv/StandardError.h"
+#include "tools/cloudconv/Wording.h"
 #include "tools/cloudconv/preview/CloudPicture.h"
 #include "tools/cloudconv/preview/DrawingPicture.h"
-#include "tools/cloudconv/preview/Wording.h"
 
 #include <string_view>
 
@@ -18,17 +18,16 @@ namespace {
 
 using Bytes = std::vector<unsigned char>;
 
-/// The file's name for messages and in the picture, and what there is to say about it in the end.
+/// The file's name for messages and in the picture, and what there is to say about it.
 struct Report {
     std::string input;
     std::string title;
     Progress& progress;
-    std::vector<std::string> notes;
+    Notes notes;
 
-    void add(const std::string& note) { notes.push_back(input + ": note: " + note); }
     void addLeftOut(std::size_t count) {
         if (count > 0) {
-            add(leftOutText(count) + " (nan, infinite or too far away)");
+            notes.add(leftOutText(count) + " (nan, infinite or too far away)");
         }
     }
 };
@@ -56,7 +55,7 @@ Bytes pictureOfScan(const Bytes& bytes, const PreviewOptions& options, PictureFo
                                     : counted(contents.cloud.size(), "point");
     report.addLeftOut(scene.pointsWithoutPlace());
     if (scene.isColouredByHeight()) {
-        report.add("no property \"intensity\" of type float, coloured by z");
+        report.notes.add("no property \"intensity\" of type float, coloured by z");
     }
     Canvas canvas(format, options.size);
     const std::string words = drawPicture(canvas, options.size, scene, report.title, summary);
@@ -71,7 +70,7 @@ Bytes pictureOfDrawing(const Bytes& bytes, const PreviewOptions& options, Pictur
     const DrawingScene scene = sceneOf(drawing, options.distance);
     checkBounds(scene.bounds, scene.points, report);
     if (!drawing.cutOff.empty()) {
-        report.add(drawing.cutOff);
+        report.notes.add(drawing.cutOff);
     }
     report.addLeftOut(scene.pointsWithoutPlace);
     Canvas canvas(format, options.size);
@@ -91,14 +90,13 @@ void preview(const PreviewOptions& options) {
     const FileFormat from = formatOf(options.input, options.from, "--from");
     const PictureFormat to = pictureFormatOf(options.output, options.to);
     Progress progress(options.quiet);
-    Report report = {inputName(options.input), titleOf(options.input), progress, {}};
+    Report report = {inputName(options.input), titleOf(options.input), progress,
+                     Notes(inputName(options.input))};
     const auto draw = from == FileFormat::Ply ? pictureOfScan : pictureOfDrawing;
     writeOutputFile(options.output,
                     draw(readInputFile(options.input, progress), options, to, report), progress);
     progress.end();
     if (!options.quiet) {
-        for (const std::string& note : report.notes) {
-            printToStandardError(note);
-        }
+        report.notes.print();
     }
 }

@@ -1,8 +1,8 @@
 #include "tools/cloudconv/preview/CloudPicture.h"
 
+#include "tools/cloudconv/Wording.h"
 #include "tools/cloudconv/preview/Legend.h"
 #include "tools/cloudconv/preview/PlotFrame.h"
-#include "tools/cloudconv/preview/Wording.h"
 
 namespace {
 

@@ -1,11 +1,11 @@
 #include "tools/cloudconv/preview/DrawingPicture.h"
 
+#include "tools/cloudconv/Wording.h"
 #include "tools/cloudconv/preview/LabelPlaces.h"
 #include "tools/cloudconv/preview/Legend.h"
 #include "tools/cloudconv/preview/PixelPath.h"
 #include "tools/cloudconv/preview/PlotFrame.h"
 #include "tools/cloudconv/preview/SparsePlaces.h"
-#include "tools/cloudconv/preview/Wording.h"
 
 #include <array>
 #include <optional>

@@ -10,5 +10,8 @@ std::string asPrintableUtf8(const std::string& text);
 /// "1 point", "1200 points".
 std::string counted(std::size_t count, const std::string& singular);
 
-/// What is said of points that cannot be shown.
+/// "1 entity", "12 entities".
+std::string counted(std::size_t count, const std::string& singular, const std::string& plural);
+
+/// What is said of points that cannot be shown or written.
 std::string leftOutText(std::size_t count);

@@ -1,4 +1,4 @@
-#include "tools/cloudconv/preview/Wording.h"
+#include "tools/cloudconv/Wording.h"
 
 #include "tools/cloudconv/StandardError.h"
 
@@ -43,7 +43,11 @@ std::string asPrintableUtf8(const std::string& text) {
 }
 
 std::string counted(std::size_t count, const std::string& singular) {
-    return std::to_string(count) + ' ' + singular + (count == 1 ? "" : "s");
+    return counted(count, singular, singular + 's');
+}
+
+std::string counted(std::size_t count, const std::string& singular, const std::string& plural) {
+    return std::to_string(count) + ' ' + (count == 1 ? singular : plural);
 }
 
 std::string leftOutText(std::size_t count) {
