@@ -2,7 +2,9 @@
 
 #include <clocale>
 #include <locale>
+#include <memory>
 #include <mutex>
+#include <sstream>
 #include <string>
 
 namespace dxfeditor {
@@ -23,12 +25,30 @@ Shared& shared() {
     return instance;
 }
 
-void makeClassicGlobal(Shared& state) {
-    state.cLocale = std::setlocale(LC_ALL, nullptr);
+/// The C++ library prepares what the numbers of a locale take when the first of them is read, and
+/// not safely when two threads read their first at the same time.
+void readANumber(const std::locale& locale) {
+    std::istringstream stream("0");
+    stream.exceptions(std::ios::badbit);
+    stream.imbue(locale);
+    double number = 1.0;
+    stream >> number;
+}
+
+std::locale* makeNamelessClassic() {
     // A facet of its own makes it a locale without a name, which the C library does not follow. It
     // is kept: a locale that cannot be made would lose it.
     static auto* const facet = new std::numpunct<char>(1);
-    state.before = std::locale::global(std::locale(std::locale::classic(), facet));
+    auto locale = std::make_unique<std::locale>(std::locale::classic(), facet);
+    readANumber(*locale);
+    return locale.release();
+}
+
+void makeClassicGlobal(Shared& state) {
+    // Never destroyed: other objects may read drawings when the process ends.
+    static const std::locale* const classic = makeNamelessClassic();
+    state.cLocale = std::setlocale(LC_ALL, nullptr);
+    state.before = std::locale::global(*classic);
 }
 
 } // namespace
