@@ -91,7 +91,7 @@ std::string keysOf(const nlohmann::ordered_json& value) {
 
 /// Programs rely on them: a key may come, none may go.
 TEST_F(CloudconvInfo, HasJsonOfTheseKeys) {
-    const auto keys = [this](const fs::path& file) {
+    const auto keys = [](const fs::path& file) {
         return keysOf(nlohmann::ordered_json::parse(run({"info", file, "--json"}).output));
     };
     const std::string elements = "elements(name count fields(name type fate))";
