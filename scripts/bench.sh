@@ -37,7 +37,7 @@ if [ "$report" = goals ]; then
   filter="^(pack|(to|from)Ply.*|sampling.*)/$size\$|Dxf.*/$drawing_size\$|Ordinary|^stitching(-scan)?/[0-9]{4,5}\$|^stitching/[0-9]{6,7}\$$scanned"
 else
   size=5000000
-  rounds=2
+  rounds=4
   filter='/[0-9]+$'
 fi
 
