@@ -25,6 +25,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <cstdlib>
 #include <fstream>
 #include <memory>
 #include <sstream>
@@ -473,6 +474,28 @@ struct DrawingSaved {
     }
     bool isAfterFailure() const { return true; } // the file is the caller's to remove
 };
+
+/// Which of three allocations fail, as "-" each, beginning with number `first`.
+std::string failuresOfThree(std::size_t first, allocator::Failure failure) {
+    std::string failures = "ooo";
+    const allocator::Failing failing(first, failure);
+    for (char& one : failures) {
+        // Not one that the compiler may leave out.
+        void* volatile const block = std::malloc(1);
+        one = block == nullptr ? '-' : 'o';
+        std::free(block);
+    }
+    return failures;
+}
+
+TEST(FailedAllocation, BeginsWithTheOneOfTheNumber) {
+    using allocator::Failure;
+    EXPECT_EQ(failuresOfThree(1, Failure::Once), "-oo");
+    EXPECT_EQ(failuresOfThree(2, Failure::Once), "o-o");
+    EXPECT_EQ(failuresOfThree(1, Failure::FromThenOn), "---");
+    EXPECT_EQ(failuresOfThree(2, Failure::FromThenOn), "o--");
+    EXPECT_EQ(failuresOfThree(4, Failure::FromThenOn), "ooo");
+}
 
 TEST(FailedAllocation, OfToPlyBinary) {
     failEachAllocation<BinaryPly>();

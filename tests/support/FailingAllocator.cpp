@@ -60,8 +60,8 @@ namespace allocator {
 Failing::Failing(std::size_t first, Failure failure) {
     failed = false;
     fromThenOn = failure == Failure::FromThenOn;
-    // The number 1 is the one that fails, and 0 stands for none.
-    countdown = first + 1;
+    // Counts down to 1, the one that fails; 0 stands for none.
+    countdown = first;
 }
 
 Failing::~Failing() {
