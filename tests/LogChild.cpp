@@ -3,6 +3,10 @@
 #include "converters/Converters.h"
 #include "universal_log_interface/universal_log_interface.h"
 
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <atomic>
 #include <cstring>
 #include <string>
 #include <thread>
@@ -31,6 +35,32 @@ void deliverFromManyThreads() {
     }
 }
 
+/// Forks again and again while another thread reports.
+/// @return whether every child could report as well
+bool deliversFromChildren() {
+    std::atomic<bool> isOver{false};
+    std::thread other([&] {
+        while (!isOver) {
+            p7::deliver(p7::level_info, 1, "unit", "function", "from the other thread");
+        }
+    });
+    bool isRight = true;
+    for (int i = 0; i < 300 && isRight; ++i) {
+        const pid_t child = fork();
+        if (child == 0) {
+            alarm(60); // a child that waits for ever ends the test
+            p7::deliver(p7::level_info, 2, "unit", "function", "from a child");
+            _exit(0);
+        }
+        int status = -1;
+        waitpid(child, &status, 0);
+        isRight = WIFEXITED(status) && WEXITSTATUS(status) == 0;
+    }
+    isOver = true;
+    other.join();
+    return isRight;
+}
+
 } // namespace
 
 int main(int, char** arguments) {
@@ -42,6 +72,8 @@ int main(int, char** arguments) {
     } else if (what == "library") {
         std::vector<unsigned char> out;
         converters::toPlyAscii({}, out);
+    } else if (what == "forks") {
+        return deliversFromChildren() ? 0 : 1;
     } else {
         return 2;
     }

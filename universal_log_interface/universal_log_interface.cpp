@@ -1,5 +1,6 @@
 #include "universal_log_interface/universal_log_interface.h"
 
+#include <pthread.h>
 #include <spdlog/logger.h>
 #include <spdlog/sinks/stdout_sinks.h>
 
@@ -8,6 +9,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <mutex>
 
 namespace p7 {
 namespace {
@@ -28,11 +30,19 @@ spdlog::level::level_enum spdlogLevel(log_level level) {
     }
 }
 
-/// The process's logger. It is never destroyed: a static object's destructor may still log.
+/// Held while the logger is made or used. A child of fork has the thread alone that called it, so a
+/// lock that another one held at that moment would never be released there: fork waits for it.
+std::mutex loggerMutex;
+
+[[maybe_unused]] const int isForkAwaited = pthread_atfork(
+    [] { loggerMutex.lock(); }, [] { loggerMutex.unlock(); }, [] { loggerMutex.unlock(); });
+
+/// The process's logger, for who holds the mutex. It is never destroyed: a static object's
+/// destructor may still log.
 spdlog::logger& standardErrorLogger() {
     static auto* const logger = [] {
         auto* created =
-            new spdlog::logger("converters", std::make_shared<spdlog::sinks::stderr_sink_mt>());
+            new spdlog::logger("converters", std::make_shared<spdlog::sinks::stderr_sink_st>());
         created->set_pattern("%Y-%m-%d %H:%M:%S.%e %l %g:%# %! %v");
         created->set_level(spdlog::level::trace);
         created->flush_on(spdlog::level::trace);
@@ -82,8 +92,10 @@ void deliver(log_level level, unsigned short line, const char* file, const char*
     std::va_list values;
     va_start(values, format);
     try {
+        const std::string text = singleLine(formatted(format, values));
+        const std::lock_guard<std::mutex> lock(loggerMutex);
         standardErrorLogger().log(spdlog::source_loc{file, line, function}, spdlogLevel(level),
-                                  singleLine(formatted(format, values)));
+                                  text);
     } catch (...) {
         // A message that cannot be written must not stop a conversion.
     }
