@@ -22,10 +22,14 @@ namespace {
 namespace fs = std::filesystem;
 using ::testing::HasSubstr;
 
-/// Runs a function in a child, and tells how the child ended.
+/// Runs a function in a child, and tells how the child ended. nohup and shells that run tests in
+/// the background ignore signals; the child does not.
 int statusOfChild(const std::function<void()>& function) {
     const pid_t child = fork();
     if (child == 0) {
+        for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+            std::signal(signal, SIG_DFL);
+        }
         function();
         _exit(0);
     }
@@ -48,6 +52,7 @@ protected:
         pointers.push_back(nullptr);
         const pid_t child = fork();
         if (child == 0) {
+            std::signal(SIGINT, SIG_DFL);
             if (prepare) {
                 prepare();
             }

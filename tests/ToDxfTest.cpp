@@ -275,9 +275,12 @@ TEST_F(ToDxf, FileSizeLimitGivesFalseAndLeavesNothing) {
     }
 }
 
-/// An empty file system over the directory of transient files, for this process alone.
+/// An empty file system over the directory of transient files, for this process alone. Its parents
+/// are new too, for every user to pass: those that are there may be for one user alone.
 bool mountOwnDirectory(const char* options) {
-    return mountOwnFileSystem(converters::tmpDxfPath, options);
+    umask(0022);
+    return mountOwnFileSystem(converters::tmpDxfPath.parent_path().parent_path(), "mode=755") &&
+           mountOwnFileSystem(converters::tmpDxfPath, options);
 }
 
 TEST_F(ToDxf, FullFileSystemGivesFalseAndLeavesNothing) {
