@@ -92,7 +92,8 @@ TEST_F(ToDxf, WritesWhatDxflibWrites) {
          {Points(), Points{{1.0, 2.0, 3.0}},
           Points{{-0.0, 1e-300, 1e236}, {infinity, -infinity, std::nan("")}}, randomPoints(5000)}) {
         EXPECT_TRUE(converters::toDxf(points, m_out));
-        EXPECT_EQ(textOf(m_out), dxflibDrawing(points));
+        // Not EXPECT_EQ: to show how two long texts differ takes it the product of their lines.
+        EXPECT_TRUE(textOf(m_out) == dxflibDrawing(points)) << points.size() << " points";
     }
 }
 
