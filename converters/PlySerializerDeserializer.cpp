@@ -7,6 +7,8 @@
 #include "converters/detail/PlyRecords.h"
 #include "converters/detail/PlyText.h"
 
+#include <boost/make_shared.hpp>
+
 #include <algorithm>
 #include <cstring>
 #include <iterator>

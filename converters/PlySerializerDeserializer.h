@@ -9,7 +9,6 @@
 #include "converters/detail/PlyPoints.h"
 #include "converters/detail/PointBytes.h"
 
-#include <boost/make_shared.hpp>
 #include <boost/shared_ptr.hpp>
 #include <pcl/PCLPointCloud2.h>
 #include <pcl/conversions.h>

@@ -6,7 +6,6 @@
 #include "fuzz/support/ByteSource.h"
 #include "fuzz/support/Verify.h"
 
-#include <charconv>
 #include <cmath>
 #include <cstdio>
 #include <cstring>

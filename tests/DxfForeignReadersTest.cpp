@@ -1,14 +1,12 @@
 // Drawings that this library writes, read by independent programs.
 
 #include "converters/Converters.h"
-#include "dxfeditor/DXFAttributes.h"
 #include "dxfeditor/DXFDraw.h"
 #include "dxfeditor/DXFPolyline.h"
 #include "tests/support/TemporaryDirectory.h"
 
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <cstdio>
 #include <random>
 #include <sstream>

@@ -1,6 +1,5 @@
 #include "dxfeditor/DXFReader.h"
 
-#include "dxfeditor/DXFAttributes.h"
 #include "dxfeditor/DXFDocument.h"
 #include "dxfeditor/DXFEntity.h"
 #include "dxfeditor/DXFLayer.h"
@@ -12,8 +11,6 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-
-#include <cstdlib>
 
 namespace {
 

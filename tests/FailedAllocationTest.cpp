@@ -16,7 +16,6 @@
 #include "dxfeditor/DXFPolyline.h"
 #include "dxfeditor/DXFReader.h"
 #include "dxfeditor/DXFSpline.h"
-#include "dxfeditor/DXFWriter.h"
 #include "tests/support/CommaLocale.h"
 #include "tests/support/FailingAllocator.h"
 #include "tests/support/PlyBytes.h"
@@ -26,7 +25,6 @@
 #include <unistd.h>
 
 #include <cstdlib>
-#include <fstream>
 #include <memory>
 #include <sstream>
 

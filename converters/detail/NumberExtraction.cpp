@@ -7,7 +7,6 @@
 
 #include <cfloat>
 #include <charconv>
-#include <cmath>
 #include <cstdlib>
 #include <cstring>
 #include <string>

@@ -1,7 +1,6 @@
 #include "dxfeditor/detail/DxfCountedList.h"
 
 #include <algorithm>
-#include <cstdint>
 
 namespace dxfeditor {
 

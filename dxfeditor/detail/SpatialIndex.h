@@ -3,7 +3,6 @@
 #include "dxfeditor/detail/RunEnds.h"
 
 #include <algorithm>
-#include <cstddef>
 #include <cstdint>
 #include <vector>
 

@@ -4,8 +4,6 @@
 
 #include <pybind11/pybind11.h>
 
-#include <new>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
