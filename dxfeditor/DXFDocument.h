@@ -80,7 +80,7 @@ public:
     /// give 21 points, from (1, 0, 1) over (1, 0, 0) to (0, 0, 0).
     ///
     /// The cost grows in proportion to the points, and as n log n with the entities.
-    /// @throw std::bad_alloc when the points do not fit the memory, before any is computed
+    /// @throws std::bad_alloc when the points do not fit the memory, before any is computed
     std::vector<cv::Point3_<double>> getPoints() const;
 
     /// The same walk, with its contours.
@@ -88,7 +88,7 @@ public:
     /// @param contours  replaced by the stretches of the result that are joined end to end. They
     ///                  follow one another without gaps and cover it. In the example above there is
     ///                  one, of 21 points, not closed.
-    /// @throw std::bad_alloc as above; `contours` is then incomplete
+    /// @throws std::bad_alloc as above; `contours` is then incomplete
     std::vector<cv::Point3_<double>> getPoints(std::vector<DXFContour>& contours) const;
 
 private:

@@ -46,9 +46,8 @@ bool extractNumber(const char*& position, const char* end, Integer& value) {
 /// "infinity" are numbers, in any letter case and with an optional sign, also with what C libraries
 /// print behind nan in brackets: "-nan(ind)". A word has to be followed by whitespace or the end.
 ///
-/// @param readable  end of the memory that may be read, `end` or behind it. If behind, the
-/// character
-///                  at `end` is a line feed or a zero byte.
+/// @param readable  end of the memory that may be read, `end` or behind it. If behind, there is a
+///                  line feed or a zero byte at `end`.
 bool extractNumber(const char*& position, const char* end, const char* readable, float& value);
 
 /// As for float.

@@ -12,9 +12,8 @@
 /// interpreter lock is not needed to read.
 class Column {
 public:
-    /// @param array  one or two dimensions of float32 or float64 in the machine's byte order;
-    /// values
-    ///               may be unaligned
+    /// @param array  one or two dimensions of float32 or float64 in the machine's byte order,
+    ///               which may be unaligned
     /// @throws pybind11::type_error for any other array
     explicit Column(const pybind11::array& array);
 

@@ -25,7 +25,6 @@ struct PreviewOptions {
 
 /// Draws a file. Says on standard error what the picture does not show.
 ///
-/// @throws FileError when that fails, or when there is nothing to draw; the output is then as it
-/// was
+/// @throws FileError when that fails, or there is nothing to draw; the output is then as it was
 /// @throws UsageError when the options contradict each other
 void preview(const PreviewOptions& options);

@@ -2,5 +2,5 @@
 
 #include "tools/cloudconv/Command.h"
 
-/// Adds the command "preview".
+/// Adds the subcommand "preview".
 void addPreviewCommand(CLI::App& app, Command& chosen);

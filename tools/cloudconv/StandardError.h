@@ -7,6 +7,6 @@ std::string printable(const std::string& text);
 
 /// Writes "cloudconv: TEXT" to standard error, as exactly one line.
 ///
-/// File names and what files hold come up in the text: it is made printable, and what goes beyond a
-/// few hundred characters is cut.
+/// File names and what files hold come up in the text: it is made printable, and what goes beyond
+/// its first thousand bytes is cut.
 void printToStandardError(const std::string& text);

@@ -21,9 +21,8 @@ struct PlotTicks {
 
 /// Marks at round numbers: multiples of 1, 2 or 5 times a power of ten.
 ///
-/// @param shown  what the axis shows: two different numbers, neither beyond 1e307, no closer to
-/// each
-///               other than the 1e-13th part of the larger one
+/// @param shown  what the axis shows: two different numbers, neither beyond 1e307, apart by at
+///               least the 1e-13th part of the larger one
 /// @param most   about how many marks there is room for, at least 1
 PlotTicks ticksOf(const Interval& shown, int most);
 
