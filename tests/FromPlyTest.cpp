@@ -3,6 +3,7 @@
 #include "converters/PlySerializerDeserializer.h"
 #include "tests/support/CapturedLog.h"
 #include "tests/support/PlyBytes.h"
+#include "tests/support/XyziPoint.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -41,15 +42,6 @@ LogMessage refusal(const std::string& function, const std::string& text) {
 std::string asciiFile(std::size_t vertices, const std::string& body) {
     return "ply\nformat ascii 1.0\nelement vertex " + std::to_string(vertices) + "\n" + kXyzi +
            "end_header\n" + body;
-}
-
-pcl::PointXYZI point(float x, float y, float z, float intensity) {
-    pcl::PointXYZI result;
-    result.x = x;
-    result.y = y;
-    result.z = z;
-    result.intensity = intensity;
-    return result;
 }
 
 /// A cloud that a caller might pass: everything about it has to survive a refused file.

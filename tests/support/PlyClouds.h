@@ -1,8 +1,8 @@
 #pragma once
 
+#include "tests/support/XyziPoint.h"
+
 #include <pcl/PCLPointCloud2.h>
-#include <pcl/point_cloud.h>
-#include <pcl/point_types.h>
 
 #include <cstdint>
 #include <cstring>
@@ -42,17 +42,6 @@ std::vector<unsigned char> bytesOf(Values... values) {
         result.insert(result.end(), bytes, bytes + sizeof value);
     };
     (append(values), ...);
-    return result;
-}
-
-inline pcl::PointXYZI point(float x, float y, float z, float intensity) {
-    pcl::PointXYZI result(x, y, z, 0.0F);
-    // The constructor leaves the bytes after the intensity as they were in memory. They reach the
-    // file when a cloud's size disagrees with its width and height.
-    for (float& value : result.data_c) {
-        value = 0.0F;
-    }
-    result.intensity = intensity;
     return result;
 }
 
