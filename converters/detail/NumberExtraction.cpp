@@ -2,6 +2,7 @@
 
 #include "converters/detail/DigitWords.h"
 #include "converters/detail/PlyLines.h"
+#include "converters/detail/PowersOfTen.h"
 
 #include <locale.h>
 
@@ -9,6 +10,7 @@
 #include <charconv>
 #include <cstdlib>
 #include <cstring>
+#include <iterator>
 #include <string>
 #include <string_view>
 
@@ -111,11 +113,8 @@ bool takeDecimal(const char*& position, const char* end, const char* readable, D
     return isComplete;
 }
 
-constexpr double powersOfTen[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
-                                  1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
-                                  1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
 /// The largest power of ten that a double holds exactly.
-constexpr std::int64_t largestExactPower = 22;
+constexpr std::int64_t largestExactPower = std::size(exactPowersOfTen) - 1;
 
 bool hasExactPower(const Decimal& decimal) {
     return decimal.exponent >= -largestExactPower && decimal.exponent <= largestExactPower;
@@ -123,8 +122,8 @@ bool hasExactPower(const Decimal& decimal) {
 
 double scaled(const Decimal& decimal) {
     const auto significand = static_cast<double>(decimal.significand);
-    return decimal.exponent < 0 ? significand / powersOfTen[-decimal.exponent]
-                                : significand * powersOfTen[decimal.exponent];
+    return decimal.exponent < 0 ? significand / exactPowersOfTen[-decimal.exponent]
+                                : significand * exactPowersOfTen[decimal.exponent];
 }
 
 /// Clinger's exact case: significand and power are exact in double, so one operation rounds once.
@@ -160,14 +159,17 @@ bool convertFast(const Decimal& decimal, float& value) {
     return true;
 }
 
-void convertByLibrary(const char* text, float& value) {
+locale_t classicLocale() {
     static const locale_t classic = newlocale(LC_ALL_MASK, "C", nullptr);
-    value = strtof_l(text, nullptr, classic);
+    return classic;
+}
+
+void convertByLibrary(const char* text, float& value) {
+    value = strtof_l(text, nullptr, classicLocale());
 }
 
 void convertByLibrary(const char* text, double& value) {
-    static const locale_t classic = newlocale(LC_ALL_MASK, "C", nullptr);
-    value = strtod_l(text, nullptr, classic);
+    value = strtod_l(text, nullptr, classicLocale());
 }
 
 /// std::from_chars says of a number out of range neither whether it is too large or too small nor

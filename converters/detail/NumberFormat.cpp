@@ -1,5 +1,6 @@
 #include "converters/detail/NumberFormat.h"
 
+#include "converters/detail/PowersOfTen.h"
 #include "converters/detail/SixDigits.h"
 
 #include <array>
@@ -16,13 +17,8 @@
 namespace converters::detail {
 namespace {
 
-/// 10^0 to 10^22: all powers of ten that a double holds exactly.
-constexpr double powersOfTen[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
-                                  1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
-                                  1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
-
 constexpr double powerOfTen(int exponent) {
-    return exponent < 0 ? 1 / powersOfTen[-exponent] : powersOfTen[exponent];
+    return exponent < 0 ? 1 / exactPowersOfTen[-exponent] : exactPowersOfTen[exponent];
 }
 
 /// Decimal exponent of the numbers of one binary exponent: `exponent` below `next`, one more from
@@ -84,7 +80,7 @@ char* writeGeneral(char* out, double value) {
     const int exponent = decade.exponent + (magnitude >= decade.next ? 1 : 0);
     const int scale = 5 - exponent;
     const double scaled =
-        scale >= 0 ? magnitude * powersOfTen[scale] : magnitude / powersOfTen[-scale];
+        scale >= 0 ? magnitude * exactPowersOfTen[scale] : magnitude / exactPowersOfTen[-scale];
     const auto whole = static_cast<std::int32_t>(scaled);
     const double pastHalf = scaled - whole - 0.5;
     if (std::fabs(pastHalf) <= 0x1p-32) {
