@@ -12,10 +12,9 @@ while [[ ${1-} == -D* ]]; do
   shift
 done
 if [ ! -f "build/$preset/build.ninja" ] || [ "${#values[@]}" -gt 0 ]; then
-  cmake --preset "$preset" "${values[@]}" >"/tmp/converters-configure-$$.log" 2>&1 || {
-    cat "/tmp/converters-configure-$$.log"
+  output=$(cmake --preset "$preset" "${values[@]}" 2>&1) || {
+    echo "$output"
     exit 1
   }
-  rm -f "/tmp/converters-configure-$$.log"
 fi
 cmake --build "build/$preset" ${1:+--target "$@"} -- --quiet

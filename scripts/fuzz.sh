@@ -29,6 +29,7 @@ if [ "${#targets[@]}" -eq 0 ]; then
   targets=("${!format[@]}")
 fi
 
+scripts/install-dependencies.sh
 scripts/build.sh fuzz "${targets[@]/#/fuzz_}"
 
 run() {
