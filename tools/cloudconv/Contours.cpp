@@ -21,14 +21,6 @@ Place placeOf(const Point& point) {
     return {point.x, point.y, point.z};
 }
 
-bool hasPlace(const Point& point) {
-    return std::isfinite(point.x) && std::isfinite(point.y) && std::isfinite(point.z);
-}
-
-double distance(const Point& a, const Point& b) {
-    return std::hypot(a.x - b.x, a.y - b.y, a.z - b.z);
-}
-
 /// Where the entities that are contours of their own kind begin, and what tells them there.
 struct Beginnings {
     std::multimap<Place, std::shared_ptr<DXFCircle>> circles;
@@ -62,9 +54,9 @@ bool goesAround(const DXFCircle& circle, const Point* begin, const Point* end) {
     const Point center(circle.getCenter().x, 0.0, circle.getCenter().y);
     const double radius = std::abs(circle.getRadius());
     const double tolerance = 1e-9 * (radius + std::abs(center.x) + std::abs(center.z));
-    return distance(*begin, *(end - 1)) < oneAndAHalf * distance(*begin, *(begin + 1)) &&
+    return distanceOf(*begin, *(end - 1)) < oneAndAHalf * distanceOf(*begin, *(begin + 1)) &&
            std::all_of(begin, end, [&](const Point& point) {
-               return std::abs(distance(point, center) - radius) <= tolerance;
+               return std::abs(distanceOf(point, center) - radius) <= tolerance;
            });
 }
 
@@ -102,6 +94,14 @@ private:
 
 } // namespace
 
+bool hasPlace(const cv::Point3_<double>& point) {
+    return std::isfinite(point.x) && std::isfinite(point.y) && std::isfinite(point.z);
+}
+
+double distanceOf(const cv::Point3_<double>& a, const cv::Point3_<double>& b) {
+    return std::hypot(a.x - b.x, a.y - b.y, a.z - b.z);
+}
+
 const char* nameOf(ContourKind kind) {
     switch (kind) {
     case ContourKind::Open:
@@ -124,7 +124,7 @@ std::vector<Contour> contoursOf(const DxfContents& drawing) {
         double length = 0.0;
         for (std::size_t i = contour.begin + 1; i < contour.end && kind != ContourKind::Points;
              ++i) {
-            length += distance(drawing.points[i - 1], drawing.points[i]);
+            length += distanceOf(drawing.points[i - 1], drawing.points[i]);
         }
         contours.push_back(
             {kind, contour.begin, contour.end, length, classification.isOfPoints(contour)});

@@ -2,6 +2,8 @@
 
 #include "tools/cloudconv/DxfFile.h"
 
+#include <opencv2/core/types.hpp>
+
 #include <cstddef>
 #include <vector>
 
@@ -28,6 +30,12 @@ struct Contour {
     /// its (x, y) at (x, 0, y).
     bool isOfPoints;
 };
+
+/// Whether a point of the walk has a place: neither nan nor infinite.
+bool hasPlace(const cv::Point3_<double>& point);
+
+/// How far apart two points of the walk are.
+double distanceOf(const cv::Point3_<double>& a, const cv::Point3_<double>& b);
 
 /// The name of a kind: "open", "closed", "circle", "points".
 const char* nameOf(ContourKind kind);

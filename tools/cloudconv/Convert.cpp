@@ -115,7 +115,7 @@ Points pointsOf(const Cloud& cloud, Report& report) {
     Points points;
     points.reserve(cloud.size());
     for (const pcl::PointXYZI& point : cloud) {
-        if (std::isfinite(point.x) && std::isfinite(point.y) && std::isfinite(point.z)) {
+        if (hasPlace(point)) {
             points.emplace_back(point.x, point.y, point.z);
         }
     }

@@ -2,6 +2,7 @@
 
 #include "dxfeditor/detail/DxfGroups.h"
 #include "dxfeditor/detail/DxfObjects.h"
+#include "tools/cloudconv/DxfText.h"
 
 #include <array>
 
@@ -9,15 +10,6 @@ namespace {
 
 using dxfeditor::DxfObject;
 using dxfeditor::DxfObjectKind;
-
-std::string_view trimmed(std::string_view text) {
-    constexpr std::string_view blanks = " \t\r";
-    const std::size_t begin = text.find_first_not_of(blanks);
-    if (begin == std::string_view::npos) {
-        return {};
-    }
-    return text.substr(begin, text.find_last_not_of(blanks) + 1 - begin);
-}
 
 /// The value of the object's first group of this code; empty when there is none.
 std::string_view valueOf(const DxfObject& object, int code) {

@@ -14,20 +14,6 @@ bool startsWith(std::string_view text, std::string_view start) {
     return text.substr(0, start.size()) == start;
 }
 
-bool isBlank(char character) {
-    return character == ' ' || character == '\t' || character == '\r' || character == '\n';
-}
-
-std::string_view trimmed(std::string_view text) {
-    while (!text.empty() && isBlank(text.front())) {
-        text.remove_prefix(1);
-    }
-    while (!text.empty() && isBlank(text.back())) {
-        text.remove_suffix(1);
-    }
-    return text;
-}
-
 /// The kind of file that begins with these bytes, where it is one that is easily mistaken.
 std::string otherKind(std::string_view bytes) {
     constexpr std::array<std::pair<std::string_view, const char*>, 6> kinds = {{
@@ -67,6 +53,15 @@ bool beginsWithObject(std::string_view text) {
 }
 
 } // namespace
+
+std::string_view trimmed(std::string_view text) {
+    constexpr std::string_view blanks = " \t\r\n";
+    const std::size_t begin = text.find_first_not_of(blanks);
+    if (begin == std::string_view::npos) {
+        return {};
+    }
+    return text.substr(begin, text.find_last_not_of(blanks) + 1 - begin);
+}
 
 std::string whyNotDxfText(std::string_view bytes) {
     if (bytes.empty()) {

@@ -3,6 +3,9 @@
 #include <string>
 #include <string_view>
 
+/// The text without the blanks and line ends around it.
+std::string_view trimmed(std::string_view text);
+
 /// Why bytes are no DXF text; empty when they look like one.
 ///
 /// For bytes in which the library found neither layers nor entities: it takes whatever it is given,

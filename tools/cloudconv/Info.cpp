@@ -124,9 +124,7 @@ void describeCloud(const PlyContents& contents, Json& description) {
     for (const pcl::PointXYZI& point : contents.cloud) {
         bounds.add(shortest(point.x), shortest(point.y), shortest(point.z));
         intensity.add(shortest(point.intensity));
-        const bool placed =
-            std::isfinite(point.x) && std::isfinite(point.y) && std::isfinite(point.z);
-        missing += placed ? 0 : 1;
+        missing += hasPlace(point) ? 0 : 1;
     }
     const std::size_t points = contents.cloud.size();
     description["points"] = points;

@@ -22,14 +22,6 @@ using Tree = geometry::index::rtree<End, geometry::index::rstar<16>>;
 
 constexpr std::size_t none = static_cast<std::size_t>(-1);
 
-double distanceOf(const Point& a, const Point& b) {
-    return std::hypot(a.x - b.x, a.y - b.y, a.z - b.z);
-}
-
-bool hasPlace(const Point& point) {
-    return std::isfinite(point.x) && std::isfinite(point.y) && std::isfinite(point.z);
-}
-
 /// A cell so small that all in it are within the joining distance: of the ends in it, one stands
 /// for all. Without that, a thousand lines from one place would be compared each with each.
 std::tuple<double, double, double> cellOf(const Point& point) {

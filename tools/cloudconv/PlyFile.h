@@ -3,6 +3,7 @@
 #include <pcl/point_cloud.h>
 #include <pcl/point_types.h>
 
+#include <cmath>
 #include <string>
 #include <vector>
 
@@ -15,6 +16,11 @@ struct PlyContents {
     /// False when the file has no property "intensity" of type float; the cloud's are 0 then.
     bool hasIntensity = true;
 };
+
+/// Whether a point of a scan has a place: neither nan nor infinite.
+inline bool hasPlace(const pcl::PointXYZI& point) {
+    return std::isfinite(point.x) && std::isfinite(point.y) && std::isfinite(point.z);
+}
 
 /// Reads a PLY file's bytes.
 ///

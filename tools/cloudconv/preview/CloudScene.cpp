@@ -2,10 +2,6 @@
 
 namespace {
 
-bool hasPlace(const pcl::PointXYZI& point) {
-    return std::isfinite(point.x) && std::isfinite(point.y) && std::isfinite(point.z);
-}
-
 Place placeOf(const pcl::PointXYZI& point) {
     return {static_cast<double>(point.x), static_cast<double>(point.y)};
 }
