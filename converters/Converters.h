@@ -39,14 +39,15 @@ CONVERTERS_EXPORT bool from_file(const std::string& path, std::vector<unsigned c
 /// processes do not disturb.
 ///
 /// @param points  the points; none give a drawing without entities
-/// @param out     replaced by the bytes of the drawing; empty when the call fails
+/// @param out     replaced by the bytes of the drawing; empty when the result is false
 /// @return true when `out` is the complete drawing of these points, and the file is removed. False
-///         when the file cannot be created (after a message, unless something is in its place that
+///         when the file cannot be created (after a message; so, too, when what is in its place
 ///         cannot be removed), when a byte of it cannot be written (what was written is removed),
-///         or when it cannot be read back (it stays).
+///         when somebody puts another file in its place meanwhile, or when it cannot be read back
+///         (it stays).
 /// @throws std::filesystem::filesystem_error when the directory cannot be queried or created, or
 ///         the file cannot be removed
-/// @throws std::bad_alloc when the drawing does not fit into memory
+/// @throws std::bad_alloc when the drawing does not fit into memory; `out` is then empty
 CONVERTERS_EXPORT bool toDxf(const std::vector<cv::Point3_<double>>& points,
                              std::vector<unsigned char>& out);
 
@@ -54,7 +55,7 @@ CONVERTERS_EXPORT bool toDxf(const std::vector<cv::Point3_<double>>& points,
 ///
 /// @param cloud  its points, missing ones (nan) included; its width, height and is_dense do not
 ///               matter
-/// @param out    replaced by the bytes of the drawing; empty when the call fails
+/// @param out    replaced by the bytes of the drawing; empty when the result is false
 /// @return as the other toDxf; it throws the same, too
 CONVERTERS_EXPORT bool toDxf(const pcl::PointCloud<pcl::PointXYZ>& cloud,
                              std::vector<unsigned char>& out);
@@ -129,6 +130,8 @@ CONVERTERS_EXPORT bool fromDxf(const std::vector<char>& data,
 /// @param cloud  its points are replaced; its width and height become 0 although it holds points,
 ///               so a caller that needs them sets them. Untouched when the result is false.
 /// @return false when `data` is empty
+/// @throws std::bad_alloc when the drawing or its points do not fit into memory; `cloud` is
+///         untouched
 CONVERTERS_EXPORT bool fromDxf(const std::vector<char>& data,
                                pcl::PointCloud<pcl::PointXYZ>& cloud);
 

@@ -222,9 +222,9 @@ public:
     ///
     /// @param data  the file
     /// @return false when the header is refused: after a message, or in silence when the text ends
-    ///         before "end_header", when width * height is not the number of vertices, or when the
-    ///         records and their points would take more than 64 MiB and 64 bytes for each byte of
-    ///         `data`. Members then hold what was read so far.
+    ///         before "end_header", when width * height is not the number of vertices although
+    ///         there are properties, or when the records and their points would take more than
+    ///         64 MiB and 64 bytes for each byte of `data`. Members then hold what was read so far.
     /// @throws std::invalid_argument, std::out_of_range from std::stoi for the value of "num_cols"
     ///         or "num_rows"
     /// @throws std::logic_error when `data` has no storage at all

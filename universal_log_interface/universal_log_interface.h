@@ -8,7 +8,8 @@
 /// The logging interface that every unit of the converters reports through.
 ///
 /// The library behind it can be replaced: a program, or a library loaded earlier, that defines
-/// p7::deliver itself receives every message instead.
+/// p7::deliver itself receives every message instead. It had better not throw: some callers let the
+/// exception pass, for others it ends the process.
 namespace p7 {
 
 /// Rank of a message. Callers of deliver pass the number.
