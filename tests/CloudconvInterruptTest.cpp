@@ -15,7 +15,9 @@
 #include <array>
 #include <chrono>
 #include <csignal>
+#include <optional>
 #include <thread>
+#include <utility>
 
 namespace {
 
@@ -88,14 +90,25 @@ TEST_F(CloudconvInterrupt, WaitsWhileItIsHeldBack) {
     writeFile(in("temporary"), "half");
     const int status = statusOfChild([&] {
         removeFilesWhenInterrupted();
-        const InterruptsHeld held;
+        std::optional<InterruptsHeld> held(std::in_place);
         raise(SIGINT);
         const RemovedWhenInterrupted temporary(in("temporary"));
-        { const InterruptsHeld released; }
+        held.reset();
         _exit(1);
     });
     EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGINT);
     EXPECT_EQ(names(), std::vector<std::string>{});
+}
+
+TEST_F(CloudconvInterrupt, ThatWasHeldBackBeforeStaysSo) {
+    const int status = statusOfChild([&] {
+        removeFilesWhenInterrupted();
+        const InterruptsHeld outer;
+        { const InterruptsHeld inner; }
+        raise(SIGINT);
+        _exit(0);
+    });
+    EXPECT_TRUE(WIFEXITED(status));
 }
 
 TEST_F(CloudconvInterrupt, ThatTheCallerIgnoresStaysIgnored) {

@@ -47,12 +47,11 @@ void removeFilesWhenInterrupted() {
 
 InterruptsHeld::InterruptsHeld() {
     const sigset_t set = interruptSet();
-    pthread_sigmask(SIG_BLOCK, &set, nullptr);
+    pthread_sigmask(SIG_BLOCK, &set, &m_before);
 }
 
 InterruptsHeld::~InterruptsHeld() {
-    const sigset_t set = interruptSet();
-    pthread_sigmask(SIG_UNBLOCK, &set, nullptr);
+    pthread_sigmask(SIG_SETMASK, &m_before, nullptr);
 }
 
 RemovedWhenInterrupted::RemovedWhenInterrupted(std::string path)

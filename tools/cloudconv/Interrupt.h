@@ -1,5 +1,6 @@
 #pragma once
 
+#include <csignal>
 #include <cstddef>
 #include <string>
 
@@ -7,13 +8,16 @@
 /// before they end the program. A signal that the caller of the program ignores stays ignored.
 void removeFilesWhenInterrupted();
 
-/// Holds those signals back while it lives.
+/// Holds those signals back on this thread while it lives. What was held back before stays so.
 class InterruptsHeld {
 public:
     InterruptsHeld();
     ~InterruptsHeld();
     InterruptsHeld(const InterruptsHeld&) = delete;
     InterruptsHeld& operator=(const InterruptsHeld&) = delete;
+
+private:
+    sigset_t m_before;
 };
 
 /// A file that must not outlive the program while this object lives. The file need not exist.
