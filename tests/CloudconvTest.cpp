@@ -286,10 +286,13 @@ TEST_F(CloudconvEmptyScene, IsNotWhatAFileOfAnotherKindIsTakenFor) {
 
 using CloudconvRefusal = Cloudconv;
 
+TEST_F(CloudconvRefusal, SaysThatAnEmptyFileIsEmpty) {
+    expectRefusal("", "the file is empty");
+}
+
 TEST_F(CloudconvRefusal, NamesTheReasonThatTheLibraryLogged) {
     const std::string reader = "[PlyDeserializer::Read";
     const std::string line = reader + "Header] Error parsing ply, line: ";
-    expectRefusal("", "[PLYDeserializer::DeserializePlyT] No Input data!");
     expectRefusal("plx\nelement vertex 1\n", line + "1");
     expectRefusal("ply\nformat ascii 2.0\nelement vertex 1\n",
                   line + "2 version 2.0 is not supported");

@@ -70,6 +70,9 @@ void checkFields(const std::string& path, const std::vector<pcl::PCLPointField>&
 } // namespace
 
 PlyContents readPly(const std::string& path, const std::vector<unsigned char>& bytes) {
+    if (bytes.empty()) {
+        throw FileError(path, "the file is empty");
+    }
     const CollectedLog log;
     PlyContents contents;
     PLYDeserializer reader;

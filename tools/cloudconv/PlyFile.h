@@ -29,7 +29,7 @@ inline bool hasPlace(const pcl::PointXYZI& point) {
 /// of type float is refused, where the library would leave the coordinate 0.
 ///
 /// @param path  the file's name, for messages
-/// @throws FileError with the reason that the library logged
+/// @throws FileError for an empty file, and with the reason that the library logged for any other
 PlyContents readPly(const std::string& path, const std::vector<unsigned char>& bytes);
 
 /// Makes a PLY file. A cloud without points gives a header that declares the same properties as
