@@ -20,6 +20,9 @@
 #include <system_error>
 #include <utility>
 
+// The logging interface is here for this unit's copy of the switch's name: every unit that reports
+// has one.
+
 namespace converters {
 
 const std::filesystem::path tmpDxfPath = std::filesystem::path(mpaths::getTMP_DIRECTORY()) /=
