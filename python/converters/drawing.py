@@ -273,7 +273,9 @@ def _entity(
 
 
 def _table(*points: Coordinates) -> Array:
-    return np.array(points, dtype=np.float64)
+    table = np.array(points, dtype=np.float64)
+    table.flags.writeable = False
+    return table
 
 
 def _count(items: tuple[object, ...], one: str, many: str) -> str:

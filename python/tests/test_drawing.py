@@ -208,6 +208,18 @@ class TestEntities:
         with pytest.raises(ValueError, match="read-only"):
             shown.points[0] = 1
 
+    def test_coordinates_cannot_be_written_to(self):
+        shown = drawing(
+            entity("POINT", 10, 1, 20, 2),
+            entity("LINE", 10, 1, 20, 2, 11, 3),
+            entity("CIRCLE", 10, 1, 20, 2, 40, 1),
+            entity("ARC", 10, 1, 20, 2, 40, 1),
+            entity("LWPOLYLINE", 90, 2, 10, 1, 20, 2, 10, 3, 20, 4),
+            entity("SPLINE", 71, 1, 40, 0, 40, 1, 10, 1, 20, 2),
+        ).entities
+        assert len(shown) == 6
+        assert [each.kind for each in shown if each.coordinates.flags.writeable] == []
+
     def test_outlive_their_drawing(self):
         points = np.random.default_rng(3).normal(size=(1000, 3)).round(3)
         kept = [Drawing.from_bytes(to_dxf(points)).entities[0].points for _ in range(20)]
