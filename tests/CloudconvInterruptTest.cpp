@@ -40,6 +40,11 @@ int statusOfChild(const std::function<void()>& function) {
     return status;
 }
 
+/// The drawing that a process writes on the way.
+fs::path transientFile(pid_t process) {
+    return "/var/tmp/melgrav/tarnowell3/temp_dxf_files/tmp" + std::to_string(process) + ".dxf";
+}
+
 class CloudconvInterrupt : public Cloudconv {
 protected:
     /// Starts the program.
@@ -132,14 +137,17 @@ TEST_F(CloudconvInterrupt, AtAnyMomentLeavesNoHalfFile) {
         const std::string whole = readFile(in(output));
         for (int delay = 0; delay < 12; ++delay) {
             writeFile(in(output), "old");
-            const pid_t child = start({from, in(output), "--quiet"});
+            const pid_t child = start({from, in(output), "--quiet"}, [] {
+                // What another program of the same id may have left.
+                std::error_code ignored;
+                fs::remove_all(transientFile(getpid()), ignored);
+            });
             std::this_thread::sleep_for(std::chrono::milliseconds(5 * delay));
             kill(child, SIGINT);
             statusOf(child);
             const std::string left = readFile(in(output));
             EXPECT_TRUE(left == "old" || left == whole) << left.size();
-            EXPECT_FALSE(fs::exists("/var/tmp/melgrav/tarnowell3/temp_dxf_files/tmp" +
-                                    std::to_string(child) + ".dxf"));
+            EXPECT_FALSE(fs::exists(transientFile(child)));
         }
         fs::remove(in(output));
         EXPECT_EQ(names(), std::vector<std::string>{"in.ply"});

@@ -303,7 +303,7 @@ class TestWalk:
                 assert contour.closed == (np.linalg.norm(ends[0] - ends[1]) < 0.001)
 
 
-SAMPLES = sorted((Path(os.environ["CONVERTERS_SAMPLE_DIR"]) / "drawings").glob("*.dxf"))
+SAMPLES = sorted((Path(os.environ.get("CONVERTERS_SAMPLE_DIR", "")) / "drawings").glob("*.dxf"))
 
 
 @pytest.mark.skipif(not SAMPLES, reason="no drawings by other programs here")
