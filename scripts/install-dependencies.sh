@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# scripts/install-dependencies.sh [--aarch64] [--bench]: installs the Debian packages that building
-# and testing need, with --aarch64 also those for cross-building and emulation, with --bench also
-# those of the benchmark. Does nothing when all are there.
+# scripts/install-dependencies.sh [--aarch64] [--bench] [--tidy]: installs the Debian packages that
+# building and testing need; with --aarch64 also those for cross-building and emulation, with --bench
+# those of the benchmark, with --tidy clang-tidy. Does nothing when all are there.
 set -euo pipefail
 
 packages=(
@@ -40,8 +40,9 @@ for option in "$@"; do
     fi
     ;;
   --bench) packages+=("${bench_packages[@]}") ;;
+  --tidy) packages+=(clang-tidy-14) ;;
   *)
-    echo "usage: $0 [--aarch64] [--bench]" >&2
+    echo "usage: $0 [--aarch64] [--bench] [--tidy]" >&2
     exit 2
     ;;
   esac

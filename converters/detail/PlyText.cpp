@@ -138,6 +138,7 @@ void writeFloatLines(const std::vector<PlyColumn>& columns, const PointBytes& po
     constexpr std::size_t blockLength = std::size_t{1} << 14;
     std::vector<char> block(blockLength + maxLineLength(columns) + elementRoom);
     std::vector<std::size_t> offsets;
+    offsets.reserve(columns.size());
     for (const PlyColumn& column : columns) {
         offsets.push_back(column.offset);
     }

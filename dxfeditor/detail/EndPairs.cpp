@@ -213,7 +213,8 @@ struct Block {
 void addAll(const OrderedEnds& ends, EndGrid& grid) {
     Block blocks[3];
     // Two blocks more than there are, until the last one has been added.
-    for (std::size_t i = 0; i * Block::mostEnds < ends.size() + 2 * Block::mostEnds; ++i) {
+    const std::size_t behind = ends.size() + std::size_t{2} * Block::mostEnds;
+    for (std::size_t i = 0; i * Block::mostEnds < behind; ++i) {
         blocks[(i + 1) % 3].add(grid);
         blocks[i % 3].locate(ends, i * Block::mostEnds, grid);
         blocks[(i + 2) % 3].fetch(grid);

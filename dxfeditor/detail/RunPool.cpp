@@ -54,7 +54,8 @@ RunEndTree RunPool::treeOf(const OrderedEnds& ends) const {
     reserveLarge(crowded, static_cast<std::size_t>(count));
     for (std::size_t end = 0; end < m_met.size(); ++end) {
         if (m_met[end] == crowd && !ends.isSecondOfEqual(end)) {
-            const EndNumber numbered = 2 * m_order[end / 2] + end % 2;
+            const auto numbered =
+                static_cast<EndNumber>(std::size_t{2} * m_order[end / 2] + end % 2);
             crowded.push_back({ends[end], numbered});
         }
     }

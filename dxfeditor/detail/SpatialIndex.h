@@ -20,7 +20,8 @@ inline Row rowOf(double coordinate) {
     constexpr double endOfRows = 0x1p40;
     // In this order, what is not a number is in the outermost row.
     const double inside = std::max(-endOfRows, std::min(endOfRows, coordinate));
-    return static_cast<Row>(inside * rowsPerUnit + 0.5);
+    // Not std::lround: that the row around zero is wider does no harm.
+    return static_cast<Row>(inside * rowsPerUnit + 0.5); // NOLINT(bugprone-incorrect-roundings)
 }
 
 /// Where the ends of runs lie, coarsely: by squares over the plane of the cloud that the drawing

@@ -118,6 +118,8 @@ void Stitcher::finishChain(RunNumber start) {
 
 } // namespace
 
+// The ends are taken by value to be freed with the rest.
+// NOLINTNEXTLINE(performance-unnecessary-value-param)
 Walk stitch(const std::vector<Run>& runs, std::vector<Run::Point> ends) {
     return Stitcher(runs, ends).walk();
 }

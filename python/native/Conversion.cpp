@@ -14,7 +14,7 @@ void raise(PyObject* type, const std::string& text) {
 }
 
 py::bytes toBytes(const std::vector<unsigned char>& contents) {
-    const auto result = py::reinterpret_steal<py::bytes>(
+    auto result = py::reinterpret_steal<py::bytes>(
         PyBytes_FromStringAndSize(nullptr, static_cast<Py_ssize_t>(contents.size())));
     if (!result) {
         throw py::error_already_set();

@@ -24,7 +24,7 @@ using Point = cv::Point3_<double>;
 /// Names in a drawing are bytes of no stated encoding; those that are not UTF-8 survive as
 /// surrogates, as file names do in Python.
 py::str text(const std::string& bytes) {
-    const auto decoded = py::reinterpret_steal<py::str>(PyUnicode_DecodeUTF8(
+    auto decoded = py::reinterpret_steal<py::str>(PyUnicode_DecodeUTF8(
         bytes.data(), static_cast<Py_ssize_t>(bytes.size()), "surrogateescape"));
     if (!decoded) {
         throw py::error_already_set();

@@ -24,7 +24,7 @@ std::string formatted(const char* format, std::va_list values) {
     va_copy(again, values);
     const int length = std::vsnprintf(nullptr, 0, format, values);
     std::string text(length < 0 ? 1 : static_cast<std::size_t>(length) + 1, '\0');
-    std::vsnprintf(text.data(), text.size(), format, again);
+    static_cast<void>(std::vsnprintf(text.data(), text.size(), format, again));
     va_end(again);
     text.pop_back();
     return text;

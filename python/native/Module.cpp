@@ -155,7 +155,7 @@ py::array fromDxf(const py::object& source) {
 /// Errors of the file system become OSError with its number and path.
 void translateFileSystemError(std::exception_ptr thrown) {
     try {
-        std::rethrow_exception(thrown);
+        std::rethrow_exception(std::move(thrown));
     } catch (const std::filesystem::filesystem_error& error) {
         errno = error.code().value();
         PyErr_SetFromErrnoWithFilename(PyExc_OSError, error.path1().c_str());

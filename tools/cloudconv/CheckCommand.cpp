@@ -38,7 +38,11 @@ ExitStatus check(const CheckOptions& options) {
     progress.end();
     std::string text;
     for (const std::string& finding : findings) {
-        text += printable(name + ": " + finding) + '\n';
+        std::string line = name;
+        line += ": ";
+        line += finding;
+        text += printable(line);
+        text += '\n';
     }
     if (findings.empty() && !options.quiet) {
         text = printable(name) + ": nothing found\n";

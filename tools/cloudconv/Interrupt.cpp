@@ -22,8 +22,8 @@ extern "C" void removeFilesAndEnd(int signal) {
         }
     }
     // With the default action, so that the caller sees what ended the program.
-    std::signal(signal, SIG_DFL);
-    raise(signal);
+    static_cast<void>(std::signal(signal, SIG_DFL));
+    static_cast<void>(raise(signal));
 }
 
 sigset_t interruptSet() {
@@ -40,7 +40,7 @@ sigset_t interruptSet() {
 void removeFilesWhenInterrupted() {
     for (const int signal : interrupts) {
         if (std::signal(signal, removeFilesAndEnd) == SIG_IGN) {
-            std::signal(signal, SIG_IGN);
+            static_cast<void>(std::signal(signal, SIG_IGN));
         }
     }
 }

@@ -100,6 +100,7 @@ std::vector<NearMiss> nearMissesOf(const DxfContents& drawing, const std::vector
         }
     }
     std::vector<NearMiss> misses;
+    misses.reserve(pairs.size());
     for (const auto& [first, second] : pairs) {
         misses.push_back({ends[first], ends[second], distanceOf(ends[first], ends[second])});
     }

@@ -19,7 +19,7 @@ std::string nextWord(std::string_view& line) {
     }
     line.remove_prefix(begin);
     const std::size_t size = std::min(line.find_first_of(blanks), line.size());
-    const std::string word(line.substr(0, size));
+    std::string word(line.substr(0, size));
     line.remove_prefix(size);
     return word;
 }

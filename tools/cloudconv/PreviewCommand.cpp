@@ -30,7 +30,7 @@ int sideOf(const std::string& text) {
     constexpr std::size_t mostDigits = 4;
     const bool isNumber = !text.empty() && text.size() <= mostDigits &&
                           text.find_first_not_of("0123456789") == std::string::npos;
-    const int side = isNumber ? std::atoi(text.c_str()) : 0;
+    const int side = isNumber ? std::stoi(text) : 0;
     return side >= smallest && side <= largest ? side : 0;
 }
 

@@ -80,9 +80,11 @@ ExitStatus explain(const CLI::App& app, const CLI::ParseError& error) {
 
 } // namespace
 
+// Without the memory for its options the program could not say so either.
+// NOLINTNEXTLINE(bugprone-exception-escape)
 int main(int argc, char** argv) {
     // A file that outgrows its limit is then a write that fails, with a reason to report.
-    std::signal(SIGXFSZ, SIG_IGN);
+    static_cast<void>(std::signal(SIGXFSZ, SIG_IGN));
     removeFilesWhenInterrupted();
 
     Command command;

@@ -11,8 +11,9 @@
 #include <string>
 #include <vector>
 
-struct _cairo;
-struct _cairo_surface;
+// The names that cairo gave its types.
+struct _cairo;         // NOLINT(bugprone-reserved-identifier)
+struct _cairo_surface; // NOLINT(bugprone-reserved-identifier)
 
 /// How a line is drawn.
 struct Pen {

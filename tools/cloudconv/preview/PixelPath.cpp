@@ -113,10 +113,11 @@ std::vector<Arrow> arrowsAlong(const std::vector<Place>& path) {
             continue;
         }
         const double step = distanceOf(from, to);
-        for (; next < walked + step; next += spacing) {
+        while (next < walked + step) {
             const double share = (next - walked) / step;
             arrows.push_back({{from.x + share * (to.x - from.x), from.y + share * (to.y - from.y)},
                               {(to.x - from.x) / step, (to.y - from.y) / step}});
+            next += spacing;
         }
         walked += step;
     }

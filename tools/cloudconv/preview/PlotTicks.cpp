@@ -85,8 +85,8 @@ PlotTicks ticksOf(const Interval& shown, int most) {
     const Labels labels(shown, result.origin, step);
     const double first = std::ceil((shown.low - result.origin) / step.times(1.0) - rounding);
     const double last = std::floor((shown.high - result.origin) / step.times(1.0) + rounding);
-    for (double i = first; i <= last; ++i) {
-        const double value = step.times(i);
+    for (int i = 0; i <= last - first; ++i) {
+        const double value = step.times(first + i);
         result.ticks.push_back({result.origin + value, labels.of(value)});
     }
     return result;
