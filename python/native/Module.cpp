@@ -13,6 +13,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <mutex>
+#include <utility>
 
 namespace py = pybind11;
 
