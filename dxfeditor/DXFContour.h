@@ -9,7 +9,7 @@ struct DXFContour {
     std::size_t begin;
     /// Index behind the last point.
     std::size_t end;
-    /// Whether the last point is a copy of the first. True for a single point; false for a circle
-    /// by itself, whose walk stops a step short of its start.
+    /// Whether the last point is a copy of the first. True for a single finite point; false for a
+    /// circle by itself, whose walk stops a step short of its start.
     bool closed;
 };
