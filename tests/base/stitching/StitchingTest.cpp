@@ -146,7 +146,7 @@ TEST(Stitching, JoinsWhatTheProcedureJoinsAtAnyDistance) {
 }
 
 TEST(Stitching, AsksOfRunsWithEqualEndsWhetherTheyHaveOnePoint) {
-    const std::vector<Point> ends = {{0, 0, 0}, {1, 0, 0}, {1, 0, 0},
+    const std::vector<Point> ends = {{1, 0, 0}, {1, 0, 0}, {0, 0, 0},
                                      {1, 0, 0}, {1, 0, 0}, {2, 0, 0}};
     std::vector<RunNumber> asked;
     const base::Walk walk = base::stitch(
@@ -157,8 +157,8 @@ TEST(Stitching, AsksOfRunsWithEqualEndsWhetherTheyHaveOnePoint) {
         },
         JoinDistance(0.1));
     EXPECT_EQ(described(walk),
-              (std::vector<std::string>{"0 without last", "1 without last", "2 ends"}));
-    EXPECT_EQ(asked, std::vector<RunNumber>{1});
+              (std::vector<std::string>{"1 without last", "0 without last", "2 ends"}));
+    EXPECT_EQ(asked, std::vector<RunNumber>{0});
 }
 
 TEST(JoinDistance, RowsAreFifteenToThirtyTimesAsWide) {
