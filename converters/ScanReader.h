@@ -80,8 +80,8 @@ public:
     ReadResult read(pcl::PointXYZI* points, std::size_t most, std::size_t& count);
 
 private:
-    class State;
-    std::unique_ptr<State> state_;
+    class CONVERTERS_HIDDEN State;
+    std::unique_ptr<State> m_state;
 };
 
 } // namespace converters

@@ -80,8 +80,8 @@ public:
     bool finish();
 
 private:
-    class State;
-    std::unique_ptr<State> state_;
+    class CONVERTERS_HIDDEN State;
+    std::unique_ptr<State> m_state;
 };
 
 } // namespace converters
