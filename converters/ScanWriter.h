@@ -52,7 +52,8 @@ struct ScanWriteOptions {
 /// names with commas, quotes or line ends in quotes in CSV.
 class CONVERTERS_EXPORT ScanWriter {
 public:
-    /// @param sink    called with blocks of the file, in order, from begin() on; what it throws
+    /// @param sink    called with blocks of the file, in order, by write() and finish(); what it
+    /// throws
     ///                leaves the function that called it
     /// @param layout  of the records to come
     /// @param output  what is written
@@ -65,7 +66,7 @@ public:
     /// Writes what comes before the points.
     ///
     /// @param count  how many points will come; PLY files say so in front
-    /// @return false when the sink takes no more, or (DXF) x, y or z is missing
+    /// @return false when x, y or z is missing (DXF alone)
     bool begin(std::uint64_t count);
 
     /// Writes points.

@@ -112,14 +112,15 @@ void TextRecords::refuseToken(NumberFault fault, const ScanProperty& property, S
                             : ""));
     }
     const std::string_view token = m_tokens.next();
-    const std::string place =
-        " of property " + inQuotes(property.name) + ", which is of type " + nameOf(type);
+    const std::string name = inQuotes(property.name);
     if (fault == NumberFault::noNumber) {
         refuseLine(m_tokens.line(), inQuotes(token) + " is no number" + hintAt(token));
     }
     refuseLine(m_tokens.line(),
-               inQuotes(token) +
-                   (fault == NumberFault::notWhole ? " is no value" : " is out of range") + place);
+               fault == NumberFault::notWhole
+                   ? inQuotes(token) + " is no whole number, which property " + name + " has to be"
+                   : inQuotes(token) + " is out of the range of " + nameOf(type) +
+                         ", the type of property " + name);
 }
 
 std::uint64_t TextRecords::takeRest() {
