@@ -1,0 +1,315 @@
+#pragma once
+
+#include "converters/Export.h"
+#include "converters/ReadResult.h"
+
+#include <opencv2/core/types.hpp>
+
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+/// The path of a drawing: its true geometry, as contours to follow with a tool.
+///
+/// readPath() takes any DXF drawing, text or binary, of any release: blocks, ellipses, bulges,
+/// splines and mirrored entities included. What the drawing shows and a path cannot hold (text,
+/// hatches, hidden layers) is listed, not dropped. fromDxf() is another thing: the walk by fixed
+/// rules that existing programs rely on.
+namespace converters {
+
+/// A unit of length, by its number in a drawing's $INSUNITS.
+enum class LengthUnit : std::uint8_t {
+    none = 0,
+    inch = 1,
+    foot = 2,
+    mile = 3,
+    millimetre = 4,
+    centimetre = 5,
+    metre = 6,
+    kilometre = 7,
+    microinch = 8,
+    mil = 9,
+    yard = 10,
+    angstrom = 11,
+    nanometre = 12,
+    micrometre = 13,
+    decimetre = 14,
+    decametre = 15,
+    hectometre = 16,
+    gigametre = 17,
+    astronomicalUnit = 18,
+    lightYear = 19,
+    parsec = 20,
+    surveyFoot = 21
+};
+
+/// The length of a unit in metres; 0 for LengthUnit::none.
+CONVERTERS_EXPORT double metresPer(LengthUnit unit);
+
+/// The kinds of entity that a path is made of.
+enum class PathEntityKind : std::uint8_t {
+    point,
+    line,
+    arc,
+    circle,
+    ellipse,
+    lwpolyline,
+    polyline,
+    spline
+};
+
+/// The kind as a DXF file spells it: "LWPOLYLINE". A string of static duration.
+CONVERTERS_EXPORT const char* nameOf(PathEntityKind kind);
+
+/// An entity of the drawing that a contour is made of. An entity inside a block is there once for
+/// each time that it is drawn.
+struct PathEntity {
+    /// Its handle (group 5), a hexadecimal number in the file; 0 where it has none.
+    std::uint64_t handle;
+    /// The handle of the outermost INSERT that draws it; 0 where it is in no block or the INSERT
+    /// has none.
+    std::uint64_t insert;
+    /// Index into DrawingPath::layers: where it is drawn, so that layer "0" in a block is the layer
+    /// of the INSERT.
+    std::uint32_t layer;
+    PathEntityKind kind;
+};
+
+/// What a piece of a contour is, exactly.
+enum class PathCurveKind : std::uint8_t {
+    /// A point by itself.
+    point,
+    /// The straight line between the two ends of the piece.
+    line,
+    /// A circular arc: DrawingPath::arcs.
+    arc,
+    /// An elliptic arc: DrawingPath::ellipticArcs.
+    ellipticArc,
+    /// A B-spline: DrawingPath::splines.
+    spline
+};
+
+/// A part of a contour that is one exact curve, from one of the contour's points to a later one.
+/// The last point of a piece is the first of the next.
+struct PathPiece {
+    /// Indexes into DrawingPath::points of the first point and of the last.
+    std::size_t firstPoint;
+    std::size_t lastPoint;
+    /// Index into arcs, ellipticArcs or splines; 0 for points and lines.
+    std::uint32_t curve;
+    /// Index into DrawingPath::entities.
+    std::uint32_t entity;
+    PathCurveKind kind;
+};
+
+/// A circular arc in space, walked from its start to its end.
+struct PathArc {
+    cv::Point3_<double> centre;
+    /// Unit vector; the arc turns counter-clockwise about it.
+    cv::Point3_<double> normal;
+    double radius;
+    /// Radians, above 0 and at most 2 pi (a full circle).
+    double sweep;
+};
+
+/// An elliptic arc: centre + cos(t) major + sin(t) minor, for t from `start` to `start` + `sweep`.
+struct PathEllipticArc {
+    cv::Point3_<double> centre;
+    /// The two half axes; perpendicular, the longer one first.
+    cv::Point3_<double> major;
+    cv::Point3_<double> minor;
+    /// Radians; the sweep is above 0 and at most 2 pi.
+    double start;
+    double sweep;
+};
+
+/// A B-spline, walked from knots[degree] to knots[controlPoints.size()].
+struct PathSpline {
+    std::size_t degree;
+    /// Do not fall; controlPoints.size() + degree + 1 of them.
+    std::vector<double> knots;
+    std::vector<cv::Point3_<double>> controlPoints;
+    /// One for each control point, all positive; empty where all are 1.
+    std::vector<double> weights;
+};
+
+/// A layer of the drawing.
+struct PathLayer {
+    /// UTF-8.
+    std::string name;
+    /// The AutoCAD colour index, 1 to 255; 7 (black or white) where the drawing has none.
+    std::uint16_t colour;
+    bool off;
+    bool frozen;
+};
+
+/// A stretch of the path that is walked without lifting the tool.
+struct PathContour {
+    /// Indexes into DrawingPath::points: the first point, and behind the last one.
+    std::size_t firstPoint;
+    std::size_t endPoint;
+    /// Indexes into DrawingPath::pieces: the first piece, and behind the last one.
+    std::size_t firstPiece;
+    std::size_t endPiece;
+    /// Indexes into DrawingPath::entities: the first entity, and behind the last one.
+    std::size_t firstEntity;
+    std::size_t endEntity;
+    /// Along its exact curves, in units of the result.
+    double length;
+    /// Index into DrawingPath::layers: that of its first entity.
+    std::uint32_t layer;
+    /// The colour of its first entity, 0xRRGGBB, where the drawing gives one in these terms; -1
+    /// otherwise.
+    std::int32_t trueColour;
+    /// The AutoCAD colour index of its first entity, 1 to 255, by layer and by block resolved.
+    std::uint16_t colour;
+    /// Whether it returns to its start; its last point is then an exact copy of its first.
+    bool closed;
+};
+
+/// Why something that the drawing holds is not in the path as it is drawn.
+enum class LeftOutReason : std::uint8_t {
+    /// Text, dimensions, leaders, hatches, images: nothing to follow.
+    annotation,
+    /// Faces, meshes and solids.
+    mesh,
+    /// A RAY or an XLINE.
+    infinite,
+    /// Multiple lines, tables, proxies and kinds that are not known.
+    unknownKind,
+    layerOff,
+    layerFrozen,
+    /// Invisible by itself (group 60), or drawn by an INSERT that is.
+    invisible,
+    paperSpace,
+    /// Not among the layers asked for.
+    layerNotAsked,
+    blockMissing,
+    /// The block is another file.
+    blockExternal,
+    blockHoldsItself,
+    /// An INSERT with a clipping boundary: it is in the path, but as a whole.
+    drawnUnclipped,
+    /// Values that are missing or contradict each other, or a scale that leaves no extent.
+    broken
+};
+
+/// The reason in words: "on a layer that is off". A string of static duration.
+CONVERTERS_EXPORT const char* nameOf(LeftOutReason reason);
+
+/// Entities of one kind, on one layer, left out for one reason.
+struct LeftOut {
+    /// As the file spells it: "MTEXT".
+    std::string kind;
+    /// UTF-8; the layer that the entity is drawn on.
+    std::string layer;
+    /// How many; each one once for each time that it would be drawn, but what an INSERT would have
+    /// drawn counts as that INSERT where that is what was left out.
+    std::uint64_t number;
+    LeftOutReason reason;
+};
+
+/// The contours of a drawing. Flat arrays, so that a million entities take little memory: a contour
+/// names ranges of the others.
+struct DrawingPath {
+    /// The points of all contours, one contour after another.
+    std::vector<cv::Point3_<double>> points;
+    std::vector<PathContour> contours;
+    std::vector<PathPiece> pieces;
+    std::vector<PathArc> arcs;
+    std::vector<PathEllipticArc> ellipticArcs;
+    std::vector<PathSpline> splines;
+    std::vector<PathEntity> entities;
+    std::vector<PathLayer> layers;
+    /// In the order in which the kinds came up.
+    std::vector<LeftOut> leftOut;
+    /// What the reader had to assume, in words for a person: "the drawing names no unit; its
+    /// numbers are taken as millimetres".
+    std::vector<std::string> notes;
+    /// The unit of the drawing, and that of the coordinates here.
+    LengthUnit drawingUnit = LengthUnit::none;
+    LengthUnit unit = LengthUnit::none;
+    /// The smallest box that holds all points; without meaning when there are none.
+    cv::Point3_<double> lowest;
+    cv::Point3_<double> highest;
+    /// Of all contours, and of the straight ways from the end of each to the start of the next.
+    double length = 0;
+    double wayLength = 0;
+};
+
+/// In which order and direction contours are walked.
+enum class PathOrder : std::uint8_t {
+    /// Contours in the order of their first entity, and in its direction.
+    drawn,
+    /// The ways between contours made short; contours may be reversed, closed ones start elsewhere.
+    nearest,
+    /// Contours inside others before these, nearest among equals: as cutters need it.
+    insideFirst
+};
+
+/// How the coordinates of the result lie.
+enum class PathAxes : std::uint8_t {
+    /// (x, y, z) as in the drawing.
+    drawing,
+    /// (x, 0, y), those of fromDxf(): heights are dropped.
+    plain
+};
+
+/// How a drawing becomes a path. Lengths are in units of the result.
+struct PathOptions {
+    /// The most that a chord may leave its curve; above 0. By default 0.01 mm, or 0.01 where no
+    /// unit is known.
+    std::optional<double> tolerance;
+    /// The most between neighbouring points, of straight lines, too; above 0. By default without
+    /// limit.
+    std::optional<double> step;
+    /// Ends of entities closer than this are one point; 0 joins equal ends only. By default 0.001
+    /// units of the drawing.
+    std::optional<double> joinDistance;
+    /// The unit of the result; none: that of the drawing.
+    LengthUnit unit = LengthUnit::none;
+    /// Multiplies coordinates, after units; above 0.
+    double scale = 1;
+    /// Names of layers to take, in UTF-8, and to leave out. Case does not matter; "*" stands for
+    /// any text, "?" for a character. No names: all layers.
+    std::vector<std::string> layers;
+    std::vector<std::string> exceptLayers;
+    /// Takes what is invisible and what is on layers that are off or frozen.
+    bool hidden = false;
+    /// Takes paper space, in its own coordinates.
+    bool paperSpace = false;
+    PathAxes axes = PathAxes::drawing;
+    PathOrder order = PathOrder::drawn;
+    /// More points, or more entities when all blocks are drawn, are refused before memory is asked
+    /// for.
+    std::size_t maximumPoints = 100'000'000;
+    std::size_t maximumEntities = 100'000'000;
+    /// Called now and then, on the caller's thread, with the part of the work that is done, 0 to 1;
+    /// false stops the work, which is then a failure.
+    std::function<bool(double done)> progress;
+};
+
+/// Reads the path of a DXF drawing.
+///
+/// @param bytes  the file, text of any release and line end, or binary; read during the call only
+/// @param size   how many bytes
+/// @param path   replaced by the path; untouched when the result is a failure
+/// @return success, also of a drawing in which nothing is drawn. A failure, with its reason, for
+///         what is no DXF file, for a binary file cut short, for options out of range, for more
+///         points or entities than allowed, and when `progress` stops it.
+/// @throws std::bad_alloc when the path does not fit into memory; `path` is untouched
+CONVERTERS_EXPORT ReadResult readPath(const void* bytes, std::size_t size, DrawingPath& path,
+                                      const PathOptions& options = {});
+
+/// Reads the path of a DXF file.
+///
+/// @param file  the file's path
+/// @return as above; a failure also when the file cannot be read
+CONVERTERS_EXPORT ReadResult readPath(const std::filesystem::path& file, DrawingPath& path,
+                                      const PathOptions& options = {});
+
+} // namespace converters
