@@ -210,6 +210,7 @@ void Decoder::chooseShift() {
               sizeof points[0], count);
     m_report.shift = automaticShift(points, types);
     m_source = std::move(replayed);
+    m_sampled = count;
 }
 
 bool Decoder::isCoordinate(std::size_t property) const {
@@ -294,7 +295,7 @@ std::optional<std::uint64_t> Decoder::mostPoints() const {
         return std::nullopt;
     }
     // The last number of a text needs no blank behind.
-    return (*bytes + 1) / least;
+    return m_sampled + (*bytes + 1) / least;
 }
 
 std::size_t Decoder::read(unsigned char* to, std::size_t most) {

@@ -47,7 +47,7 @@ public:
     /// @return how many; 0 when all have been read and what is behind them has been checked
     std::size_t read(unsigned char* to, std::size_t most);
 
-    /// Most points that the rest of the file can hold, if its size is known.
+    /// Most points that there can be in what is left of the file, if its size is known.
     std::optional<std::uint64_t> mostPoints() const;
 
     /// That of the records, or of the chosen target.
@@ -92,6 +92,8 @@ private:
     std::vector<ScanField> m_places;
     std::vector<unsigned char> m_isMissing;
     bool m_needsIntensity = false;
+    /// Points that are taken already, for the shift to follow from them.
+    std::uint64_t m_sampled = 0;
     std::uint64_t m_pointsLeft = 0;
     std::uint64_t m_told = 0;
     bool m_hasFinished = false;
