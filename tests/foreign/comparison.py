@@ -39,6 +39,8 @@ def farthest(points, runs, limit):
         points, found = _not_obviously_near(points, starts, ends, limit)
         if not len(points):
             return found
+        # A portion shows what is wrong, too.
+        points = points[::max(1, len(points) // 500)]
     return distances_to(points, starts, ends).max()
 
 
@@ -171,16 +173,31 @@ def shape_findings(path, piece, scale):
             yield "weights are wrong"
 
 
-def piece_findings(path, tolerance, join):
+def join_findings(path):
+    """Open contours of which exactly two end at one place should be one."""
+    ends = defaultdict(int)
+    for contour in path.dump["contours"]:
+        first, end = contour["points"]
+        if not contour["closed"] and end - first > 1:
+            for point in (path.points[first], path.points[end - 1]):
+                ends[tuple(point + 0.0)] += 1
+    return [f"two contours end at {place}" for place, number in ends.items() if number == 2]
+
+
+def piece_findings(path, tolerance, join, step=None):
     """Whether pieces lie on their points and chain, and whether chords keep the tolerance."""
     findings = []
     scale = 1 + np.abs(path.points).max(initial=0)
     near = 1e-9 * scale + join
     for number, piece in enumerate(path.pieces):
         first, last, kind, _, _ = piece
+        if step is not None:
+            widest = np.linalg.norm(np.diff(path.points[first:last + 1], axis=0), axis=1)
+            if widest.max(initial=0) > step * (1 + 1e-9) + join:
+                findings.append(f"piece {number}: a step of {widest.max()}, not {step}")
         findings += [f"piece {number}: {what}" for what in shape_findings(path, piece, scale)]
         if kind in (POINT, LINE):
-            if last - first != (1 if kind == LINE else 0) and "step" not in path.dump:
+            if last - first != (1 if kind == LINE else 0) and step is None:
                 findings.append(f"piece {number}: kind {kind} has {last - first + 1} points")
             continue
         curve, start, end = curve_of(path, piece)

@@ -8,6 +8,7 @@ import math
 import random
 
 import ezdxf
+from ezdxf.math import ConstructionArc
 
 
 RELEASES = ["R12", "R2000", "R2004", "R2007", "R2010", "R2013", "R2018"]
@@ -118,6 +119,8 @@ class Maker:
         for _ in range(count):
             if blocks and self.random.random() < 0.35:
                 drawn += self.insert(layout, self.random.choice(blocks))
+            elif self.random.random() < 0.06 and {"LINE", "ARC"} <= set(self.kinds):
+                drawn += self.add_chain(layout)
             elif not self.plain and self.random.random() < 0.08:
                 self.other(layout, self.random.choice(OTHERS))
             else:
@@ -167,6 +170,27 @@ class Maker:
         attributes["extrusion"] = normal
         layout.add_ellipse(self.point(), [factor * value for value in across],
                            10 ** self.random.uniform(-2.5, 0), start, end, attributes)
+
+    def add_chain(self, layout):
+        """Lines and arcs end to end, in any direction, as workpieces are drawn: perhaps closed,
+        perhaps with gaps that are too small to be seen."""
+        points = [(self.coordinate(), self.coordinate(), 0.0)
+                  for _ in range(self.random.randint(2, 7))]
+        if self.random.random() < 0.5:
+            points.append(points[0])
+        attributes = {"layer": "walls"}
+        for start, end in zip(points, points[1:]):
+            if self.random.random() < 0.5:
+                start, end = end, start
+            if self.random.random() < 0.3:
+                arc = ConstructionArc.from_2p_angle(start[:2], end[:2],
+                                                    self.random.uniform(20, 300))
+                layout.add_arc(arc.center, arc.radius, arc.start_angle, arc.end_angle,
+                               dxfattribs=attributes)
+            else:
+                gap = self.random.choice([0, 0, 0.0004, -0.0004])
+                layout.add_line(start, (end[0] + gap, *end[1:]), attributes)
+        return len(points) - 1
 
     def bulge(self):
         kind = self.random.random()

@@ -26,6 +26,9 @@ def _entities_of(insert):
 def _run_of(entity, distance):
     if entity.dxftype() == "POINT":
         return np.array([entity.dxf.location], float)
+    if entity.dxftype() == "SPLINE":
+        # make_path() gives Bezier curves, which other degrees than 3 and weights are not.
+        return np.array([point.xyz for point in entity.flattening(distance, 8)], float)
     # One Bezier curve for a quarter leaves a circle by 0.03 % of its radius; eight do not.
     path = ezdxf_path.make_path(entity, segments=8)
     return np.array([point.xyz for point in path.flattening(distance)], float)

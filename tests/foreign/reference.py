@@ -289,6 +289,7 @@ class Reference:
     def _walk_insert(self, entity, matrix, layer, insert, chain, why):
         """What is on a layer that is off goes by itself; all else that hides an INSERT hides all."""
         block = entity.block()
+        self.left_out.update([("ATTRIB", "no path")] * len(entity.attribs))
         if why in ("invisible", "frozen"):
             self.left_out[("INSERT", why)] += 1
         elif block is None or block.block.is_xref or block.name in chain:
