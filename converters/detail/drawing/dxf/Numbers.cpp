@@ -42,7 +42,8 @@ std::optional<int> wholeNumber(std::string_view text) {
         text.remove_prefix(1);
     }
     constexpr std::size_t mostDigits = 5;
-    if (text.empty() || text.size() > mostDigits || !std::all_of(text.begin(), text.end(), isDigit)) {
+    if (text.empty() || text.size() > mostDigits ||
+        !std::all_of(text.begin(), text.end(), isDigit)) {
         return std::nullopt;
     }
     int number = 0;
@@ -101,7 +102,8 @@ const char* readPlainReal(const char* begin, const char* end, double& number) {
         return count > 0 ? readByLibrary(begin, end, number) : nullptr;
     }
     const double whole = static_cast<double>(mantissa);
-    const double value = decimals > 0 ? whole / powersOfTen[static_cast<std::size_t>(decimals)] : whole;
+    const double value =
+        decimals > 0 ? whole / powersOfTen[static_cast<std::size_t>(decimals)] : whole;
     number = isNegative ? -value : value;
     return p;
 }
@@ -131,7 +133,8 @@ TolerantReal readTolerantReal(std::string_view text) {
     }
     // The library leaves the number as it was when it is out of range, on either side.
     if (error == std::errc::result_out_of_range) {
-        const bool isSmall = text.find("e-") != std::string_view::npos || text.find("E-") != std::string_view::npos;
+        const bool isSmall =
+            text.find("e-") != std::string_view::npos || text.find("E-") != std::string_view::npos;
         return {isSmall ? 0.0 : none, hasComma};
     }
     return {error == std::errc() ? number : none, hasComma};

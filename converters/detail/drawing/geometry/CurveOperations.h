@@ -27,6 +27,10 @@ Point pointAt(const EllipticArc& arc, double t);
 Point pointAt(const BSpline& spline, double t);
 Point pointAt(const Curve& curve, double t);
 
+/// The point of an arc that lies `angle` behind its start, in its own parameter: negative ones for
+/// a negative sweep.
+Point pointBehindStart(const EllipticArc& arc, double angle);
+
 /// The image of a curve under an affine map.
 Line transformed(const Line& line, const Affine& map);
 EllipticArc transformed(const EllipticArc& arc, const Affine& map);

@@ -4,6 +4,8 @@
 #include "converters/detail/drawing/geometry/Angle.h"
 #include "converters/detail/drawing/geometry/Curve.h"
 
+#include <optional>
+
 namespace converters::drawing {
 
 /// A full circle in the plane z = centre.z, counter-clockwise from its point with the largest x.
@@ -12,22 +14,26 @@ EllipticArc circle(const Point& centre, double radius);
 
 /// An arc in the plane z = centre.z, counter-clockwise from one angle to the other.
 ///
-/// The sweep is above 0 and at most a full turn. Equal angles give a full turn, whether they differ
-/// by multiples of 360 or not at all.
+/// The sweep is above 0 and at most a full turn, which angles give that differ by a multiple of
+/// 360; its end is an exact copy of its start.
 ///
 /// @param start, end  degrees; multiples of 90 give exact ends
-EllipticArc circularArc(const Point& centre, double radius, double start, double end);
+/// @return none for equal angles (to 1e-9), as other programs read them, and for angles that are
+///         not finite
+std::optional<EllipticArc> circularArc(const Point& centre, double radius, double start,
+                                       double end);
 
 /// An elliptic arc: centre + cos(t) major + sin(t) minor, t from `start` upwards to `end`.
 ///
 /// The minor half axis is normal x major times the ratio. The sweep is above 0 and at most a full
-/// turn; equal parameters give a full turn. Parameters that are a full turn apart to 1e-9 give one
-/// whose end is an exact copy of its start.
+/// turn, which parameters give that differ by a multiple of it, to 1e-6, since programs write as
+/// few digits; its end is an exact copy of its start.
 ///
 /// @param normal      of any length; without direction it counts as (0, 0, 1)
 /// @param start, end  radians
-EllipticArc ellipse(const Point& centre, const Vector& major, double ratio, const Vector& normal,
-                    double start, double end);
+/// @return none for equal parameters (to 1e-9), and for parameters that are not finite
+std::optional<EllipticArc> ellipse(const Point& centre, const Vector& major, double ratio,
+                                   const Vector& normal, double start, double end);
 
 /// The edge of a polyline from one vertex to the next, in the plane z = start.z.
 ///
