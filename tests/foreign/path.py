@@ -264,7 +264,11 @@ def run_samples(dump, folder):
 
 
 def sample_findings(dump, drawing):
-    doc = ezdxf.recover.readfile(str(drawing))[0]
+    try:
+        doc = ezdxf.readfile(str(drawing))
+    except ezdxf.DXFError:
+        # Of texts only, but of broken ones.
+        doc = ezdxf.recover.readfile(str(drawing))[0]
     points = comparison.Path(dump.path_of(drawing, [])).points
     size = np.ptp(points, axis=0).max() if len(points) else 1.0
     findings = []
