@@ -15,11 +15,6 @@ namespace converters::drawing {
 
 namespace {
 
-double distance(const Point& a, const Point& b) {
-    const Vector way = b - a;
-    return std::sqrt(way.dot(way));
-}
-
 /// Follows contours; a sink gets what they are made of, in order:
 ///
 ///     begin(start)         a contour begins

@@ -2,6 +2,8 @@
 
 #include "converters/detail/drawing/dxf/KindNumbers.h"
 #include "converters/detail/drawing/dxf/Numbers.h"
+#include "converters/detail/drawing/geometry/Angle.h"
+#include "converters/detail/drawing/geometry/EllipticArcs.h"
 
 #include <algorithm>
 #include <cmath>
@@ -165,40 +167,33 @@ void EntityBuilder::addCircle(const EntityGroups& groups) {
                    groups.real(Slot::number40)});
 }
 
-/// Equal angles are an arc without extent, as other readers have it; a full turn needs angles that
-/// differ by one.
 void EntityBuilder::addArc(const EntityGroups& groups) {
     constexpr double fullTurnInDegrees = 360;
-    constexpr double equalDegrees = 1e-9;
+    const Point centre(groups.real(Slot::x), groups.real(Slot::y), elevationOf(groups));
+    const double radius = groups.real(Slot::number40);
     const double start = groups.real(Slot::angle50);
     const double end = groups.real(Slot::angle51, fullTurnInDegrees);
-    if (!hasRadius(groups) || std::abs(end - start) <= equalDegrees) {
+    if (!hasRadius(groups) || !circularArc(centre, radius, start, end)) {
         return addBroken(EntityKind::arc, groups);
     }
-    appendNumbers(EntityKind::arc, groups,
-                  {groups.real(Slot::x), groups.real(Slot::y), elevationOf(groups),
-                   groups.real(Slot::number40), start, end});
+    appendNumbers(EntityKind::arc, groups, {centre.x, centre.y, centre.z, radius, start, end});
 }
 
-/// Equal parameters are an arc without extent, as of arcs. The ratio is at most 1 and not 0, as
-/// other readers have it.
+/// The ratio is at most 1 and not 0, as other readers have it.
 void EntityBuilder::addEllipse(const EntityGroups& groups) {
-    constexpr double fullTurnInRadians = 6.283185307179586;
-    constexpr double equalRadians = 1e-9;
     constexpr double leastRatio = 1e-6;
-    const double start = groups.real(Slot::number41);
-    const double end = groups.real(Slot::number42, fullTurnInRadians);
+    const Point centre(groups.real(Slot::x), groups.real(Slot::y), groups.real(Slot::z));
     const Vector major(groups.real(Slot::endX), groups.real(Slot::endY), groups.real(Slot::endZ));
-    const double length = std::sqrt(major.dot(major));
-    const double ratio = groups.real(Slot::number40, 1);
-    if (!groups.hasAny(slotSet(Slot::x, Slot::y)) || !(length > leastRadius) ||
-        std::abs(end - start) <= equalRadians || std::isnan(ratio)) {
+    const double given = groups.real(Slot::number40, 1);
+    const double ratio = std::copysign(std::clamp(std::abs(given), leastRatio, 1.0), given);
+    const double start = groups.real(Slot::number41);
+    const double end = groups.real(Slot::number42, fullTurn);
+    if (!groups.hasAny(slotSet(Slot::x, Slot::y)) || !(lengthOf(major) > leastRadius) ||
+        std::isnan(given) || !ellipse(centre, major, ratio, extrusionOf(groups), start, end)) {
         return addBroken(EntityKind::ellipse, groups);
     }
-    const double size = std::clamp(std::abs(ratio), leastRatio, 1.0);
     appendNumbers(EntityKind::ellipse, groups,
-                  {groups.real(Slot::x), groups.real(Slot::y), groups.real(Slot::z), major.x,
-                   major.y, major.z, std::copysign(size, ratio), start, end});
+                  {centre.x, centre.y, centre.z, major.x, major.y, major.z, ratio, start, end});
 }
 
 void EntityBuilder::addLwPolyline(const EntityGroups& groups,

@@ -4,15 +4,10 @@
 #include "converters/detail/drawing/geometry/EllipticArcs.h"
 
 #include <algorithm>
-#include <cmath>
 
 namespace converters::drawing {
 
 namespace {
-
-bool hasNumbers(const Point& point) {
-    return std::isfinite(point.x) && std::isfinite(point.y) && std::isfinite(point.z);
-}
 
 Point pointAt(const double* numbers) {
     return {numbers[0], numbers[1], numbers[2]};
@@ -82,11 +77,12 @@ Curve EntityCurves::only() const {
     case EntityKind::circle:
         return transformed(circle(pointAt(n), n[3]), m_map);
     case EntityKind::arc:
-        return transformed(circularArc(pointAt(n), n[3], n[4], n[5]), m_map);
+        return transformed(circularArc(pointAt(n), n[3], n[4], n[5]).value(), m_map);
     case EntityKind::ellipse: {
         const bool extruded = (m_entity.flags & entityFlag::extruded) != 0;
         const Vector normal = extruded ? pointAt(n - 3) : Vector(0, 0, 1);
-        return transformed(ellipse(pointAt(n), pointAt(n + 3), n[6], normal, n[7], n[8]), m_map);
+        return transformed(ellipse(pointAt(n), pointAt(n + 3), n[6], normal, n[7], n[8]).value(),
+                           m_map);
     }
     case EntityKind::spline:
         return transformed(m_drawing.splines[m_entity.data], m_map);
@@ -130,7 +126,7 @@ bool EntityCurves::isClosed() const {
 
 bool EntityCurves::isFinite() const {
     if (m_size == 0 || m_entity.kind == EntityKind::line) {
-        return hasNumbers(start()) && hasNumbers(end());
+        return drawing::isFinite(start()) && drawing::isFinite(end());
     }
     for (std::size_t i = 0; i < m_size; ++i) {
         if (!drawing::isFinite((*this)[i])) {
