@@ -67,22 +67,22 @@ class Dump:
         return json.loads(line)
 
 
-def unit_factor(unit, wanted):
-    return METRES[unit] / METRES[wanted] if METRES[unit] and METRES[wanted] else 1.0
-
-
 class Options:
     """Options of the reader, at random, and what follows from them."""
 
-    def __init__(self, chance, unit, size):
+    def __init__(self, chance, header, size):
+        unit = header.get("$INSUNITS", 0)
+        unit = unit if 0 <= unit < len(METRES) else 0
         self.words = []
         self.hidden = chance.random() < 0.15
         self.paper_space = chance.random() < 0.15
         self.plain_axes = chance.random() < 0.1
         wanted = chance.choice([0, 0, 0, 1, 4, 6])
         scale = chance.choice([1, 1, 1, 0.5, 100])
-        factor = unit_factor(unit, wanted) if wanted else 1.0
-        result_unit = wanted if wanted and METRES[unit] else unit
+        # Without a unit, the drawing's other word on it counts.
+        likely = unit or (1 if header.get("$MEASUREMENT", 1) == 0 else 4)
+        factor = METRES[likely] / METRES[wanted] if wanted else 1.0
+        result_unit = wanted or unit
         self.factor = factor * scale
         self.tolerance = 0.01 / 1000 / METRES[result_unit] if METRES[result_unit] else 0.01
         # Smaller ones on large drawings are for the benchmark.
@@ -122,7 +122,7 @@ class Options:
 
 def own_findings(path, options):
     """What is wrong with a path by itself."""
-    findings = comparison.chain_findings(path) + comparison.total_findings(path)
+    findings = comparison.chain_findings(path, options.join) + comparison.total_findings(path)
     findings += comparison.join_findings(path)
     findings += comparison.piece_findings(path, options.tolerance, options.join, options.step)
     return findings
@@ -139,6 +139,9 @@ def reference_findings(path, drawn, options, spread):
     rounding = 1e-9 * spread + options.join
     findings = comparison.compare(ours, theirs, drawn.deviation * options.factor + rounding,
                                   options.tolerance + drawn.deviation * options.factor + rounding)
+    length = sum(comparison.length_of(runs) for runs in theirs.values())
+    if abs(path.dump["length"] - length) > 0.01 * length + 2 * options.join * len(path.pieces):
+        findings.append(f"the length is {path.dump['length']}, not {length}")
     for entity in path.dump["entities"]:
         layer = path.layer_of(entity).casefold()
         if layer not in layers.get((entity[0], entity[1]), {layer}):
@@ -159,8 +162,7 @@ def left_out_findings(path, drawn):
 
 
 def with_reference(dump, file, doc, size, chance, strict=True):
-    unit = doc.header.get("$INSUNITS", 0)
-    options = Options(chance, unit if 0 <= unit < len(METRES) else 0, size)
+    options = Options(chance, doc.header, size)
     deviation = options.tolerance / options.factor / 20
     drawn = reference.Reference(doc, deviation, options.hidden, options.paper_space)
     json_of_path = dump.path_of(file, options.words)

@@ -144,7 +144,7 @@ def polyline_of_2d(vertices, closed, height, extrusion, matrix, deviation):
         else:
             pieces.append(bulged(first[:2], last[:2], first[2], height, axes, matrix, deviation))
     if not pieces:
-        return None, False
+        return mapped(np.array([(*vertices[0][:2], height)]) @ axes.T, matrix), False
     return joined(pieces), closed
 
 
@@ -280,11 +280,8 @@ class Reference:
 
     def _draw(self, entity, kind, layer, matrix, insert):
         points, closed = MAKERS[kind](entity, matrix, self.deviation)
-        if points is None:
-            self.left_out[(kind, "broken")] += 1
-        else:
-            handle = int(entity.dxf.handle or "0", 16)
-            self.strands.append(Strand(kind, handle, insert, layer, points, closed))
+        handle = int(entity.dxf.handle or "0", 16)
+        self.strands.append(Strand(kind, handle, insert, layer, points, closed))
 
     def _walk_insert(self, entity, matrix, layer, insert, chain, why):
         """What is on a layer that is off goes by itself; all else that hides an INSERT hides all."""

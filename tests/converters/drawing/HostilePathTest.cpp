@@ -171,7 +171,7 @@ TEST(HostilePath, ATowerOfBlocksThatHoldNothingEndsAtOnce) {
     expectReadOrRefused(towerOf(40, "0\nTEXT\n8\n0\n1\nx\n"));
     expectReadOrRefused(towerOf(60, insertOf("missing")));
     expectReadOrRefused(towerOf(60, "0\nLINE\n8\n0\n60\n1\n"));
-    expectReadOrRefused(towerOf(60, "0\nCIRCLE\n8\n0\n40\n0\n"));
+    expectReadOrRefused(towerOf(60, "0\nCIRCLE\n8\n0\n10\n3\n20\n4\n8\n0\n40\n0\n"));
 }
 
 TEST(HostilePath, ALowTowerIsDrawnWhole) {
@@ -260,18 +260,26 @@ const std::string mixed =
 INSTANTIATE_TEST_SUITE_P(
     Fields, HostileNumber,
     testing::Values(
-        Field{"PointX", "0\nPOINT\n10\n", "", ""}, Field{"LineEnd", "0\nLINE\n11\n", "", ""},
-        Field{"Radius", "0\nCIRCLE\n10\n0\n20\n0\n40\n", "", ""},
-        Field{"Centre", "0\nCIRCLE\n40\n2\n10\n", "", ""},
-        Field{"StartAngle", "0\nARC\n40\n2\n51\n90\n50\n", "", ""},
-        Field{"EndAngle", "0\nARC\n40\n2\n50\n10\n51\n", "", ""},
-        Field{"ArcExtrusion", "0\nARC\n40\n2\n50\n10\n51\n20\n210\n", "220\n0\n230\n0\n", ""},
-        Field{"CircleExtrusion", "0\nCIRCLE\n40\n2\n210\n0\n220\n0\n230\n", "", ""},
-        Field{"MajorAxis", "0\nELLIPSE\n40\n0.5\n41\n0\n42\n6.28\n11\n", "21\n0\n", ""},
-        Field{"Ratio", "0\nELLIPSE\n11\n2\n21\n0\n41\n0\n42\n6.28\n40\n", "", ""},
-        Field{"StartParameter", "0\nELLIPSE\n11\n2\n21\n0\n40\n0.5\n42\n6.28\n41\n", "", ""},
-        Field{"EndParameter", "0\nELLIPSE\n11\n2\n21\n0\n40\n0.5\n41\n1\n42\n", "", ""},
-        Field{"EllipseExtrusion", "0\nELLIPSE\n11\n2\n21\n0\n40\n0.5\n41\n1\n42\n2\n230\n", "", ""},
+        Field{"PointX", "0\nPOINT\n20\n1\n10\n", "", ""},
+        Field{"LineEnd", "0\nLINE\n10\n1\n20\n1\n21\n5\n11\n", "", ""},
+        Field{"Radius", "0\nCIRCLE\n8\n0\n10\n3\n20\n4\n10\n0\n20\n0\n40\n", "", ""},
+        Field{"Centre", "0\nCIRCLE\n8\n0\n10\n3\n20\n4\n40\n2\n10\n", "", ""},
+        Field{"StartAngle", "0\nARC\n8\n0\n10\n3\n20\n4\n40\n2\n51\n90\n50\n", "", ""},
+        Field{"EndAngle", "0\nARC\n8\n0\n10\n3\n20\n4\n40\n2\n50\n10\n51\n", "", ""},
+        Field{"ArcExtrusion", "0\nARC\n8\n0\n10\n3\n20\n4\n40\n2\n50\n10\n51\n20\n210\n",
+              "220\n0\n230\n0\n", ""},
+        Field{"CircleExtrusion", "0\nCIRCLE\n8\n0\n10\n3\n20\n4\n40\n2\n210\n0\n220\n0\n230\n", "",
+              ""},
+        Field{"MajorAxis", "0\nELLIPSE\n8\n0\n10\n3\n20\n4\n40\n0.5\n41\n0\n42\n6.28\n11\n",
+              "21\n0\n", ""},
+        Field{"Ratio", "0\nELLIPSE\n8\n0\n10\n3\n20\n4\n11\n2\n21\n0\n41\n0\n42\n6.28\n40\n", "",
+              ""},
+        Field{"StartParameter",
+              "0\nELLIPSE\n8\n0\n10\n3\n20\n4\n11\n2\n21\n0\n40\n0.5\n42\n6.28\n41\n", "", ""},
+        Field{"EndParameter", "0\nELLIPSE\n8\n0\n10\n3\n20\n4\n11\n2\n21\n0\n40\n0.5\n41\n1\n42\n",
+              "", ""},
+        Field{"EllipseExtrusion",
+              "0\nELLIPSE\n8\n0\n10\n3\n20\n4\n11\n2\n21\n0\n40\n0.5\n41\n1\n42\n2\n230\n", "", ""},
         Field{"Bulge", "0\nLWPOLYLINE\n90\n2\n10\n0\n20\n0\n42\n", "10\n1\n20\n1\n", ""},
         Field{"ClosingBulge", "0\nLWPOLYLINE\n90\n2\n70\n1\n10\n0\n20\n0\n10\n1\n20\n1\n42\n", "",
               ""},
@@ -301,11 +309,12 @@ INSTANTIATE_TEST_SUITE_P(
         Field{"AllScales", insertOf("b", "41\n1e200\n42\n1e200\n43\n"), "", mixed},
         Field{"Rotation", insertOf("b", "50\n"), "", mixed},
         Field{"Extrusion", insertOf("b", "210\n0\n220\n0\n230\n"), "", mixed},
-        Field{"InsertPoint", "0\nINSERT\n2\nb\n10\n", "", mixed},
+        Field{"InsertPoint", "0\nINSERT\n2\nb\n20\n1\n10\n", "", mixed},
         Field{"Spacing", insertOf("b", "70\n3\n71\n3\n45\n1\n44\n"), "", mixed},
         Field{"Unit", "0\nENDSEC\n0\nSECTION\n2\nHEADER\n9\n$INSUNITS\n70\n", "", ""},
-        Field{"Handle", "0\nPOINT\n5\n", "", ""}, Field{"Colour", "0\nPOINT\n62\n", "", ""},
-        Field{"TrueColour", "0\nPOINT\n420\n", "", ""}),
+        Field{"Handle", "0\nPOINT\n10\n1\n20\n1\n5\n", "", ""},
+        Field{"Colour", "0\nPOINT\n10\n1\n20\n1\n62\n", "", ""},
+        Field{"TrueColour", "0\nPOINT\n10\n1\n20\n1\n420\n", "", ""}),
     [](const auto& field) { return std::string(field.param.name); });
 
 TEST(HostilePath, AScaleOfZeroLeavesOutWhatHasNoExtentAndSaysSo) {
@@ -406,7 +415,7 @@ TEST(HostilePath, TheMostPointsHoldForEachKindOfCurve) {
     options.tolerance = 1e-9;
     for (const std::string& curve :
          {oneCircle, splineStart + splineKnots + splinePoints,
-          std::string("0\nELLIPSE\n11\n2\n21\n0\n40\n0.5\n41\n1\n42\n6\n"),
+          std::string("0\nELLIPSE\n8\n0\n10\n3\n20\n4\n11\n2\n21\n0\n40\n0.5\n41\n1\n42\n6\n"),
           std::string("0\nLWPOLYLINE\n90\n2\n10\n0\n20\n0\n42\n1\n10\n1\n20\n1\n"),
           std::string("0\nSPLINE\n71\n3\n11\n0\n21\n0\n11\n1\n21\n1\n11\n5\n21\n3\n")}) {
         EXPECT_THAT(refusalOf(drawingOf(curve), options), testing::HasSubstr("points"));
