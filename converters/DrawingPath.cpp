@@ -1,6 +1,6 @@
 #include "converters/DrawingPath.h"
 
-#include "converters/Converters.h"
+#include "base/FileReader.h"
 #include "converters/detail/drawing/Chains.h"
 #include "converters/detail/drawing/PathSettings.h"
 #include "converters/detail/drawing/PathWriter.h"
@@ -205,7 +205,7 @@ ReadResult readPath(const void* bytes, std::size_t size, DrawingPath& path,
 ReadResult readPath(const std::filesystem::path& file, DrawingPath& path,
                     const PathOptions& options) {
     std::vector<unsigned char> bytes;
-    if (!from_file(file.string(), bytes)) {
+    if (!base::readFile(file.string(), bytes)) {
         return {false, "cannot read " + file.string(), 0};
     }
     return readPath(bytes.data(), bytes.size(), path, options);

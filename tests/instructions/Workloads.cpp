@@ -1,7 +1,7 @@
 // Small fixed pieces of work, one for each function whose cost matters, counted by callgrind; see
 // counts.py.
 
-#include "benchmarks/PathDrawings.h"
+#include "tests/support/PathDrawings.h"
 #include "converters/Converters.h"
 #include "converters/DrawingPath.h"
 #include "dxfeditor/DXFDocument.h"
