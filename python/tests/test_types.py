@@ -79,7 +79,8 @@ def test_stubs_name_what_the_module_has():
         "write_points",
     }
     methods = {name for name in dir(_native.DrawingModel) if not name.startswith("_")}
-    for name in names - {"DrawingModel"} | methods:
+    methods |= {name for name in dir(_native.PathModel) if not name.startswith("_")}
+    for name in names - {"DrawingModel", "PathModel"} | methods:
         assert f"def {name}(" in stub
     assert stub.count("def ") == len(names) - 1 + len(methods)
 
