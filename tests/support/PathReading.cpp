@@ -38,7 +38,9 @@ std::vector<Point> pointsOf(const DrawingPath& path, std::size_t contour) {
 }
 
 std::string describe(const DrawingPath& path, std::size_t contour) {
+    constexpr int digits = 12;
     std::ostringstream text;
+    text.precision(digits);
     if (path.contours.at(contour).closed) {
         text << "closed ";
     }
