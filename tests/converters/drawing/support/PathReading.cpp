@@ -1,4 +1,4 @@
-#include "tests/support/PathReading.h"
+#include "tests/converters/drawing/support/PathReading.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "tests/support/DrawingGroups.h"
+#include "tests/converters/drawing/support/DrawingGroups.h"
 
 #include <cstdint>
 #include <cstdlib>
