@@ -357,8 +357,9 @@ function start() {
     schemeChanged();
     connectPointer(view);
     connectKeys(view, connectControls(view));
-    // Fewer points are larger, so that they still make a surface.
-    const size = facts.shown > 400_000 ? 1.5 : facts.shown > 20_000 ? 2.5 : 4;
+    // So large that even points would make a surface of a third of the view.
+    const room = Math.sqrt((view.camera.width * view.camera.height) / (3 * facts.shown));
+    const size = Math.min(6, Math.max(1, Math.round(2.6 * room) / 2));
     byId("point-size").value = size;
     view.renderer.settings.pointSize = size;
     view.load(() => {
