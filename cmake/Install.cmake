@@ -26,7 +26,8 @@ if(TARGET cloudconv)
     COMPONENT cloudconv)
 endif()
 
-# Every header is public, except what lives in a folder detail/.
+# Every header is public, except what lives in a folder detail/, and dxfeditor/text/, which is for
+# the programs of this tree.
 foreach(folder IN ITEMS converters dxfeditor universal_log_interface)
   install(
     DIRECTORY ${PROJECT_SOURCE_DIR}/${folder}
@@ -34,17 +35,18 @@ foreach(folder IN ITEMS converters dxfeditor universal_log_interface)
     COMPONENT development
     FILES_MATCHING
     PATTERN "*.h"
-    PATTERN detail EXCLUDE)
+    PATTERN detail EXCLUDE
+    PATTERN text EXCLUDE)
 endforeach()
 
 # Templates in public headers need these.
 install(
-  FILES ${PROJECT_SOURCE_DIR}/converters/detail/PlyAsciiBody.h
-        ${PROJECT_SOURCE_DIR}/converters/detail/PlyLines.h
-        ${PROJECT_SOURCE_DIR}/converters/detail/PlyLog.h
-        ${PROJECT_SOURCE_DIR}/converters/detail/PlyPoints.h
-        ${PROJECT_SOURCE_DIR}/converters/detail/PointBytes.h
-  DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/converters/detail
+  FILES ${PROJECT_SOURCE_DIR}/converters/detail/ply/PlyAsciiBody.h
+        ${PROJECT_SOURCE_DIR}/converters/detail/ply/PlyLines.h
+        ${PROJECT_SOURCE_DIR}/converters/detail/ply/PlyLog.h
+        ${PROJECT_SOURCE_DIR}/converters/detail/ply/PlyPoints.h
+        ${PROJECT_SOURCE_DIR}/converters/detail/ply/PointBytes.h
+  DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/converters/detail/ply
   COMPONENT development)
 
 # The CMake package.

@@ -1,7 +1,9 @@
 #include "converters/Converters.h"
 
+#include "base/FileReader.h"
+#include "base/TransientFile.h"
+#include "base/UnopenableFile.h"
 #include "converters/PlySerializerDeserializer.h"
-#include "converters/detail/TransientFile.h"
 #include "converters/mpaths.h"
 #include "dxfeditor/DXFAdapter.h"
 #include "dxfeditor/DXFAttributes.h"
@@ -9,15 +11,12 @@
 #include "dxfeditor/DXFDraw.h"
 #include "dxfeditor/DXFPointVector.h"
 #include "dxfeditor/DXFReader.h"
-#include "dxfeditor/detail/UnopenableFile.h"
 #include "universal_log_interface/universal_log_interface.h"
 
 #include <unistd.h>
 
 #include <cstdint>
-#include <fstream>
 #include <memory>
-#include <system_error>
 #include <utility>
 
 // The logging interface is here for this unit's copy of the switch's name: every unit that reports
@@ -61,9 +60,9 @@ bool writeAndReadBack(std::shared_ptr<DXFPointVector> points, std::vector<unsign
     std::filesystem::path path = tmpDxfPath;
     path /= "tmp" + std::to_string(getpid()) + ".dxf";
 
-    TransientFile file(path);
+    base::TransientFile file(path);
     if (!file.isCreated()) {
-        dxfeditor::reportUnopenableFile(path.string());
+        base::reportUnopenableFile(path.string());
         return false;
     }
     const std::string openPath = file.openPath().string();
@@ -85,28 +84,7 @@ bool writeAndReadBack(std::shared_ptr<DXFPointVector> points, std::vector<unsign
 } // namespace
 
 bool from_file(const std::string& path, std::vector<unsigned char>& out) {
-    out.clear();
-    std::ifstream file(path, std::ios::in | std::ios::binary);
-    if (!file.is_open()) {
-        return false;
-    }
-
-    // A hint only: pipes have no size, and a file may grow.
-    std::error_code unknown;
-    const std::uintmax_t size = std::filesystem::file_size(path, unknown);
-    if (!unknown) {
-        out.reserve(size);
-    }
-    std::vector<char> block(1 << 18);
-    while (file) {
-        file.read(block.data(), static_cast<std::streamsize>(block.size()));
-        out.insert(out.end(), block.begin(), block.begin() + file.gcount());
-    }
-    // A directory opens but cannot be read: that sets badbit, the end of a file does not.
-    if (file.bad()) {
-        out.clear();
-    }
-    return !file.bad();
+    return base::readFile(path, out);
 }
 
 bool toDxf(const std::vector<cv::Point3_<double>>& points, std::vector<unsigned char>& out) {

@@ -1,11 +1,11 @@
 #include "converters/PlySerializerDeserializer.h"
 
-#include "converters/detail/OutputMemory.h"
-#include "converters/detail/PlyColumn.h"
-#include "converters/detail/PlyDatatype.h"
-#include "converters/detail/PlyHeaderLine.h"
-#include "converters/detail/PlyRecords.h"
-#include "converters/detail/PlyText.h"
+#include "converters/detail/ply/OutputMemory.h"
+#include "converters/detail/ply/PlyColumn.h"
+#include "converters/detail/ply/PlyDatatype.h"
+#include "converters/detail/ply/PlyHeaderLine.h"
+#include "converters/detail/ply/PlyRecords.h"
+#include "converters/detail/ply/PlyText.h"
 
 #include <boost/make_shared.hpp>
 
@@ -198,7 +198,7 @@ void PLYDeserializer::Init() {
     stream.clear();
     vertexCount = 0;
     writeOffset = 0;
-    writePosition_ = 0;
+    m_writePosition = 0;
     lineNumber = 0;
     cloud = boost::make_shared<pcl::PCLPointCloud2>();
 }
@@ -489,8 +489,8 @@ bool PLYDeserializer::CheckBody(std::size_t bodySize, std::string_view text) {
     case PlyFormat::Ascii: {
         const std::uint64_t lines = countLines(text, vertexCount);
         lineNumber += lines;
-        writePosition_ = lines * cloud->point_step;
-        writeOffset = static_cast<std::uint32_t>(writePosition_);
+        m_writePosition = lines * cloud->point_step;
+        writeOffset = static_cast<std::uint32_t>(m_writePosition);
         if (lines < vertexCount) {
             deliverOrTerminate(2, __LINE__, "ReadData",
                                "[PlyDeserializer::ReadData] Error parsing ply, line: %i\n",
@@ -580,12 +580,12 @@ bool PLYDeserializer::ParseValue(std::uint8_t type, PlyAsciiLine& line) {
 void PLYDeserializer::Store(const unsigned char* value, std::size_t size) {
     // A caller may have moved the offset; otherwise the position also counts what does not fit into
     // its 32 bits.
-    if (static_cast<std::uint32_t>(writePosition_) != writeOffset) {
-        writePosition_ = writeOffset;
+    if (static_cast<std::uint32_t>(m_writePosition) != writeOffset) {
+        m_writePosition = writeOffset;
     }
-    if (cloud && size <= cloud->data.size() && writePosition_ <= cloud->data.size() - size) {
-        std::memcpy(cloud->data.data() + writePosition_, value, size);
+    if (cloud && size <= cloud->data.size() && m_writePosition <= cloud->data.size() - size) {
+        std::memcpy(cloud->data.data() + m_writePosition, value, size);
     }
-    writePosition_ += size;
-    writeOffset = static_cast<std::uint32_t>(writePosition_);
+    m_writePosition += size;
+    writeOffset = static_cast<std::uint32_t>(m_writePosition);
 }

@@ -3,11 +3,11 @@
 #pragma once
 
 #include "converters/Export.h"
-#include "converters/detail/PlyAsciiBody.h"
-#include "converters/detail/PlyLines.h"
-#include "converters/detail/PlyLog.h"
-#include "converters/detail/PlyPoints.h"
-#include "converters/detail/PointBytes.h"
+#include "converters/detail/ply/PlyAsciiBody.h"
+#include "converters/detail/ply/PlyLines.h"
+#include "converters/detail/ply/PlyLog.h"
+#include "converters/detail/ply/PlyPoints.h"
+#include "converters/detail/ply/PointBytes.h"
 
 #include <boost/shared_ptr.hpp>
 #include <pcl/PCLPointCloud2.h>
@@ -101,14 +101,15 @@ private:
     static void SerializeASCII(const pcl::PCLPointCloud2& layout,
                                const converters::detail::PointBytes& points,
                                std::vector<unsigned char>& out);
-    static void AppendRecords(const Fields& fields, const converters::detail::PointBytes& points,
-                              std::vector<unsigned char>& out);
+    CONVERTERS_HIDDEN static void AppendRecords(const Fields& fields,
+                                                const converters::detail::PointBytes& points,
+                                                std::vector<unsigned char>& out);
 
     template <typename PointT>
     static pcl::PCLPointCloud2 Layout(const pcl::PointCloud<PointT>& cloud);
     template <typename PointT>
-    static converters::detail::PointBytes Points(const pcl::PointCloud<PointT>& cloud,
-                                                 const pcl::PCLPointCloud2& layout);
+    CONVERTERS_HIDDEN static converters::detail::PointBytes
+    Points(const pcl::PointCloud<PointT>& cloud, const pcl::PCLPointCloud2& layout);
 };
 
 template <typename PointT>
@@ -271,7 +272,7 @@ public:
     bool DeserializePlyT(const std::vector<unsigned char>& data, pcl::PointCloud<PointT>& output);
 
 private:
-    void NeedCloud();
+    CONVERTERS_HIDDEN void NeedCloud();
 
     /// Which lines a header has had so far.
     struct Seen {
@@ -280,27 +281,27 @@ private:
     };
 
     bool ParseHeader(std::string_view& text, std::size_t inputSize, std::size_t pointSize);
-    bool ParseMagic(std::string_view& text);
-    bool ParseFormat(std::string_view line, Seen& seen);
-    void ParseObjInfo(std::string_view line);
-    bool ParseElement(std::string_view line, Seen& seen);
-    bool ParseProperty(std::string_view line, const Seen& seen);
-    bool FinishHeader(std::size_t inputSize, std::size_t pointSize);
-    bool RefuseLine(int sourceLine) const;
-    void IgnoreLine(std::string_view line) const;
+    CONVERTERS_HIDDEN bool ParseMagic(std::string_view& text);
+    CONVERTERS_HIDDEN bool ParseFormat(std::string_view line, Seen& seen);
+    CONVERTERS_HIDDEN void ParseObjInfo(std::string_view line);
+    CONVERTERS_HIDDEN bool ParseElement(std::string_view line, Seen& seen);
+    CONVERTERS_HIDDEN bool ParseProperty(std::string_view line, const Seen& seen);
+    CONVERTERS_HIDDEN bool FinishHeader(std::size_t inputSize, std::size_t pointSize);
+    CONVERTERS_HIDDEN bool RefuseLine(int sourceLine) const;
+    CONVERTERS_HIDDEN void IgnoreLine(std::string_view line) const;
 
     bool CheckBody(std::size_t bodySize, std::string_view text);
-    bool CheckBinarySize(std::size_t bodySize, std::uint64_t expected) const;
-    bool ReadAsciiData();
-    bool ParseValue(std::uint8_t type, converters::detail::PlyAsciiLine& line);
-    void Store(const unsigned char* value, std::size_t size);
+    CONVERTERS_HIDDEN bool CheckBinarySize(std::size_t bodySize, std::uint64_t expected) const;
+    CONVERTERS_HIDDEN bool ReadAsciiData();
+    CONVERTERS_HIDDEN bool ParseValue(std::uint8_t type, converters::detail::PlyAsciiLine& line);
+    CONVERTERS_HIDDEN void Store(const unsigned char* value, std::size_t size);
     template <typename PointT>
     auto MakePoints(const unsigned char* body, std::string_view text) const;
 
     std::uint64_t BlockSize() const { return cloud->point_step * vertexCount; }
 
     /// The whole of which `writeOffset` is the low part.
-    std::uint64_t writePosition_ = 0;
+    std::uint64_t m_writePosition = 0;
 };
 
 template <typename PointT>

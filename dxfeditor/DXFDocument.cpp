@@ -1,12 +1,13 @@
 #include "dxfeditor/DXFDocument.h"
 
+#include "base/stitching/Stitching.h"
 #include "dxfeditor/DXFEntity.h"
 #include "dxfeditor/DXFLayer.h"
 #include "dxfeditor/DXFLineType.h"
 #include "dxfeditor/DXFReader.h"
-#include "dxfeditor/detail/Output.h"
-#include "dxfeditor/detail/Sampling.h"
-#include "dxfeditor/detail/Stitching.h"
+#include "dxfeditor/detail/walking/Output.h"
+#include "dxfeditor/detail/walking/Sampling.h"
+#include "dxfeditor/detail/walking/WalkNumbers.h"
 
 #include <iterator>
 #include <utility>
@@ -113,7 +114,9 @@ std::vector<cv::Point3_<double>> DXFDocument::walk(std::vector<DXFContour>* cont
     auto [runs, ends, lines] = dxfeditor::runsOf(m_entities);
     std::vector<cv::Point3_<double>> points = dxfeditor::roomFor(runs);
     // A statement of its own: at its end the ends are freed, before the points are written.
-    const dxfeditor::Walk order = dxfeditor::stitch(runs, std::move(ends));
+    const base::Walk order = base::stitch(
+        std::move(ends), [&runs = runs](base::RunNumber run) { return runs[run].size() == 1; },
+        base::JoinDistance(dxfeditor::joinDistance));
     dxfeditor::append(order, runs, points, contours);
     return points;
 }

@@ -94,7 +94,7 @@ public:
 private:
     using EntityList = std::list<std::shared_ptr<DXFEntity>>;
 
-    std::vector<cv::Point3_<double>> walk(std::vector<DXFContour>* contours) const;
+    DXFEDITOR_HIDDEN std::vector<cv::Point3_<double>> walk(std::vector<DXFContour>* contours) const;
 
     std::list<std::shared_ptr<DXFLayer>> m_layers;
     std::list<std::shared_ptr<DXFLineType>> m_lineTypes;

@@ -1,5 +1,6 @@
 #include "dxfeditor/DXFReader.h"
 
+#include "base/FileReader.h"
 #include "dxfeditor/DXFAdapter.h"
 #include "dxfeditor/DXFArc.h"
 #include "dxfeditor/DXFAttributes.h"
@@ -13,8 +14,7 @@
 #include "dxfeditor/DXFPointVector.h"
 #include "dxfeditor/DXFPolyline.h"
 #include "dxfeditor/DXFSpline.h"
-#include "dxfeditor/detail/DxfParser.h"
-#include "dxfeditor/detail/FileReader.h"
+#include "dxfeditor/text/DxfParser.h"
 
 #include <string_view>
 #include <utility>
@@ -36,7 +36,7 @@ DXFReader::~DXFReader() = default;
 
 bool DXFReader::load(const std::string& path) {
     std::string text;
-    if (!dxfeditor::readFile(path, text)) {
+    if (!base::readFile(path, text)) {
         return false;
     }
     dxfeditor::parseDxf(text, *this);

@@ -101,11 +101,11 @@ public:
 
 private:
     /// The current entity, if it is a spline that may grow.
-    DXFSpline* currentSpline() const;
+    DXFEDITOR_HIDDEN DXFSpline* currentSpline() const;
     /// Makes an entity current that endSection() has to end.
-    void startSimple(std::shared_ptr<DXFEntity> entity);
+    DXFEDITOR_HIDDEN void startSimple(std::shared_ptr<DXFEntity> entity);
     /// Makes an entity current that dxflib ends itself.
-    void startComposite(std::shared_ptr<DXFEntity> entity);
+    DXFEDITOR_HIDDEN void startComposite(std::shared_ptr<DXFEntity> entity);
 
     DXFDocument& m_document;
     std::shared_ptr<DXFEntity> m_current;

@@ -1,7 +1,7 @@
 #include "dxfeditor/DXFSpline.h"
 
-#include "dxfeditor/detail/SplineSamples.h"
-#include "dxfeditor/detail/TruncatedCount.h"
+#include "dxfeditor/detail/walking/SplineSamples.h"
+#include "dxfeditor/detail/walking/TruncatedCount.h"
 
 #include <algorithm>
 #include <cmath>

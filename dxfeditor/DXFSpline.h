@@ -77,10 +77,11 @@ public:
 private:
     friend class dxfeditor::SplineSamples;
 
-    bool isEvaluable() const;
-    int sampleSteps(double step) const;
-    std::size_t findSpan(double t) const;
-    cv::Point_<double> evaluate(double t, std::vector<cv::Point3_<double>>& homogeneous) const;
+    DXFEDITOR_HIDDEN bool isEvaluable() const;
+    DXFEDITOR_HIDDEN int sampleSteps(double step) const;
+    DXFEDITOR_HIDDEN std::size_t findSpan(double t) const;
+    DXFEDITOR_HIDDEN cv::Point_<double>
+    evaluate(double t, std::vector<cv::Point3_<double>>& homogeneous) const;
 
     unsigned m_degree;
     int m_flags;

@@ -1,5 +1,6 @@
 #include "dxfeditor/DXFWriter.h"
 
+#include "base/UnopenableFile.h"
 #include "dxfeditor/DXFAdapter.h"
 #include "dxfeditor/DXFAttributes.h"
 #include "dxfeditor/DXFDocument.h"
@@ -8,8 +9,7 @@
 #include "dxfeditor/DXFPoint.h"
 #include "dxfeditor/DXFPointVector.h"
 #include "dxfeditor/DXFPolyline.h"
-#include "dxfeditor/detail/DxfFileWriter.h"
-#include "dxfeditor/detail/UnopenableFile.h"
+#include "dxfeditor/detail/writing/DxfFileWriter.h"
 #include "universal_log_interface/universal_log_interface.h"
 
 #include <dxflib/dl_dxf.h>
@@ -65,11 +65,6 @@ std::string pointHead(DL_Dxf& engine, DL_Codes::version version, const DL_Attrib
 
 } // namespace
 
-void dxfeditor::reportUnopenableFile(const std::string& path) {
-    p7::deliver(p7::level_info, __LINE__, sourceFile, "save",
-                "DXFWriter: Cannot open %s for writing.", path.c_str());
-}
-
 DXFWriter::DXFWriter(const DXFDocument& document) : m_document(document) {}
 
 DXFWriter::~DXFWriter() = default;
@@ -90,7 +85,7 @@ bool DXFWriter::save(const std::string& path) {
         created->close();
     }
     if (!m_file) {
-        dxfeditor::reportUnopenableFile(path);
+        base::reportUnopenableFile(path);
         return false;
     }
 

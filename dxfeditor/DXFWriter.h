@@ -73,8 +73,8 @@ public:
     void writeAPPID_table();
 
 private:
-    bool hasOpenFile() const;
-    void beginTable(const char* name, int handle, int entries);
+    DXFEDITOR_HIDDEN bool hasOpenFile() const;
+    DXFEDITOR_HIDDEN void beginTable(const char* name, int handle, int entries);
 
     std::unique_ptr<DL_Dxf> m_engine;
     std::unique_ptr<dxfeditor::DxfFileWriter> m_file;

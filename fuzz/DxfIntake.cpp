@@ -1,10 +1,8 @@
 // What stands between a DXF text and dxflib: nothing harmful gets through, what the decoder takes
 // past dxflib is what dxflib would have reported, and the intake of an intake's output is the same.
-#include "dxfeditor/detail/DxfIntake.h"
-
 #include "dxfeditor/DXFDocument.h"
 #include "dxfeditor/DXFReader.h"
-#include "dxfeditor/detail/DxfParser.h"
+#include "dxfeditor/text/DxfParser.h"
 #include "fuzz/support/Verify.h"
 #include "tests/support/DrawingText.h"
 

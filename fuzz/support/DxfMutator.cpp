@@ -71,9 +71,9 @@ constexpr std::size_t lengths[] = {1000, 1022, 1023, 1024, 3000};
 
 std::string anyValue(Choice& choice) {
     if (choice.oneIn(40)) {
-        return std::string(choice.of(lengths), choice.oneIn(2) ? '1' : 'x');
+        return std::string(choice.pick(lengths), choice.oneIn(2) ? '1' : 'x');
     }
-    return choice.of(values);
+    return choice.pick(values);
 }
 
 void mutateGroups(std::vector<std::string>& lines, Choice& choice) {
@@ -81,21 +81,21 @@ void mutateGroups(std::vector<std::string>& lines, Choice& choice) {
     const auto place = lines.begin() + static_cast<std::ptrdiff_t>(group);
     switch (choice.below(6)) {
     case 0: {
-        const std::vector<std::string> fragment = linesOf(choice.of(fragments));
+        const std::vector<std::string> fragment = linesOf(choice.pick(fragments));
         lines.insert(place, fragment.begin(), fragment.end());
         break;
     }
     case 1:
-        lines.insert(place, {choice.of(codes), anyValue(choice)});
+        lines.insert(place, {choice.pick(codes), anyValue(choice)});
         break;
     case 2:
         if (group < lines.size()) {
-            lines[group] = choice.of(codes);
+            lines[group] = choice.pick(codes);
         }
         break;
     case 3:
         if (group + 1 < lines.size()) {
-            lines[group + 1] = lines[group] == "0" ? choice.of(objects) : anyValue(choice);
+            lines[group + 1] = lines[group] == "0" ? choice.pick(objects) : anyValue(choice);
         }
         break;
     case 4:

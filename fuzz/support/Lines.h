@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tests/support/Random.h"
+
 #include <algorithm>
 #include <iterator>
 #include <random>
@@ -7,23 +9,8 @@
 #include <string_view>
 #include <vector>
 
-/// Random choices of the mutators.
-class Choice {
-public:
-    explicit Choice(unsigned seed) : m_random(seed) {}
-
-    /// A number below `count`, which must not be 0.
-    std::size_t below(std::size_t count) { return m_random() % count; }
-    bool oneIn(std::size_t count) { return below(count) == 0; }
-
-    template <typename List>
-    const auto& of(const List& list) {
-        return list[below(std::size(list))];
-    }
-
-private:
-    std::minstd_rand m_random;
-};
+/// Random choices of the mutators. Small, since one is made for each mutation.
+using Choice = RandomOf<std::minstd_rand>;
 
 /// The lines of a text, without their ends.
 inline std::vector<std::string> linesOf(std::string_view text) {

@@ -85,11 +85,12 @@ void mutateHeader(std::vector<std::string>& header, Choice& choice) {
     const std::size_t number = choice.below(header.size() + 1);
     switch (choice.below(4)) {
     case 0:
-        header.insert(header.begin() + static_cast<std::ptrdiff_t>(number), choice.of(headerLines));
+        header.insert(header.begin() + static_cast<std::ptrdiff_t>(number),
+                      choice.pick(headerLines));
         break;
     case 1:
         if (number < header.size()) {
-            header[number] = choice.of(headerLines);
+            header[number] = choice.pick(headerLines);
         }
         break;
     case 2:
@@ -106,7 +107,7 @@ std::string mutatedBody(std::string body, Choice& choice) {
     if (choice.oneIn(3)) {
         const std::size_t place = body.find('\n', choice.below(body.size() + 1));
         return body.insert(place == std::string::npos ? 0 : place + 1,
-                           std::string(choice.of(valueLines)) + "\n");
+                           std::string(choice.pick(valueLines)) + "\n");
     }
     return mutatedBytes(std::move(body));
 }

@@ -1,8 +1,9 @@
 #include "tests/support/RandomDrawing.h"
 
+#include "tests/support/Random.h"
+
 #include <algorithm>
 #include <cstdio>
-#include <random>
 #include <utility>
 #include <vector>
 
@@ -18,9 +19,8 @@ public:
 
     std::string drawing(int mostObjects);
 
-    /// A number from 0 to `count` - 1.
-    int below(int count) { return static_cast<int>(m_random() % static_cast<unsigned>(count)); }
-    bool oneIn(int count) { return below(count) == 0; }
+    int below(int count) { return m_random.below(count); }
+    bool oneIn(unsigned count) { return m_random.oneIn(count); }
 
 private:
     std::string number();
@@ -42,7 +42,7 @@ private:
     void block();
     void write(const Group& group);
 
-    std::mt19937 m_random;
+    Random32 m_random;
     std::string m_text;
     std::string m_lineEnd = "\n";
     /// Only such numbers as most programs write.

@@ -4,11 +4,11 @@
 #include "dxfeditor/DXFDocument.h"
 #include "dxfeditor/DXFLine.h"
 #include "dxfeditor/DXFSpline.h"
+#include "tests/support/Random.h"
 
 #include <cmath>
 #include <cstdio>
 #include <memory>
-#include <random>
 #include <utility>
 #include <vector>
 
@@ -62,10 +62,10 @@ public:
         group(2, name);
     }
     void endSection() { group(0, "ENDSEC"); }
-    bool oneIn(unsigned count) { return m_random() % count == 0; }
+    bool oneIn(unsigned count) { return m_random.oneIn(count); }
 
 private:
-    std::mt19937 m_random{1};
+    Random32 m_random{1};
     int m_handle = 0x100;
 };
 

@@ -154,10 +154,10 @@ bool StreamPlyReader::readFormat(std::istringstream& line) {
     if (version != "1.0") {
         return refuse(2, error + " version " + version + " is not supported");
     }
-    if (hasFormat_) {
+    if (m_hasFormat) {
         return refuse(2, error);
     }
-    hasFormat_ = true;
+    m_hasFormat = true;
     return true;
 }
 
@@ -186,11 +186,11 @@ bool StreamPlyReader::readElement(std::istringstream& line) {
     if (name != "vertex") {
         return refuse(2, error + " element type '" + name + "' not supported");
     }
-    if (hasVertex_) {
+    if (m_hasVertex) {
         return refuse(2, error + " Only one set of vertices supported");
     }
     vertexCount = count;
-    hasVertex_ = true;
+    m_hasVertex = true;
     return true;
 }
 
@@ -202,7 +202,7 @@ bool StreamPlyReader::readProperty(std::istringstream& line) {
         {"float", {7, 4}}, {"float32", {7, 4}}, {"double", {8, 8}}, {"double64", {8, 8}},
     };
     const std::string error = "Error parsing ply, line: " + std::to_string(lineNumber);
-    if (!hasVertex_) {
+    if (!m_hasVertex) {
         return refuse(2, error);
     }
     char first = 0;

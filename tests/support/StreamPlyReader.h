@@ -30,8 +30,8 @@ private:
     bool readProperty(std::istringstream& line);
     bool finish(std::size_t inputSize);
 
-    bool hasFormat_ = false;
-    bool hasVertex_ = false;
+    bool m_hasFormat = false;
+    bool m_hasVertex = false;
 };
 
 /// The bytes of one ASCII record: values of the datatypes by stream extraction, and the words nan,

@@ -1,7 +1,7 @@
 #include "tools/cloudconv/DxfInventory.h"
 
-#include "dxfeditor/detail/DxfGroups.h"
-#include "dxfeditor/detail/DxfObjects.h"
+#include "dxfeditor/text/DxfGroups.h"
+#include "dxfeditor/text/DxfObjects.h"
 #include "tools/cloudconv/DxfText.h"
 
 #include <array>

@@ -1,6 +1,6 @@
 #include "tools/cloudconv/DxfText.h"
 
-#include "dxfeditor/detail/DxfGroups.h"
+#include "dxfeditor/text/DxfGroups.h"
 
 #include <array>
 #include <utility>

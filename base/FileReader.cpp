@@ -1,0 +1,47 @@
+#include "base/FileReader.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <system_error>
+
+namespace base {
+
+namespace {
+
+template <typename Bytes>
+bool readInto(Bytes& out, const std::string& path) {
+    out.clear();
+    std::ifstream file(path, std::ios::in | std::ios::binary);
+    if (!file.is_open()) {
+        return false;
+    }
+    // A hint only: pipes have no size, and a file may grow.
+    std::error_code unknown;
+    const std::uintmax_t size = std::filesystem::file_size(path, unknown);
+    if (!unknown) {
+        out.reserve(size);
+    }
+    std::vector<char> block(1 << 18);
+    while (file) {
+        file.read(block.data(), static_cast<std::streamsize>(block.size()));
+        out.insert(out.end(), block.begin(), block.begin() + file.gcount());
+    }
+    // A directory opens but cannot be read: that sets badbit, the end of a file does not.
+    if (file.bad()) {
+        out.clear();
+    }
+    return !file.bad();
+}
+
+} // namespace
+
+bool readFile(const std::string& path, std::string& out) {
+    return readInto(out, path);
+}
+
+bool readFile(const std::string& path, std::vector<unsigned char>& out) {
+    return readInto(out, path);
+}
+
+} // namespace base

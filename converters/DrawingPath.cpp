@@ -1,0 +1,214 @@
+#include "converters/DrawingPath.h"
+
+#include "base/FileReader.h"
+#include "converters/detail/drawing/Chains.h"
+#include "converters/detail/drawing/PathSettings.h"
+#include "converters/detail/drawing/PathWriter.h"
+#include "converters/detail/drawing/Progress.h"
+#include "converters/detail/drawing/Refusal.h"
+#include "converters/detail/drawing/dxf/BlockGraph.h"
+#include "converters/detail/drawing/dxf/DrawingParser.h"
+#include "converters/detail/drawing/dxf/Expansion.h"
+#include "converters/detail/drawing/dxf/LayerTable.h"
+#include "converters/detail/drawing/dxf/LeftOutTable.h"
+#include "converters/detail/drawing/dxf/Text.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <string_view>
+#include <utility>
+
+namespace converters {
+
+namespace {
+
+using namespace drawing;
+
+/// Where the stages of the work end, of 1; by what they take for drawings of plain entities.
+constexpr double endOfParsing = 0.6;
+constexpr double endOfExpansion = 0.65;
+constexpr double endOfJoining = 0.75;
+
+std::string upperCase(std::string text) {
+    std::transform(text.begin(), text.end(), text.begin(), [](char c) {
+        return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+    });
+    return text;
+}
+
+std::vector<LeftOut> listOf(const LeftOutTable& table, const Drawing& drawing,
+                            const LayerTable& layers, const TextDecoder& decoder) {
+    std::vector<LeftOut> list;
+    for (const LeftOutTable::Entry& entry : table.entries()) {
+        list.push_back({upperCase(decoder.decoded(drawing.kindNames.names()[entry.kind])),
+                        layers[entry.layer].name, entry.number, entry.reason});
+    }
+    return list;
+}
+
+double distance(const cv::Point3_<double>& a, const cv::Point3_<double>& b) {
+    const cv::Point3_<double> way = b - a;
+    return std::sqrt(way.dot(way));
+}
+
+/// Adds up what is told of the contours as a whole.
+void summarize(DrawingPath& path) {
+    if (!path.points.empty()) {
+        path.lowest = path.highest = path.points.front();
+    }
+    for (const cv::Point3_<double>& point : path.points) {
+        path.lowest = {std::min(path.lowest.x, point.x), std::min(path.lowest.y, point.y),
+                       std::min(path.lowest.z, point.z)};
+        path.highest = {std::max(path.highest.x, point.x), std::max(path.highest.y, point.y),
+                        std::max(path.highest.z, point.z)};
+    }
+    const PathContour* before = nullptr;
+    for (const PathContour& contour : path.contours) {
+        path.length += contour.length;
+        if (before != nullptr) {
+            path.wayLength +=
+                distance(path.points[before->endPoint - 1], path.points[contour.firstPoint]);
+        }
+        before = &contour;
+    }
+}
+
+DrawingPath readPath(std::string_view file, const PathOptions& options) {
+    checkOptions(options);
+    Progress progress(options.progress);
+    progress.beginStage(0, endOfParsing);
+    Drawing drawing = parseDrawing(file, progress);
+    DrawingPath path;
+    const PathSettings settings = settingsFor(drawing, options, drawing.notes);
+    const TextDecoder decoder(drawing.header);
+    LayerTable layers(drawing, decoder, options);
+    const BlockGraph graph(drawing, decoder);
+    LeftOutTable leftOut;
+
+    progress.beginStage(endOfParsing, endOfExpansion);
+    Expansion expansion = expand(drawing, graph, layers, settings.map, options, leftOut, progress);
+    progress.beginStage(endOfExpansion, endOfJoining);
+    const std::vector<ChainLink> links =
+        joinToChains(drawing, expansion, layers, settings.joinDistance, leftOut, progress);
+    progress.beginStage(endOfJoining, 1);
+    writeContours({drawing, expansion, layers, links}, settings, path, progress);
+
+    path.drawingUnit = settings.drawingUnit;
+    path.unit = settings.unit;
+    path.leftOut = listOf(leftOut, drawing, layers, decoder);
+    path.layers = layers.takeLayers();
+    path.notes = std::move(drawing.notes);
+    summarize(path);
+    progress.report(1);
+    return path;
+}
+
+} // namespace
+
+double metresPer(LengthUnit unit) {
+    constexpr double inch = 0.0254;
+    constexpr double foot = 12 * inch;
+    constexpr std::array<double, 22> metres = {0,
+                                               inch,
+                                               foot,
+                                               5280 * foot,
+                                               1e-3,
+                                               1e-2,
+                                               1,
+                                               1e3,
+                                               inch * 1e-6,
+                                               inch * 1e-3,
+                                               3 * foot,
+                                               1e-10,
+                                               1e-9,
+                                               1e-6,
+                                               0.1,
+                                               10,
+                                               100,
+                                               1e9,
+                                               149597870700.0,
+                                               9460730472580800.0,
+                                               3.0856775814913673e16,
+                                               1200.0 / 3937.0};
+    const auto number = static_cast<std::size_t>(unit);
+    return number < metres.size() ? metres[number] : 0;
+}
+
+const char* nameOf(PathEntityKind kind) {
+    switch (kind) {
+    case PathEntityKind::point:
+        return "POINT";
+    case PathEntityKind::line:
+        return "LINE";
+    case PathEntityKind::arc:
+        return "ARC";
+    case PathEntityKind::circle:
+        return "CIRCLE";
+    case PathEntityKind::ellipse:
+        return "ELLIPSE";
+    case PathEntityKind::lwpolyline:
+        return "LWPOLYLINE";
+    case PathEntityKind::polyline:
+        return "POLYLINE";
+    case PathEntityKind::spline:
+        return "SPLINE";
+    }
+    return "";
+}
+
+const char* nameOf(LeftOutReason reason) {
+    switch (reason) {
+    case LeftOutReason::annotation:
+        return "annotation";
+    case LeftOutReason::mesh:
+        return "a mesh or a solid";
+    case LeftOutReason::infinite:
+        return "an infinite line";
+    case LeftOutReason::unknownKind:
+        return "of a kind that is not known";
+    case LeftOutReason::layerOff:
+        return "on a layer that is off";
+    case LeftOutReason::layerFrozen:
+        return "on a frozen layer";
+    case LeftOutReason::invisible:
+        return "invisible";
+    case LeftOutReason::paperSpace:
+        return "in paper space";
+    case LeftOutReason::layerNotAsked:
+        return "on a layer not asked for";
+    case LeftOutReason::blockMissing:
+        return "of a missing block";
+    case LeftOutReason::blockExternal:
+        return "of a block in another file";
+    case LeftOutReason::blockHoldsItself:
+        return "of a block that holds itself";
+    case LeftOutReason::drawnUnclipped:
+        return "drawn without its clipping boundary";
+    case LeftOutReason::broken:
+        return "broken";
+    }
+    return "";
+}
+
+ReadResult readPath(const void* bytes, std::size_t size, DrawingPath& path,
+                    const PathOptions& options) {
+    try {
+        DrawingPath read = readPath({static_cast<const char*>(bytes), size}, options);
+        path = std::move(read);
+        return {true, {}, 0};
+    } catch (Refusal& refusal) {
+        return {false, std::move(refusal.reason), refusal.line};
+    }
+}
+
+ReadResult readPath(const std::filesystem::path& file, DrawingPath& path,
+                    const PathOptions& options) {
+    std::vector<unsigned char> bytes;
+    if (!base::readFile(file.string(), bytes)) {
+        return {false, "cannot read " + file.string(), 0};
+    }
+    return readPath(bytes.data(), bytes.size(), path, options);
+}
+
+} // namespace converters

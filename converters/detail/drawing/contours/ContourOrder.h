@@ -1,0 +1,55 @@
+#pragma once
+
+#include "converters/detail/drawing/geometry/Vector.h"
+
+#include <cstddef>
+#include <vector>
+
+/// In which order contours are best walked. Points are looked at only, never changed; the caller
+/// turns and moves what the answer says.
+///
+/// Both functions give the same answer on every processor, also where the last bits of coordinates
+/// differ: they compare coordinates rounded to 2^-36 or so of the drawing's extent, and among equal
+/// ways the contour that comes first in the input is taken. What is no finite number is taken as
+/// some place. Time is about n log n in the number of contours, and linear in that of points, for
+/// hostile input, too, where the answer may be less good.
+namespace converters::drawing {
+
+/// A contour as far as its order matters.
+struct ContourShape {
+    /// At least one point. Those of a closed contour end with a copy of the first.
+    const Point* points;
+    std::size_t size;
+    bool closed;
+    /// Where a closed contour may start: indexes into `points`, ascending; none for anywhere.
+    const std::size_t* starts = nullptr;
+    std::size_t numberOfStarts = 0;
+};
+
+/// The next contour to walk.
+struct ContourVisit {
+    /// Index into the contours asked about.
+    std::size_t contour;
+    /// Where a closed contour starts and ends now: index into its points, below size - 1; 0 of
+    /// open contours and of those of one point.
+    std::size_t firstPoint;
+    /// Whether an open contour is walked from its end; closed ones keep their direction.
+    bool reversed;
+};
+
+/// An order with short ways between the contours: the nearest next, improved by exchanges (2-opt
+/// and Or-opt among neighbours). Begins near the origin.
+///
+/// @return each contour once
+std::vector<ContourVisit> nearestOrder(const std::vector<ContourShape>& contours);
+
+/// An order in which contours inside others come before these, part by part: what lies in a closed
+/// contour, then that contour, then the next part. Among equals as nearestOrder().
+///
+/// Inside is meant in the plane of x and y, by the even-odd rule. Contours that cross or equal each
+/// other have no order between them.
+///
+/// @return each contour once
+std::vector<ContourVisit> insideFirstOrder(const std::vector<ContourShape>& contours);
+
+} // namespace converters::drawing

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "converters/DrawingPath.h"
+#include "converters/detail/drawing/dxf/Drawing.h"
+
+#include <cstdint>
+#include <string_view>
+
+namespace converters::drawing {
+
+/// What begins with a group 0.
+enum class ObjectKind : std::uint8_t {
+    // What sections and blocks are made of.
+    section,
+    endOfSection,
+    endOfFile,
+    layer,
+    blockRecord,
+    block,
+    endOfBlock,
+    dictionary,
+    spatialFilter,
+    // Entities.
+    point,
+    line,
+    arc,
+    circle,
+    ellipse,
+    lwpolyline,
+    polyline,
+    spline,
+    helix,
+    insert,
+    vertex,
+    /// The end of the vertices of a POLYLINE or of the attributes of an INSERT; a window of a
+    /// layout: nothing that is drawn.
+    nothing,
+    /// Anything else.
+    other
+};
+
+/// What an object is by its name, as group 0 gives it: blanks around it and case do not matter.
+ObjectKind objectKindOf(std::string_view name);
+
+/// Why entities of a kind that is `other` are left out of a path.
+LeftOutReason reasonOf(std::string_view name);
+
+} // namespace converters::drawing

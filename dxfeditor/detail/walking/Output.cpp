@@ -1,0 +1,56 @@
+#include "dxfeditor/detail/walking/Output.h"
+
+#include "base/LargePages.h"
+
+#include <cstddef>
+#include <new>
+
+namespace dxfeditor {
+
+namespace {
+
+using Point = Run::Point;
+
+/// The walk jumps about in the drawing; this many pieces ahead, entities are on their way from
+/// memory.
+constexpr std::size_t lookAhead = 8;
+
+} // namespace
+
+std::vector<Point> roomFor(const std::vector<Run>& runs) {
+    std::size_t count = 0;
+    for (const Run& run : runs) {
+        count += run.size();
+    }
+    std::vector<Point> points;
+    if (count > points.max_size()) {
+        throw std::bad_alloc();
+    }
+    base::reserveLarge(points, count);
+    return points;
+}
+
+void append(const base::Walk& walk, const std::vector<Run>& runs, std::vector<Point>& points,
+            std::vector<DXFContour>* contours) {
+    std::size_t start = points.size();
+    for (std::size_t i = 0; i < walk.size(); ++i) {
+        if (i + 2 * lookAhead < walk.size()) {
+            __builtin_prefetch(&runs[walk[i + 2 * lookAhead].run]);
+            runs[walk[i + lookAhead].run].prefetch();
+        }
+        const base::Piece& piece = walk[i];
+        runs[piece.run].appendTo(points, piece.direction, piece.dropped);
+        if (!piece.endsChain) {
+            continue;
+        }
+        if (piece.closesChain) {
+            points.back() = points[start];
+        }
+        if (contours != nullptr) {
+            contours->push_back({start, points.size(), piece.closesChain});
+        }
+        start = points.size();
+    }
+}
+
+} // namespace dxfeditor

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "base/stitching/Stitching.h"
+#include "dxfeditor/DXFContour.h"
+#include "dxfeditor/detail/walking/Sampling.h"
+
+#include <vector>
+
+namespace dxfeditor {
+
+/// An empty vector with room for the points of all runs, so that a drawing too large for the memory
+/// fails with std::bad_alloc before any work is done.
+std::vector<Run::Point> roomFor(const std::vector<Run>& runs);
+
+/// Appends the points of a walk through `runs`. The last point of a closed chain becomes an exact
+/// copy of its first.
+///
+/// @param contours  receives one contour for each chain; may be null
+void append(const base::Walk& walk, const std::vector<Run>& runs, std::vector<Run::Point>& points,
+            std::vector<DXFContour>* contours);
+
+} // namespace dxfeditor

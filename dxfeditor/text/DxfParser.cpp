@@ -1,0 +1,86 @@
+#include "dxfeditor/text/DxfParser.h"
+
+#include "dxfeditor/detail/reading/ClassicLocale.h"
+#include "dxfeditor/detail/reading/DxfEntityDecoder.h"
+#include "dxfeditor/detail/reading/DxfIntake.h"
+#include "dxfeditor/text/DxfObjects.h"
+
+#include <dxflib/dl_dxf.h>
+
+#include <cstddef>
+#include <istream>
+#include <streambuf>
+#include <string>
+
+namespace dxfeditor {
+
+namespace {
+
+/// dxflib gets the text in pieces of about this many bytes: the memory that they take does not
+/// grow with the drawing, and stays in the cache.
+constexpr std::size_t pieceSize = std::size_t{1} << 18;
+
+/// Reads a string in place.
+class StringBuffer : public std::streambuf {
+public:
+    explicit StringBuffer(std::string& text) {
+        setg(text.data(), text.data(), text.data() + text.size());
+    }
+};
+
+/// Whether dxflib allocates what the object's counts say. It frees the arrays of the entity before
+/// first and forgets to forget them: when the memory for the new ones is not there, its destructor
+/// would free the old ones again. So one dxflib object gets one such entity.
+bool hasCounts(const DxfObject& object) {
+    return object.kind == DxfObjectKind::Spline || object.kind == DxfObjectKind::LwPolyline;
+}
+
+/// Hands what the intake has ready to dxflib.
+void parsePiece(DxfIntake& intake, DL_CreationInterface& reader) {
+    if (intake.output().empty()) {
+        return;
+    }
+    intake.close();
+    StringBuffer buffer(intake.output());
+    std::istream stream(&buffer);
+    DL_Dxf().in(stream, &reader);
+    intake.clearOutput();
+}
+
+} // namespace
+
+std::string dxfIntake(std::string_view text) {
+    DxfIntake intake(text);
+    DxfObjects objects(text);
+    for (DxfObject object; objects.next(object);) {
+        intake.append(object);
+    }
+    intake.close();
+    return intake.output();
+}
+
+void parseDxf(std::string_view text, DL_CreationInterface& reader, DxfDecoding decoding) {
+    text = text.substr(0, text.find('\0'));
+    const ClassicLocale classicLocale;
+    DxfIntake intake(text);
+    DxfEntityDecoder decoder;
+    DxfObjects objects(text);
+    for (DxfObject object; objects.next(object);) {
+        if (decoding == DxfDecoding::Ours && decoder.decode(object, objects)) {
+            parsePiece(intake, reader);
+            decoder.report(reader, objects);
+            continue;
+        }
+        if (hasCounts(object)) {
+            // Nothing is torn apart: these end a polyline that they follow.
+            parsePiece(intake, reader);
+        }
+        intake.append(object);
+        if (intake.output().size() >= pieceSize && intake.canBeClosed()) {
+            parsePiece(intake, reader);
+        }
+    }
+    parsePiece(intake, reader);
+}
+
+} // namespace dxfeditor
