@@ -1,5 +1,7 @@
 #include "tools/cloudconv/page/DrawingPage.h"
 
+#include "tools/cloudconv/ContourKind.h"
+#include "tools/cloudconv/Units.h"
 #include "tools/cloudconv/page/PageWriter.h"
 
 #include <nlohmann/json.hpp>
@@ -14,15 +16,6 @@ namespace {
 using converters::DrawingPath;
 using converters::PathContour;
 using nlohmann::json;
-
-/// What the script calls units; empty for none.
-std::string symbolOf(converters::LengthUnit unit) {
-    static const char* const symbols[] = {"",    "in",  "ft", "mi", "mm", "cm",     "m",  "km",
-                                          "µin", "mil", "yd", "Å",  "nm", "µm",     "dm", "dam",
-                                          "hm",  "Gm",  "au", "ly", "pc", "ft (US)"};
-    const auto number = static_cast<std::size_t>(unit);
-    return number < std::size(symbols) ? symbols[number] : "";
-}
 
 json layersOf(const DrawingPath& path) {
     json layers = json::array();
@@ -60,10 +53,19 @@ json findingsOf(const std::vector<PageFinding>& findings) {
     return all;
 }
 
-json entityKinds() {
+json entityKindNames() {
     json names = json::array();
     for (auto kind = 0; kind <= static_cast<int>(converters::PathEntityKind::spline); ++kind) {
         names.push_back(converters::nameOf(static_cast<converters::PathEntityKind>(kind)));
+    }
+    return names;
+}
+
+json contourKindNames() {
+    json names = json::array();
+    for (const ContourKind kind :
+         {ContourKind::Open, ContourKind::Closed, ContourKind::Circle, ContourKind::Points}) {
+        names.push_back(nameOf(kind));
     }
     return names;
 }
@@ -79,19 +81,8 @@ json factsOf(const DrawingPage& page) {
             {"leftOut", leftOutOf(page.path)},
             {"findings", findingsOf(page.findings)},
             {"notes", notes},
-            {"entityKinds", entityKinds()}};
-}
-
-/// What the script needs to know of a contour that its points do not tell; a bit each.
-enum ContourFlag : std::uint8_t { isClosed = 1, isOfPoints = 2 };
-
-std::uint8_t flagsOf(const DrawingPath& path, const PathContour& contour) {
-    const auto begin = path.pieces.begin() + static_cast<std::ptrdiff_t>(contour.firstPiece);
-    const auto end = path.pieces.begin() + static_cast<std::ptrdiff_t>(contour.endPiece);
-    const bool ofPoints = std::all_of(begin, end, [](const converters::PathPiece& piece) {
-        return piece.kind == converters::PathCurveKind::point;
-    });
-    return static_cast<std::uint8_t>((contour.closed ? isClosed : 0) | (ofPoints ? isOfPoints : 0));
+            {"entityKindNames", entityKindNames()},
+            {"contourKindNames", contourKindNames()}};
 }
 
 void addPoints(PageWriter& writer, const DrawingPath& path) {
@@ -120,7 +111,7 @@ void addContours(PageWriter& writer, const DrawingPath& path) {
     std::vector<std::uint32_t> layers;
     std::vector<double> lengths;
     std::vector<std::int32_t> colours;
-    std::vector<std::uint8_t> flags;
+    std::vector<std::uint8_t> kinds;
     for (const PathContour& contour : path.contours) {
         ends.push_back(static_cast<std::uint32_t>(contour.endPoint));
         entityEnds.push_back(static_cast<std::uint32_t>(contour.endEntity));
@@ -128,14 +119,14 @@ void addContours(PageWriter& writer, const DrawingPath& path) {
         lengths.push_back(contour.length);
         // The index of a colour stands as a number below zero.
         colours.push_back(contour.trueColour >= 0 ? contour.trueColour : -contour.colour);
-        flags.push_back(flagsOf(path, contour));
+        kinds.push_back(static_cast<std::uint8_t>(kindOf(path, contour)));
     }
     writer.add("contourEnds", ends);
     writer.add("contourEntityEnds", entityEnds);
     writer.add("contourLayers", layers);
     writer.add("contourLengths", lengths);
     writer.add("contourColours", colours);
-    writer.add("contourFlags", flags);
+    writer.add("contourKinds", kinds);
 }
 
 void addEntities(PageWriter& writer, const DrawingPath& path) {

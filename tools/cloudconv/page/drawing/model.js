@@ -3,8 +3,8 @@
 
 import { dataElements, jsonOf, numbersOf } from "../shared/data.js";
 
-const closedFlag = 1;
-const pointsFlag = 2;
+/** The kinds of contours, by their numbers. */
+const kinds = { open: 0, closed: 1, circle: 2, points: 3 };
 
 /** Points in a run; a run and the one after it share the point between them. */
 export const runLength = 32;
@@ -54,7 +54,7 @@ export class Drawing {
         this.contourLayers = array("contourLayers", Uint32Array);
         this.lengths = array("contourLengths", Float64Array);
         this.colours = array("contourColours", Int32Array);
-        this.flags = array("contourFlags", Uint8Array);
+        this.kinds = array("contourKinds", Uint8Array);
         this.entityEnds = array("contourEntityEnds", Uint32Array);
         this.entities = {
             kinds: array("entityKinds", Uint8Array),
@@ -73,12 +73,12 @@ export class Drawing {
         return contour === 0 ? 0 : this.ends[contour - 1];
     }
 
-    isClosed(contour) {
-        return (this.flags[contour] & closedFlag) !== 0;
+    isOpen(contour) {
+        return this.kinds[contour] === kinds.open;
     }
 
     isOfPoints(contour) {
-        return (this.flags[contour] & pointsFlag) !== 0;
+        return this.kinds[contour] === kinds.points;
     }
 
     isShown(contour) {
@@ -90,10 +90,9 @@ export class Drawing {
     }
 
     kindName(contour) {
-        if (this.isOfPoints(contour)) {
-            return this.ends[contour] - this.begin(contour) === 1 ? "point" : "points";
-        }
-        return this.isClosed(contour) ? "closed" : "open";
+        const isOnePoint =
+            this.isOfPoints(contour) && this.ends[contour] - this.begin(contour) === 1;
+        return isOnePoint ? "point" : this.contourKindNames[this.kinds[contour]];
     }
 
     /** What a contour is made of: kind, handle, layer, and the block insert that draws it. */
@@ -105,7 +104,7 @@ export class Drawing {
         const all = [];
         for (let i = begin; i < end; ++i) {
             all.push({
-                kind: this.entityKinds[kinds[i]],
+                kind: this.entityKindNames[kinds[i]],
                 handle: hexadecimal(handles[i]),
                 insert: hexadecimal(inserts[i]),
                 layer: this.layers[layers[i]]?.name ?? "",

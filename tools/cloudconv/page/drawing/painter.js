@@ -197,10 +197,7 @@ export class Painter {
         context.strokeStyle = this.ink;
         context.beginPath();
         for (let contour = 0; contour < drawing.count; ++contour) {
-            if (
-                !drawing.isShown(contour) || drawing.isClosed(contour) ||
-                drawing.isOfPoints(contour)
-            ) {
+            if (!drawing.isShown(contour) || !drawing.isOpen(contour)) {
                 continue;
             }
             for (const point of [drawing.begin(contour), drawing.ends[contour] - 1]) {
