@@ -29,22 +29,20 @@ std::tuple<double, double, double> cellOf(const Point& point) {
     return {std::floor(point.x / side), std::floor(point.y / side), std::floor(point.z / side)};
 }
 
-std::vector<Point> endsOf(const DxfContents& drawing, const std::vector<Contour>& contours) {
-    std::vector<Point> ends;
-    std::set<std::tuple<double, double, double>> seen;
-    for (const Contour& contour : contours) {
-        if (contour.kind != ContourKind::Open) {
-            continue;
-        }
-        for (const std::size_t i : {contour.begin, contour.end - 1}) {
-            const Point& end = drawing.points[i];
-            if (hasPlace(end) && seen.insert(cellOf(end)).second) {
-                ends.push_back(end);
-            }
+/// Collects ends, those that are joined to an earlier one but once.
+class Ends {
+public:
+    void add(const Point& end) {
+        if (hasPlace(end) && m_seen.insert(cellOf(end)).second) {
+            m_ends.push_back(end);
         }
     }
-    return ends;
-}
+    const std::vector<Point>& all() const { return m_ends; }
+
+private:
+    std::vector<Point> m_ends;
+    std::set<std::tuple<double, double, double>> m_seen;
+};
 
 Tree treeOf(const std::vector<Point>& ends) {
     std::vector<End> entries;
@@ -86,11 +84,7 @@ std::size_t nearestOf(const std::vector<Point>& ends, const Tree& tree, std::siz
     return none;
 }
 
-} // namespace
-
-std::vector<NearMiss> nearMissesOf(const DxfContents& drawing, const std::vector<Contour>& contours,
-                                   double distance) {
-    const std::vector<Point> ends = endsOf(drawing, contours);
+std::vector<NearMiss> nearMissesAmong(const std::vector<Point>& ends, double distance) {
     const Tree tree = treeOf(ends);
     std::set<std::pair<std::size_t, std::size_t>> pairs;
     for (std::size_t i = 0; i < ends.size(); ++i) {
@@ -105,4 +99,29 @@ std::vector<NearMiss> nearMissesOf(const DxfContents& drawing, const std::vector
         misses.push_back({ends[first], ends[second], distanceOf(ends[first], ends[second])});
     }
     return misses;
+}
+
+} // namespace
+
+std::vector<NearMiss> nearMissesOf(const DxfContents& drawing, const std::vector<Contour>& contours,
+                                   double distance) {
+    Ends ends;
+    for (const Contour& contour : contours) {
+        if (contour.kind == ContourKind::Open) {
+            ends.add(drawing.points[contour.begin]);
+            ends.add(drawing.points[contour.end - 1]);
+        }
+    }
+    return nearMissesAmong(ends.all(), distance);
+}
+
+std::vector<NearMiss> nearMissesOf(const converters::DrawingPath& path, double distance) {
+    Ends ends;
+    for (const converters::PathContour& contour : path.contours) {
+        if (kindOf(path, contour) == ContourKind::Open) {
+            ends.add(path.points[contour.firstPoint]);
+            ends.add(path.points[contour.endPoint - 1]);
+        }
+    }
+    return nearMissesAmong(ends.all(), distance);
 }

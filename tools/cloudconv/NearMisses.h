@@ -24,3 +24,6 @@ constexpr double defaultNearness = 0.1;
 /// walk.
 std::vector<NearMiss> nearMissesOf(const DxfContents& drawing, const std::vector<Contour>& contours,
                                    double distance);
+
+/// The same among the ends of a path's open contours, in the order of its contours.
+std::vector<NearMiss> nearMissesOf(const converters::DrawingPath& path, double distance);
