@@ -81,9 +81,11 @@ void DXFReader::addPoint(const DL_PointData& data) {
     if (auto* points = entityOfType<DXFPointVector>(m_current, DXFEntityType::PointVector)) {
         points->addPoint({data.x, data.y, data.z});
     } else if (auto* first = entityOfType<DXFPoint>(m_current, DXFEntityType::Point)) {
-        m_document.deleteEntity(m_current);
-        startSimple(DXFAdapter::makePointVector(
-            {{first->mX(), first->mY(), first->mZ()}, {data.x, data.y, data.z}}));
+        std::shared_ptr<DXFEntity> both = DXFAdapter::makePointVector(
+            {{first->mX(), first->mY(), first->mZ()}, {data.x, data.y, data.z}});
+        // Handed over: the document finds a point that nobody else holds without a search.
+        m_document.deleteEntity(std::move(m_current));
+        startSimple(std::move(both));
     } else {
         startSimple(DXFAdapter::makePoint(data));
     }

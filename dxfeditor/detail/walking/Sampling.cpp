@@ -409,7 +409,7 @@ void Run::appendTo(std::vector<Point>& points, Direction direction, Dropped drop
                [&](const auto& shape) { append(pointsOf(shape, m_size), m_size, part, points); });
 }
 
-Runs runsOf(const std::list<std::shared_ptr<DXFEntity>>& entities) {
+Runs runsOf(const std::vector<std::shared_ptr<DXFEntity>>& entities) {
     Runs runs;
     base::reserveLarge(runs.runs, entities.size());
     base::reserveLarge(runs.ends, 2 * entities.size());
