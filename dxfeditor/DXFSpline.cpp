@@ -38,6 +38,12 @@ void DXFSpline::appendFitPoint(double x, double y, double z) {
     m_fitPoints.emplace_back(x, y, z);
 }
 
+void DXFSpline::shrinkToFit() {
+    m_knots.shrink_to_fit();
+    m_controlPoints.shrink_to_fit();
+    m_fitPoints.shrink_to_fit();
+}
+
 bool DXFSpline::isEvaluable() const {
     const auto degree = static_cast<std::int64_t>(static_cast<std::int32_t>(m_degree));
     const auto controls = static_cast<std::int64_t>(m_controlPoints.size());

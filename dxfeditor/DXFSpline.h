@@ -45,6 +45,8 @@ public:
     void appendControlPoint(double x, double y, double z, double w);
     /// Appends a fit point.
     void appendFitPoint(double x, double y, double z);
+    /// Gives back the memory that is there for knots and points to come.
+    void shrinkToFit();
 
     /// Degree of the curve, as given.
     unsigned degree() const { return m_degree; }
@@ -71,7 +73,8 @@ public:
     /// evaluated gives its fit points instead.
     std::vector<cv::Point_<double>> sample(double step) const;
 
-    /// Number of points that sample(step) returns.
+    /// Number of points that sample(step) returns, for callers that bound their work: what a file
+    /// claims decides it.
     std::size_t sampleCount(double step) const;
 
 private:

@@ -113,10 +113,10 @@ Shape shapeOf(const DXFCircle& circle) {
 }
 
 std::string faultOf(const DXFPolyline& polyline) {
-    if (polyline.pieces().empty()) {
+    if (polyline.segmentCount() == 0) {
         return "has fewer than two vertices: no points";
     }
-    const Segment& last = polyline.pieces().back();
+    const Segment last = polyline.segment(polyline.segmentCount() - 1);
     const double length = std::hypot(last.endX - last.startX, last.endY - last.startY);
     return length < samplingStep
                ? "has a last edge too short to sample (length " + lengthText(length) +

@@ -142,19 +142,22 @@ private:
 /// two of them comes twice.
 class PolylinePoints {
 public:
-    explicit PolylinePoints(const DXFPolyline& polyline) : m_pieces(polyline.pieces()) {}
+    explicit PolylinePoints(const DXFPolyline& polyline)
+        : m_polyline(polyline), m_pieces(polyline.segmentCount()) {}
 
     std::size_t size() const {
         std::size_t count = 0;
-        for (const Segment& piece : m_pieces) {
-            count += LinePoints(piece).size();
+        for (std::size_t i = 0; i < m_pieces; ++i) {
+            count += piece(i).size();
         }
         return count;
     }
-    const std::vector<Segment>& pieces() const { return m_pieces; }
+    std::size_t pieces() const { return m_pieces; }
+    LinePoints piece(std::size_t i) const { return LinePoints(m_polyline.segment(i)); }
 
 private:
-    const std::vector<Segment>& m_pieces;
+    const DXFPolyline& m_polyline;
+    std::size_t m_pieces;
 };
 
 /// A spline in equal steps of its parameter.
@@ -255,11 +258,11 @@ Point lastOf(Sequence& sequence, std::size_t size) {
 }
 
 Point firstOf(PolylinePoints& polyline, std::size_t) {
-    return LinePoints(polyline.pieces().front())(0);
+    return polyline.piece(0)(0);
 }
 Point lastOf(PolylinePoints& polyline, std::size_t) {
-    const LinePoints piece(polyline.pieces().back());
-    return piece(piece.size() - 1);
+    const LinePoints last = polyline.piece(polyline.pieces() - 1);
+    return last(last.size() - 1);
 }
 
 /// What of a run of points is wanted, in its own direction.
@@ -289,18 +292,14 @@ void append(Sequence sequence, std::size_t size, const Part& part, std::vector<P
 
 void append(const PolylinePoints& polyline, std::size_t, const Part& part,
             std::vector<Point>& points) {
-    const std::vector<Segment>& pieces = polyline.pieces();
-    const auto appendPiece = [&](const Segment& piece) {
-        const LinePoints line(piece);
+    const std::size_t count = polyline.pieces();
+    for (std::size_t i = 0; i < count; ++i) {
+        const std::size_t piece = part.direction == Direction::Forwards ? i : count - 1 - i;
+        const LinePoints line = polyline.piece(piece);
         append(line, line.size(),
-               {part.direction, part.withoutFront && &piece == &pieces.front(),
-                part.withoutBack && &piece == &pieces.back()},
+               {part.direction, part.withoutFront && piece == 0,
+                part.withoutBack && piece == count - 1},
                points);
-    };
-    if (part.direction == Direction::Forwards) {
-        std::for_each(pieces.begin(), pieces.end(), appendPiece);
-    } else {
-        std::for_each(pieces.rbegin(), pieces.rend(), appendPiece);
     }
 }
 
@@ -409,7 +408,7 @@ void Run::appendTo(std::vector<Point>& points, Direction direction, Dropped drop
                [&](const auto& shape) { append(pointsOf(shape, m_size), m_size, part, points); });
 }
 
-Runs runsOf(const std::list<std::shared_ptr<DXFEntity>>& entities) {
+Runs runsOf(const std::vector<std::shared_ptr<DXFEntity>>& entities) {
     Runs runs;
     base::reserveLarge(runs.runs, entities.size());
     base::reserveLarge(runs.ends, 2 * entities.size());

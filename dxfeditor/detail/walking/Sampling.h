@@ -5,7 +5,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <list>
 #include <memory>
 #include <vector>
 
@@ -65,6 +64,6 @@ struct Runs {
 
 /// An entity that is empty, that is of none of the known kinds or not of the class that its type
 /// code names, or that has no points gives no run.
-Runs runsOf(const std::list<std::shared_ptr<DXFEntity>>& entities);
+Runs runsOf(const std::vector<std::shared_ptr<DXFEntity>>& entities);
 
 } // namespace dxfeditor

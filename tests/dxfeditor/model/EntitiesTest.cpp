@@ -85,6 +85,19 @@ TEST(Attributes, AreNeitherCheckedNorCleaned) {
     EXPECT_EQ(attributes.handle(), least);
 }
 
+TEST(Attributes, WithAnotherHandleKeepTheRest) {
+    const std::shared_ptr<DXFAttributes> attributes = someAttributes()->withHandle(5);
+    EXPECT_EQ(attributes->layerName(), "walls");
+    EXPECT_EQ(attributes->color(), 3);
+    EXPECT_EQ(attributes->color24(), 0x112233);
+    EXPECT_EQ(attributes->width(), 25);
+    EXPECT_EQ(attributes->lineType(), "DASHED");
+    EXPECT_EQ(attributes->lineTypeScale(), 2.5);
+    EXPECT_EQ(attributes->handle(), 5);
+    EXPECT_TRUE(attributes->inPaperSpace());
+    EXPECT_EQ(someAttributes()->handle(), 77);
+}
+
 TEST(Entity, OfEveryKindReportsItsCode) {
     for (const Kind& kind : kinds()) {
         EXPECT_EQ(kind.make()->type(), kind.code) << kind.name;
