@@ -1,6 +1,5 @@
 #include "dxfeditor/DXFWriter.h"
 
-#include "base/UnopenableFile.h"
 #include "dxfeditor/DXFAdapter.h"
 #include "dxfeditor/DXFAttributes.h"
 #include "dxfeditor/DXFDocument.h"
@@ -31,8 +30,7 @@ DL_Attributes recordOf(const std::shared_ptr<DXFAttributes>& attributes) {
     return DXFAdapter::makeAttributes(attributes ? attributes : defaultAttributes());
 }
 
-/// Ends the process when the log throws.
-void reportUnsupportedEntity() noexcept {
+void reportUnsupportedEntity() {
     p7::deliver(p7::level_info, __LINE__, sourceFile, "fillEntities",
                 "DXFWriter:: attempted writing of unsuported entity");
 }
@@ -41,8 +39,22 @@ void reportUnsupportedEntity() noexcept {
 /// class.
 template <class Concrete>
 std::shared_ptr<Concrete> castTo(const std::shared_ptr<DXFEntity>& entity) noexcept {
-    static_cast<void>(dynamic_cast<Concrete&>(*entity));
-    return std::static_pointer_cast<Concrete>(entity);
+    return {entity, &dynamic_cast<Concrete&>(*entity)};
+}
+
+/// Writes a table entry as dxflib does, without what it prints on standard error: a layer without a
+/// name is left out, and a colour beyond the 255 of R12 becomes 7.
+void writeLayer(DL_Dxf& engine, DL_WriterA& file, const DL_LayerData& layer,
+                DL_Attributes attributes) {
+    constexpr int firstColorBeyond = 256;
+    constexpr int white = 7;
+    if (layer.name.empty()) {
+        return;
+    }
+    if (attributes.getColor() >= firstColorBeyond) {
+        attributes.setColor(white);
+    }
+    engine.writeLayer(file, layer, attributes);
 }
 
 void writePolyline(DL_Dxf& engine, DL_WriterA& file, const std::shared_ptr<DXFPolyline>& polyline) {
@@ -76,18 +88,26 @@ bool DXFWriter::hasOpenFile() const {
 bool DXFWriter::save(const std::string& path) {
     // An unfinished file is closed first: it may be the one at `path`.
     m_file.reset();
+    m_file = dxfeditor::DxfFileWriter::create(path, outputVersion);
+    return saveInto(path);
+}
+
+bool DXFWriter::saveTo(int file, const std::string& path) {
+    m_file.reset();
+    m_file = dxfeditor::DxfFileWriter::onFile(file, outputVersion);
+    return saveInto(path);
+}
+
+/// Writes the drawing into the file that was opened, if it was.
+bool DXFWriter::saveInto(const std::string& path) {
     m_engine = std::make_unique<DL_Dxf>();
-    // dxflib creates the file; it stays open until the own writer has it, so that the reader of a
-    // pipe does not see it end.
-    const std::unique_ptr<DL_WriterA> created(m_engine->out(path.c_str(), outputVersion));
-    if (created) {
-        m_file = dxfeditor::DxfFileWriter::open(path, outputVersion);
-        created->close();
-    }
     if (!m_file) {
-        base::reportUnopenableFile(path);
+        p7::deliver(p7::level_info, __LINE__, sourceFile, "save",
+                    "DXFWriter: Cannot open %s for writing.", path.c_str());
         return false;
     }
+    // The only way to tell the engine its version. No file has this name: nothing is opened.
+    const std::unique_ptr<DL_WriterA> none(m_engine->out("", outputVersion));
 
     writeHeader();
     m_file->sectionTables();
@@ -157,7 +177,7 @@ void DXFWriter::writeLAYER_table() {
     }
     beginTable("LAYER", 2, static_cast<int>(layers.size()));
     for (const std::shared_ptr<DXFLayer>& layer : layers) {
-        m_engine->writeLayer(*m_file, DXFAdapter::makeLayer(layer), recordOf(layer->attributes()));
+        writeLayer(*m_engine, *m_file, DXFAdapter::makeLayer(layer), recordOf(layer->attributes()));
     }
     m_file->tableEnd();
 }
