@@ -28,7 +28,7 @@ void DXFPolyline::setup() {
     m_setupPending = false;
 }
 
-DXFPolyline* DXFPolyline::clone() const {
+DXFEntity* DXFPolyline::clone() const {
     return new DXFPolyline(*this);
 }
 

@@ -26,7 +26,7 @@ int DXFSpline::type() const {
 
 void DXFSpline::setup() {}
 
-DXFSpline* DXFSpline::clone() const {
+DXFEntity* DXFSpline::clone() const {
     return new DXFSpline(*this);
 }
 
@@ -43,6 +43,15 @@ bool DXFSpline::isEvaluable() const {
     const auto controls = static_cast<std::int64_t>(m_controlPoints.size());
     const auto knots = static_cast<std::int64_t>(m_knots.size());
     return degree >= 0 && degree <= controls - 1 && controls + degree < knots;
+}
+
+/// The parameter, moved up to where the curve begins if it lies below: at knots[p], or at knots[n]
+/// where the knots fall. There the last of equal steps may end just below it.
+double DXFSpline::notBelowKnots(double t) const {
+    const double first = m_knots[m_degree];
+    const double last = m_knots[m_controlPoints.size()];
+    const double lowest = last < first ? last : first;
+    return t < lowest ? lowest : t;
 }
 
 /// The index k of the knot span to evaluate t in: p <= k <= n - 1, whatever the knots hold.
@@ -83,9 +92,7 @@ cv::Point_<double> DXFSpline::evaluate(double t) const {
 cv::Point_<double> DXFSpline::evaluate(double t,
                                        std::vector<cv::Point3_<double>>& homogeneous) const {
     const std::size_t degree = m_degree;
-    if (t < m_knots[degree] && !(t >= m_knots[m_controlPoints.size()])) {
-        t = m_knots[degree];
-    }
+    t = notBelowKnots(t);
     const std::size_t span = findSpan(t);
 
     homogeneous.resize(degree + 1);
