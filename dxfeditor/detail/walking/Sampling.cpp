@@ -325,28 +325,30 @@ auto visitKind(int kind, Visitor visitor) {
     }
 }
 
-/// Hands an entity to the visitor as the class that the code names, which it has to be of.
+/// Hands a shape to the visitor as the class that the code names, which it is of.
 template <typename Visitor>
-auto visit(const DXFEntity& entity, int kind, Visitor visitor) {
-    return visitKind(kind, [&](auto kindOfEntity) {
-        return visitor(static_cast<decltype(*kindOfEntity)>(entity));
-    });
+auto visit(const void* shape, int kind, Visitor visitor) {
+    return visitKind(kind,
+                     [&](auto named) { return visitor(*static_cast<decltype(named)>(shape)); });
 }
 
-/// Whether the entity is of the class that the code names.
-bool isOfKind(const DXFEntity& entity, int kind) {
+/// The entity as the class that it says it is of; null when it is of another one.
+const void* shapeOf(const DXFEntity& entity, int kind) {
     if (kind < DXFEntityType::Polyline || kind > DXFEntityType::Spline) {
-        return false;
+        return nullptr;
     }
-    return visitKind(kind, [&](auto named) {
-        // Nearly all entities are of the very class, which is told much faster.
-        return typeid(entity) == typeid(std::remove_pointer_t<decltype(named)>) ||
-               dynamic_cast<decltype(named)>(&entity) != nullptr;
+    return visitKind(kind, [&](auto named) -> const void* {
+        using Named = std::remove_pointer_t<decltype(named)>;
+        // Nearly all entities are of the very class, which is told much faster. Others may derive
+        // from several: only the cast knows where in them the wanted one lies.
+        return typeid(entity) == typeid(Named) ? &static_cast<const Named&>(entity)
+                                               : dynamic_cast<const Named*>(&entity);
     });
 }
 
-void addRun(const DXFEntity& entity, int kind, std::size_t size, Runs& runs) {
-    runs.runs.emplace_back(entity, kind, size);
+template <typename Entity>
+void addRun(const Entity& entity, int kind, std::size_t size, Runs& runs) {
+    runs.runs.emplace_back(&entity, kind, size);
 }
 
 /// Whether a run has a copy of its shape. A copy for a single point would be larger than the point.
@@ -359,7 +361,7 @@ void addRun(const DXFLine& line, int kind, std::size_t size, Runs& runs) {
         runs.lines.push_back(segmentOf(line));
         runs.runs.emplace_back(runs.lines.back(), size);
     } else {
-        runs.runs.emplace_back(line, kind, size);
+        runs.runs.emplace_back(&line, kind, size);
     }
 }
 
@@ -369,16 +371,17 @@ void visitShape(const void* shape, int kind, std::size_t size, Visitor visitor) 
     if (hasSegment(kind, size)) {
         visitor(*static_cast<const Segment*>(shape));
     } else {
-        visit(*static_cast<const DXFEntity*>(shape), kind, visitor);
+        visit(shape, kind, visitor);
     }
 }
 
 void append(const DXFEntity& entity, Runs& runs) {
     const int kind = entity.type();
-    if (!isOfKind(entity, kind)) {
+    const void* const named = shapeOf(entity, kind);
+    if (named == nullptr) {
         return;
     }
-    visit(entity, kind, [&](const auto& shape) {
+    visit(named, kind, [&](const auto& shape) {
         auto points = pointsOf(shape);
         if (const std::size_t size = points.size(); size > 0) {
             addRun(shape, kind, size, runs);

@@ -29,10 +29,11 @@ class Run {
 public:
     using Point = base::Point;
 
-    /// @param kind  one of DXFEntityType; the entity is of the class that it names
-    /// @param size  number of points, of a line 1
-    Run(const DXFEntity& entity, int kind, std::size_t size)
-        : m_shape(&entity), m_kind(static_cast<unsigned char>(kind)), m_size(size & mostPoints) {}
+    /// @param entity  of the class that the kind names, as that class
+    /// @param kind    one of DXFEntityType
+    /// @param size    number of points, of a line 1
+    Run(const void* entity, int kind, std::size_t size)
+        : m_shape(entity), m_kind(static_cast<unsigned char>(kind)), m_size(size & mostPoints) {}
 
     /// @param size  number of points, more than 1
     Run(const Segment& line, std::size_t size);
