@@ -33,15 +33,15 @@ public:
     /// The fields "normal_x", "normal_y", "normal_z", "rgb" and "rgba" are declared by their
     /// name alone, as floats and 8-bit colours, whatever their datatype and count; the bodies are
     /// written by datatype, so they may not match. The number of vertices is width * height modulo
-    /// 2^32. Readers of these files rely on both.
+    /// 2^32. Both are kept: the headers of a cloud stay the same from release to release.
     ///
     /// @param cloud   its width, height, fields and is_bigendian are read
     /// @param binary  whether a binary body follows; is_bigendian then chooses the format line
     /// @return the header; empty, after an error message, when a field has a datatype outside 1-8
     std::string GenerateHeader(const pcl::PCLPointCloud2& cloud, bool binary) const;
 
-    /// The header of a cloud without points. It has no format line and no properties: that is how
-    /// readers know an empty scene.
+    /// The header of a cloud without points. It has no format line and no properties; its count of
+    /// vertices, 0, is how PLYDeserializer knows an empty scene.
     std::string GenerateEmptyHeader() const;
 
     /// Appends the binary body of a cloud: one packed record per point, fields in their order.
@@ -205,8 +205,8 @@ public:
 
     /// Whether the file declares no vertices: the first line "element vertex ..." of its text has
     /// the count 0 or no readable count, or there is no such line. The line may stand anywhere, and
-    /// nothing else is checked: a text that is no PLY file is an empty scene, too. Callers rely on
-    /// that. Reads and changes no member.
+    /// nothing else is checked: a text that is no PLY file is an empty scene, too, and no error.
+    /// Reads and changes no member.
     bool IsVertexCountZero(const std::vector<unsigned char>& data) const;
 
     /// Returns `emptySceneInTeach`.
@@ -215,11 +215,12 @@ public:
     /// Reads the header: the cloud gets its fields, width, height, point_step and a zero-filled
     /// block of data for all vertices; row_step stays 0.
     ///
-    /// Some details differ from the PLY format; files in use depend on them. The byte behind "ply"
-    /// is not checked. The second name of "double" is "double64": "float64", like any unknown type,
-    /// is skipped in silence. Any element but "vertex" is refused, even an empty one. "comment" is
-    /// an unknown keyword and reported as such. "obj_info num_cols" and "obj_info num_rows" give
-    /// width and height when both are there.
+    /// Some details differ from the PLY format, on purpose: which files are taken, and as what,
+    /// stays the same from release to release. The byte behind "ply" is not checked, nor what
+    /// follows a property's name. The second name of "double" is "double64": "float64", like any
+    /// unknown type, is skipped in silence. Any element but "vertex" is refused, even an empty one.
+    /// "comment" is an unknown keyword and reported as such. "obj_info num_cols" and "obj_info
+    /// num_rows" give width and height when both are there.
     ///
     /// @param data  the file
     /// @return false when the header is refused: after a message, or in silence when the text ends
@@ -263,9 +264,14 @@ public:
     /// are filled. All other members are as the steps leave them; row_step is that of full rows.
     ///
     /// @param data    the file
+    /// The Point Cloud Library says which bytes of a record go where in a point. Fields that lie as
+    /// far apart in the record as in the point are copied in one piece, with what lies between: of
+    /// the properties "float x", "float foo", "float z" a pcl::PointXYZI gets foo as its y, since
+    /// its x and z are eight bytes apart, too.
+    ///
     /// @param output  replaced, when the read succeeds, by width * height points; fields of the
     ///                point type that the file does not declare have their default, after a warning
-    ///                of the Point Cloud Library. Untouched on failure.
+    ///                of that library, unless they are copied as above. Untouched on failure.
     /// @return false, after a message, when the file is refused
     /// @throws what ReadHeader throws
     template <typename PointT>

@@ -23,8 +23,8 @@ inline Row rowOf(double coordinate, double rowsPerUnit) {
     return static_cast<Row>(inside + 0.5); // NOLINT(bugprone-incorrect-roundings)
 }
 
-/// Where the ends of runs lie, coarsely: by squares over the plane of x and z, of some 16 runs
-/// each.
+/// Where the ends of runs lie, coarsely: by squares over the plane of x and z, of sixteen runs each
+/// on average.
 ///
 /// Whatever order the entities are in, contours are walked without going back and forth in a large
 /// memory when what is kept for runs and ends is ordered by their squares. Nothing else depends on

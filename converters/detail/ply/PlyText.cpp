@@ -52,7 +52,7 @@ char* writeElement(char* out, const PlyColumn& column, const unsigned char* byte
         return writeGeneralFloat(out, valueOf<float>(bytes));
     case Field::FLOAT64:
         return writeGeneral(out, valueOf<double>(bytes));
-    case Field::INT8: // without its sign: readers of these files know 8-bit values as unsigned
+    case Field::INT8: // without its sign, on purpose
     case Field::UINT8:
         return writeInteger(out, static_cast<unsigned>(*bytes));
     case Field::INT16:

@@ -16,8 +16,9 @@ class DL_CreationInterface;
 namespace dxfeditor {
 
 /// Decodes points, lines, circles, arcs and polylines in dxflib's place, at many times its speed,
-/// as long as their numbers are plain: digits with at most a sign, a point and an exponent, within
-/// the range of a double. Anything else is dxflib's business.
+/// as long as their numbers are plain: digits, with a minus sign, a point and an exponent at most,
+/// perhaps between blanks, within the range of a double. Anything else is dxflib's business, a plus
+/// sign in front included.
 ///
 /// What decode() accepts, report() reports as dxflib does: the same callbacks with the same records
 /// and attributes in the same order.
