@@ -8,8 +8,8 @@
 
 namespace base {
 
-/// The place of a coordinate in one direction of a grid whose cells are fifteen to thirty times as
-/// wide as the join distance.
+/// Which cell of a grid a coordinate is in, counted along one direction. The cells are fifteen to
+/// thirty times as wide as the join distance.
 using Row = std::int64_t;
 
 /// The row of a coordinate. Never decreases from one coordinate to a greater one, not even by
