@@ -1,5 +1,14 @@
+// De Boor's algorithm: the control points that matter at a parameter, one more than the degree, are
+// interpolated with one another until one is left. On homogeneous coordinates, so that weights need
+// no division before the end.
+//
+// Not done: basis functions, or a division into Bezier curves. Both round otherwise, and the points
+// are defined to the bit by the steps below.
+
 #include "dxfeditor/DXFSpline.h"
 
+#include "dxfeditor/WalkNumbers.h"
+#include "dxfeditor/detail/walking/Spaces.h"
 #include "dxfeditor/detail/walking/SplineSamples.h"
 #include "dxfeditor/detail/walking/TruncatedCount.h"
 
@@ -8,8 +17,6 @@
 #include <cstdint>
 
 namespace {
-
-constexpr int minimumSampleSteps = 4;
 
 /// Knot intervals and weights below this count as zero.
 constexpr double vanishing = 1e-15;
@@ -84,21 +91,21 @@ cv::Point_<double> DXFSpline::evaluate(double t) const {
     if (!isEvaluable()) {
         return {0.0, 0.0};
     }
-    std::vector<cv::Point3_<double>> homogeneous;
-    return evaluate(t, homogeneous);
+    std::vector<dxfeditor::HomogeneousPoint> scratch;
+    return evaluate(t, scratch);
 }
 
-/// @param homogeneous  scratch space, kept by the caller from one evaluation to the next
+/// @param scratch  kept by the caller from one evaluation to the next
 cv::Point_<double> DXFSpline::evaluate(double t,
-                                       std::vector<cv::Point3_<double>>& homogeneous) const {
+                                       std::vector<dxfeditor::HomogeneousPoint>& scratch) const {
     const std::size_t degree = m_degree;
     t = notBelowKnots(t);
     const std::size_t span = findSpan(t);
 
-    homogeneous.resize(degree + 1);
+    scratch.resize(degree + 1);
     for (std::size_t j = 0; j <= degree; ++j) {
         const DXFControlPoint& control = m_controlPoints[span - degree + j];
-        homogeneous[j] = {control.x * control.w, control.y * control.w, control.w};
+        scratch[j] = {control.x * control.w, control.y * control.w, control.w};
     }
     for (std::size_t r = 1; r <= degree; ++r) {
         for (std::size_t j = degree; j >= r; --j) {
@@ -106,18 +113,18 @@ cv::Point_<double> DXFSpline::evaluate(double t,
             const double high = m_knots[j + 1 + span - r];
             const double interval = high - low;
             const double alpha = std::fabs(interval) >= vanishing ? (t - low) / interval : 0.0;
-            const cv::Point3_<double>& before = homogeneous[j - 1];
-            cv::Point3_<double>& point = homogeneous[j];
+            const dxfeditor::HomogeneousPoint& before = scratch[j - 1];
+            dxfeditor::HomogeneousPoint& point = scratch[j];
             point.x = (1.0 - alpha) * before.x + alpha * point.x;
             point.y = (1.0 - alpha) * before.y + alpha * point.y;
-            point.z = (1.0 - alpha) * before.z + alpha * point.z;
+            point.w = (1.0 - alpha) * before.w + alpha * point.w;
         }
     }
-    const cv::Point3_<double>& result = homogeneous[degree];
-    if (std::fabs(result.z) < vanishing) {
+    const dxfeditor::HomogeneousPoint& result = scratch[degree];
+    if (std::fabs(result.w) < vanishing) {
         return {0.0, 0.0};
     }
-    const double inverseWeight = 1.0 / result.z;
+    const double inverseWeight = 1.0 / result.w;
     return {result.x * inverseWeight, result.y * inverseWeight};
 }
 
@@ -128,7 +135,7 @@ int DXFSpline::sampleSteps(double step) const {
         const double dy = m_controlPoints[i].y - m_controlPoints[i - 1].y;
         length += std::sqrt(dx * dx + dy * dy);
     }
-    return std::max(dxfeditor::truncatedCount(length / step), minimumSampleSteps);
+    return std::max(dxfeditor::truncatedCount(length / step), dxfeditor::minimumSplineSteps);
 }
 
 std::size_t DXFSpline::sampleCount(double step) const {

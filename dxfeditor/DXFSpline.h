@@ -7,8 +7,9 @@
 #include <vector>
 
 namespace dxfeditor {
+struct HomogeneousPoint;
 class SplineSamples;
-}
+} // namespace dxfeditor
 
 /// A weighted control point, in drawing units.
 struct DXFControlPoint {
@@ -82,7 +83,7 @@ private:
     DXFEDITOR_HIDDEN double notBelowKnots(double t) const;
     DXFEDITOR_HIDDEN std::size_t findSpan(double t) const;
     DXFEDITOR_HIDDEN cv::Point_<double>
-    evaluate(double t, std::vector<cv::Point3_<double>>& homogeneous) const;
+    evaluate(double t, std::vector<dxfeditor::HomogeneousPoint>& scratch) const;
 
     unsigned m_degree;
     int m_flags;
