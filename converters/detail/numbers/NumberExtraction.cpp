@@ -1,3 +1,7 @@
+// A number is taken before it is converted, as streams do it: all characters that can belong to it,
+// whatever comes of them. Then the first of the ways below that is proven to round right converts
+// it; PlyAsciiBody.cpp lists them all, from a line at once to the C library.
+
 #include "converters/detail/numbers/NumberExtraction.h"
 
 #include "base/Blank.h"

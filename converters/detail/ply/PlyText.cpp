@@ -1,3 +1,10 @@
+// Two loops. Lines of plain floats, the usual cloud, are written value behind value into a block
+// that goes out when it is full. All other lines are built one by one, element by element: counts
+// go out before the line that they belong to, colours are several numbers, values may lie outside
+// the bytes.
+//
+// Not done: one loop that asks all this of every value.
+
 #include "converters/detail/ply/PlyText.h"
 
 #include "converters/detail/numbers/FloatFormat.h"
