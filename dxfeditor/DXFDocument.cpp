@@ -5,10 +5,10 @@
 #include "dxfeditor/DXFLayer.h"
 #include "dxfeditor/DXFLineType.h"
 #include "dxfeditor/DXFReader.h"
+#include "dxfeditor/WalkNumbers.h"
 #include "dxfeditor/detail/model/EntityList.h"
 #include "dxfeditor/detail/walking/Output.h"
 #include "dxfeditor/detail/walking/Sampling.h"
-#include "dxfeditor/detail/walking/WalkNumbers.h"
 
 #include <utility>
 
@@ -100,12 +100,12 @@ std::vector<cv::Point3_<double>> DXFDocument::getPoints(std::vector<DXFContour>&
 }
 
 std::vector<cv::Point3_<double>> DXFDocument::walk(std::vector<DXFContour>* contours) const {
-    auto [runs, ends, lines] = dxfeditor::runsOf(m_entities->slots());
-    std::vector<cv::Point3_<double>> points = dxfeditor::roomFor(runs);
+    dxfeditor::Runs drawing = dxfeditor::runsOf(m_entities->slots());
+    std::vector<cv::Point3_<double>> points = dxfeditor::roomFor(drawing.runs);
+    const auto hasOnePoint = [&](base::RunNumber run) { return drawing.runs[run].size() == 1; };
     // A statement of its own: at its end the ends are freed, before the points are written.
-    const base::Walk order = base::stitch(
-        std::move(ends), [&runs = runs](base::RunNumber run) { return runs[run].size() == 1; },
-        base::JoinDistance(dxfeditor::joinDistance));
-    dxfeditor::append(order, runs, points, contours);
+    const base::Walk order = base::stitch(std::move(drawing.ends), hasOnePoint,
+                                          base::JoinDistance(dxfeditor::joinDistance));
+    dxfeditor::append(order, drawing.runs, points, contours);
     return points;
 }

@@ -25,7 +25,7 @@ class EntityList;
 /// thread uses it.
 class DXFEDITOR_EXPORT DXFDocument {
 public:
-    /// Reads a DXF file through DXFReader; setup() is left to the caller.
+    /// Reads a DXF file, up to its first NUL, through DXFReader; setup() is left to the caller.
     ///
     /// @return the drawing, or an empty pointer when the file cannot be opened or read
     /// @throws std::bad_alloc when the drawing does not fit into memory

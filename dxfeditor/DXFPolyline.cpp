@@ -17,7 +17,7 @@ void DXFPolyline::setup() {
     }
 }
 
-DXFPolyline* DXFPolyline::clone() const {
+DXFEntity* DXFPolyline::clone() const {
     return new DXFPolyline(*this);
 }
 

@@ -60,7 +60,7 @@ public:
     /// chord. A closed polyline of three or more vertices gets one more segment, which runs from
     /// the first vertex to the last and not back: point extraction walks it in that direction.
     void setup() override;
-    DXFPolyline* clone() const override;
+    DXFEntity* clone() const override;
 
     /// The vertices, in drawing order; valid while the polyline lives and is not changed.
     const std::vector<DXFVertex>& vertices() const { return m_vertices; }

@@ -40,7 +40,7 @@ public:
     DXFReader(const DXFReader&) = delete;
     DXFReader& operator=(const DXFReader&) = delete;
 
-    /// Reads a DXF file.
+    /// Reads a DXF file, like its bytes up to the first NUL.
     /// @return false when the file cannot be opened or read (a directory, for example)
     /// @throws std::bad_alloc when the file or the drawing does not fit into memory; the document
     ///         keeps what was read so far

@@ -1,4 +1,5 @@
 #include "dxfeditor/DXFPolyline.h"
+#include "tests/support/CloneOf.h"
 
 #include <gtest/gtest.h>
 
@@ -285,7 +286,7 @@ TEST(PolylineClone, HasVerticesAndSegmentsOfItsOwn) {
     polyline.appendPoint(vertex(0, 0, 1, 2));
     polyline.appendPoint(vertex(1, 0));
     polyline.setup();
-    const std::unique_ptr<DXFPolyline> clone(polyline.clone());
+    const std::unique_ptr<DXFPolyline> clone = cloneOf(polyline);
     EXPECT_EQ(clone->segments(), polyline.segments());
     EXPECT_EQ(clone->mVertices(), 7U);
     EXPECT_EQ(clone->nVertices(), 8U);
@@ -301,9 +302,9 @@ TEST(PolylineClone, TakesOverWhetherSetupIsPending) {
     DXFPolyline polyline(0, 0, 0);
     polyline.appendPoint(vertex(0, 0));
     polyline.appendPoint(vertex(1, 0));
-    const std::unique_ptr<DXFPolyline> pending(polyline.clone());
+    const std::unique_ptr<DXFPolyline> pending = cloneOf(polyline);
     polyline.setup();
-    const std::unique_ptr<DXFPolyline> done(polyline.clone());
+    const std::unique_ptr<DXFPolyline> done = cloneOf(polyline);
     pending->appendPoint(vertex(2, 0));
     done->appendPoint(vertex(2, 0));
     pending->setup();

@@ -695,6 +695,14 @@ TEST_F(DxfFile, IsReadLikeItsBytes) {
     EXPECT_EQ(entitiesOf(*document), read(text));
 }
 
+TEST_F(DxfFile, IsReadUpToItsFirstNul) {
+    std::string text = dxf({"0", "LINE", "0", "CIRCLE", "8", "walls", "0", "ARC", "0", "EOF"});
+    text[text.find("walls") + 2] = '\0';
+    DXFDocument document;
+    EXPECT_TRUE(DXFReader(document).load(write(text)));
+    EXPECT_THAT(entitiesOf(document), ElementsAre("line 0 0 0 0 0 0" + defaults));
+}
+
 TEST_F(DxfFile, LoadLeavesSetupToTheCaller) {
     const auto document =
         DXFDocument::load(write(dxf({"0", "LWPOLYLINE", "10", "1", "10", "2", "0", "EOF"})));
