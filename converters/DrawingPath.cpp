@@ -6,16 +6,17 @@
 #include "converters/detail/drawing/PathWriter.h"
 #include "converters/detail/drawing/Progress.h"
 #include "converters/detail/drawing/Refusal.h"
+#include "converters/detail/drawing/Reordering.h"
 #include "converters/detail/drawing/dxf/BlockGraph.h"
 #include "converters/detail/drawing/dxf/DrawingParser.h"
 #include "converters/detail/drawing/dxf/Expansion.h"
 #include "converters/detail/drawing/dxf/LayerTable.h"
 #include "converters/detail/drawing/dxf/LeftOutTable.h"
 #include "converters/detail/drawing/dxf/Text.h"
+#include "converters/detail/drawing/geometry/Vector.h"
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <string_view>
 #include <utility>
 
@@ -45,11 +46,6 @@ std::vector<LeftOut> listOf(const LeftOutTable& table, const Drawing& drawing,
                         layers[entry.layer].name, entry.number, entry.reason});
     }
     return list;
-}
-
-double distance(const cv::Point3_<double>& a, const cv::Point3_<double>& b) {
-    const cv::Point3_<double> way = b - a;
-    return std::sqrt(way.dot(way));
 }
 
 /// Adds up what is told of the contours as a whole.
@@ -93,6 +89,8 @@ DrawingPath readPath(std::string_view file, const PathOptions& options) {
         joinToChains(drawing, expansion, layers, settings.joinDistance, leftOut, progress);
     progress.beginStage(endOfJoining, 1);
     writeContours({drawing, expansion, layers, links}, settings, path, progress);
+
+    // reorder(path, options.order);
 
     path.drawingUnit = settings.drawingUnit;
     path.unit = settings.unit;

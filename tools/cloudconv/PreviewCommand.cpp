@@ -64,7 +64,7 @@ void addPreviewCommand(CLI::App& app, Command& chosen) {
         ->type_name("WIDTHxHEIGHT")
         ->default_str("1000x700");
     addDistanceOption(command, options->distance);
-    addFormatOption(command, "--from", options->from, "format of FILE: ply or dxf");
+    addInputFormatOption(command, options->from);
     CLI::CheckedTransformer known(pictureFormatNames(), CLI::ignore_case);
     known.description("");
     command.add_option("--to", options->to, "format of PICTURE: png, svg or pdf")

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <optional>
+#include <utility>
 
 namespace converters::drawing {
 
@@ -153,6 +154,30 @@ std::optional<ChainBuilder::Joined> ChainBuilder::extend(EndNumber& tip) {
     return Joined{run, reversed};
 }
 
+/// Chains, and dots that are chains by themselves, in one order.
+/// @param seeds   the first entity of each chain in the order of the drawing, ascending
+/// @param dots    ascending
+std::vector<ChainLink> merged(const std::vector<ChainLink>& links,
+                              const std::vector<std::uint32_t>& seeds,
+                              const std::vector<std::uint32_t>& dots) {
+    std::vector<ChainLink> result;
+    base::reserveLarge(result, links.size() + dots.size());
+    auto dot = dots.begin();
+    auto link = links.begin();
+    for (const std::uint32_t seed : seeds) {
+        for (; dot != dots.end() && *dot < seed; ++dot) {
+            result.push_back({*dot, false, true, false});
+        }
+        do {
+            result.push_back(*link);
+        } while (!(link++)->endsChain);
+    }
+    for (; dot != dots.end(); ++dot) {
+        result.push_back({*dot, false, true, false});
+    }
+    return result;
+}
+
 /// Sorts drawn entities by their roles, and joins them.
 class Joiner {
 public:
@@ -164,6 +189,7 @@ public:
 
 private:
     void add(std::uint32_t index, const Entity& entity, const EntityCurves::Extent& extent);
+    Runs allRuns();
 
     Drawing& m_drawing;
     Expansion& m_expansion;
@@ -185,7 +211,7 @@ void Joiner::sortByRole(const LayerTable& layers, LeftOutTable& leftOut, const P
         const Placement& placement = m_expansion.placements[drawn[i].placement];
         const EntityCurves::Extent extent = EntityCurves(m_drawing, entity, placement.map).extent();
         if (!extent.isFinite) {
-            leftOut.add(kinds[entity.kind], layerOf(entity, placement, layers),
+            leftOut.add(kinds[entity.kind], layerOf(entity.layer, placement, layers),
                         LeftOutReason::broken);
         } else {
             drawn[kept] = drawn[i];
@@ -208,19 +234,29 @@ void Joiner::add(std::uint32_t index, const Entity& entity, const EntityCurves::
     }
 }
 
-std::vector<ChainLink> Joiner::join() && {
+/// The dots, then the others.
+Runs Joiner::allRuns() {
+    if (m_dots.drawn.empty()) {
+        return std::move(m_open);
+    }
     Runs runs = std::move(m_dots);
-    const std::size_t dots = runs.drawn.size();
     runs.ends.insert(runs.ends.end(), m_open.ends.begin(), m_open.ends.end());
     runs.drawn.insert(runs.drawn.end(), m_open.drawn.begin(), m_open.drawn.end());
     runs.lengths.insert(runs.lengths.end(), m_open.lengths.begin(), m_open.lengths.end());
     m_open = {};
+    return runs;
+}
+
+std::vector<ChainLink> Joiner::join() && {
+    const std::size_t dots = m_dots.drawn.size();
+    const Runs runs = allRuns();
     ChainBuilder builder(runs, dots, m_joinDistance);
-    // Chains of more than a dot first; then each dot that is in none of them.
     std::vector<ChainLink> links;
     base::reserveLarge(links, m_roles.size());
+    std::vector<std::uint32_t> seeds;
     auto open = static_cast<RunNumber>(dots);
     for (std::uint32_t i = 0; i < m_roles.size(); ++i) {
+        const std::size_t before = links.size();
         if (m_roles[i] == Role::open) {
             if (!builder.isJoined(open)) {
                 builder.append(open, links);
@@ -229,13 +265,18 @@ std::vector<ChainLink> Joiner::join() && {
         } else if (m_roles[i] != Role::dot) {
             links.push_back({i, false, true, m_roles[i] == Role::closed});
         }
-    }
-    for (RunNumber dot = 0; dot < dots; ++dot) {
-        if (!builder.isJoined(dot)) {
-            links.push_back({runs.drawn[dot], false, true, false});
+        if (dots > 0 && links.size() != before) {
+            seeds.push_back(i);
         }
     }
-    return links;
+    // What is nothing but a dot and in no chain is one by itself.
+    std::vector<std::uint32_t> lonely;
+    for (RunNumber dot = 0; dot < dots; ++dot) {
+        if (!builder.isJoined(dot)) {
+            lonely.push_back(runs.drawn[dot]);
+        }
+    }
+    return lonely.empty() ? links : merged(links, seeds, lonely);
 }
 
 } // namespace

@@ -183,7 +183,7 @@ void Writer::begin(const Point& start) {
 }
 
 void Writer::entity(const Entity& entity, const Placement& placement) {
-    const std::uint32_t layer = layerOf(entity, placement, m_layers);
+    const std::uint32_t layer = layerOf(entity.layer, placement, m_layers);
     if (m_contour.firstEntity == m_path.entities.size()) {
         const Colour colour = colourOf(entity, placement, m_layers);
         m_contour.layer = layer;

@@ -76,15 +76,19 @@ void DxfTextWriter::dxfString(int gc, const std::string& value) const {
     append(gc, value.data(), value.size());
 }
 
+void appendPoint(const std::string& head, const cv::Point3_<double>& point, std::string& text) {
+    char coordinates[3 * (4 + longestReal + 1)];
+    char* end = writeCoordinate(" 10\n", point.x, coordinates);
+    end = writeCoordinate(" 20\n", point.y, end);
+    end = writeCoordinate(" 30\n", point.z, end);
+    text += head;
+    text.append(coordinates, static_cast<std::size_t>(end - coordinates));
+}
+
 void DxfTextWriter::writePoints(const std::string& head,
                                 const std::vector<cv::Point3_<double>>& points) const {
-    char coordinates[3 * (4 + longestReal + 1)];
     for (const cv::Point3_<double>& point : points) {
-        char* end = writeCoordinate(" 10\n", point.x, coordinates);
-        end = writeCoordinate(" 20\n", point.y, end);
-        end = writeCoordinate(" 30\n", point.z, end);
-        m_text += head;
-        m_text.append(coordinates, static_cast<std::size_t>(end - coordinates));
+        appendPoint(head, point, m_text);
         groupWritten();
     }
 }

@@ -8,6 +8,10 @@
 
 namespace dxfeditor {
 
+/// Appends the object of a point: `head`, which holds the groups before the coordinates, then the
+/// coordinates.
+void appendPoint(const std::string& head, const cv::Point3_<double>& point, std::string& text);
+
 /// dxflib's writer with a text of its own in place of the file: the same bytes for every group,
 /// but safe for every real, independent of locales and without a flush after each number.
 class DxfTextWriter : public DL_WriterA {
@@ -27,8 +31,7 @@ public:
     void dxfString(int gc, const char* value) const override;
     void dxfString(int gc, const std::string& value) const override;
 
-    /// One object per point: `head`, which holds the groups before the coordinates, then the
-    /// coordinates.
+    /// One object per point, as appendPoint() makes it.
     void writePoints(const std::string& head, const std::vector<cv::Point3_<double>>& points) const;
 
 protected:

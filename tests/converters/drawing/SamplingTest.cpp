@@ -5,7 +5,7 @@
 #include "converters/detail/drawing/geometry/EllipticArcs.h"
 #include "converters/detail/drawing/sampling/SplineChord.h"
 #include "converters/detail/drawing/sampling/SplineCorners.h"
-#include "tests/support/RandomCurves.h"
+#include "tests/converters/drawing/support/RandomCurves.h"
 
 #include <gtest/gtest.h>
 

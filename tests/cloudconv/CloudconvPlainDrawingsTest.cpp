@@ -33,7 +33,7 @@ std::vector<std::vector<double>> verticesOf(const std::string& file) {
     }
 }
 
-class CloudconvDrawing : public Cloudconv {
+class CloudconvPlainDrawing : public CloudconvPlain {
 protected:
     fs::path drawingFile(const std::string& bytes) const {
         writeFile(in("in.dxf"), bytes);
@@ -45,7 +45,7 @@ protected:
     }
 };
 
-TEST_F(CloudconvDrawing, BecomesAWalkWhoseIntensityCountsTheRuns) {
+TEST_F(CloudconvPlainDrawing, BecomesAWalkWhoseIntensityCountsTheRuns) {
     const fs::path from =
         drawingFile(drawing(line(5, 0, 5.2, 0) + line(0, 0, 0.2, 0) + line(0.2, 0.2, 0.2, 0)));
     const ProgramResult result = run({from, in("out.ply"), "--ascii"});
@@ -60,7 +60,7 @@ TEST_F(CloudconvDrawing, BecomesAWalkWhoseIntensityCountsTheRuns) {
     EXPECT_EQ(verticesOf(written), expected);
 }
 
-TEST_F(CloudconvDrawing, TakesOneIntensityForAllPoints) {
+TEST_F(CloudconvPlainDrawing, TakesOneIntensityForAllPoints) {
     const fs::path from = drawingFile(drawing(line(0, 0, 0.1, 0) + line(1, 0, 1.1, 0)));
     EXPECT_EQ(run({"convert", from, in("out.ply"), "--ascii", "--intensity", "-2.5"}).status, 0);
     for (const std::vector<double>& vertex : verticesOf(readFile(in("out.ply")))) {
@@ -73,7 +73,7 @@ TEST_F(CloudconvDrawing, TakesOneIntensityForAllPoints) {
     }
 }
 
-TEST_F(CloudconvDrawing, IsKnownByItsExtensionInAnyCaseOrByTheOption) {
+TEST_F(CloudconvPlainDrawing, IsKnownByItsExtensionInAnyCaseOrByTheOption) {
     const std::string bytes = drawing(line(0, 0, 1, 0));
     for (const char* name : {"a.dxf", "a.DXF", "a.b.Dxf"}) {
         writeFile(in(name), bytes);
@@ -85,7 +85,7 @@ TEST_F(CloudconvDrawing, IsKnownByItsExtensionInAnyCaseOrByTheOption) {
     }
 }
 
-TEST_F(CloudconvDrawing, IsNeitherReadNorWrittenUnderAnExtensionThatSaysSomethingElse) {
+TEST_F(CloudconvPlainDrawing, IsNeitherReadNorWrittenUnderAnExtensionThatSaysSomethingElse) {
     const std::string bytes = drawing(line(0, 0, 1, 0));
     for (const char* name : {"a", "adxf", "a.dxf.bak", "a.pcd", "a.plyx"}) {
         writeFile(in("in.dxf"), bytes);
@@ -93,8 +93,8 @@ TEST_F(CloudconvDrawing, IsNeitherReadNorWrittenUnderAnExtensionThatSaysSomethin
         ProgramResult result = run({in("in.dxf"), in(name)});
         EXPECT_EQ(result.status, 2) << name;
         EXPECT_EQ(result.errors, "cloudconv: " + quoted +
-                                     " ends neither in .ply nor in .dxf: add --to ply or --to "
-                                     "dxf\n");
+                                     " ends in none of .ply, .dxf, .csv and .xyz: add --to "
+                                     "with one of them\n");
         EXPECT_THAT(names(), ::testing::ElementsAre("in.dxf"));
         for (const std::vector<std::string>& command :
              {std::vector<std::string>{"convert", in(name), in("out.ply")},
@@ -109,7 +109,7 @@ TEST_F(CloudconvDrawing, IsNeitherReadNorWrittenUnderAnExtensionThatSaysSomethin
     }
 }
 
-TEST_F(CloudconvDrawing, OfAScanHasOnePointForEachThatHasAPlace) {
+TEST_F(CloudconvPlainDrawing, OfAScanHasOnePointForEachThatHasAPlace) {
     const fs::path from = input("ply\nformat ascii 1.0\nelement vertex 3\nproperty float x\n"
                                 "property float y\nproperty float z\nproperty float intensity\n"
                                 "end_header\n1 2 3 4\nnan nan nan 0\n5.5 6 -7 8\n");
@@ -123,7 +123,7 @@ TEST_F(CloudconvDrawing, OfAScanHasOnePointForEachThatHasAPlace) {
     EXPECT_EQ(readFile(in("out.dxf")), std::string(expected.begin(), expected.end()));
 }
 
-TEST_F(CloudconvDrawing, OfADrawingHasThePointsOfItsWalkInFull) {
+TEST_F(CloudconvPlainDrawing, OfADrawingHasThePointsOfItsWalkInFull) {
     const std::string bytes = drawing(line(1.0 / 3, 0, 1, 1) + pointAt(1, 2, 3));
     const fs::path from = drawingFile(bytes);
     EXPECT_EQ(run({from, in("out.dxf")}).errors, note("2 entities in 2 runs, 14 points"));
@@ -134,7 +134,7 @@ TEST_F(CloudconvDrawing, OfADrawingHasThePointsOfItsWalkInFull) {
     EXPECT_EQ(readFile(in("out.dxf")), std::string(expected.begin(), expected.end()));
 }
 
-TEST_F(CloudconvDrawing, WithoutEntitiesGivesFilesWithoutPointsAndSaysSo) {
+TEST_F(CloudconvPlainDrawing, WithoutEntitiesGivesFilesWithoutPointsAndSaysSo) {
     const fs::path from = drawingFile(drawing({}));
     const ProgramResult result = run({from, in("out.ply")});
     EXPECT_EQ(result.status, 0);
@@ -147,7 +147,7 @@ TEST_F(CloudconvDrawing, WithoutEntitiesGivesFilesWithoutPointsAndSaysSo) {
     EXPECT_EQ(readFile(in("again.ply")), readFile(in("out.ply")));
 }
 
-TEST_F(CloudconvDrawing, ShippedOneIsFourRunsOfKnownSize) {
+TEST_F(CloudconvPlainDrawing, ShippedOneIsFourRunsOfKnownSize) {
     const fs::path examples = fs::path(CONVERTERS_TEST_DIR) / "../examples";
     const std::string plate = examples / "plate.dxf";
     EXPECT_EQ(run({plate, in("plate.ply")}).errors,
@@ -157,7 +157,7 @@ TEST_F(CloudconvDrawing, ShippedOneIsFourRunsOfKnownSize) {
               "cloudconv: " + withGap + ": note: 12 entities in 4 runs, 682 points\n");
 }
 
-TEST_F(CloudconvDrawing, InMapCoordinatesIsToldToLosePlaces) {
+TEST_F(CloudconvPlainDrawing, InMapCoordinatesIsToldToLosePlaces) {
     const fs::path from =
         drawingFile(drawing(line(4500000.25, 0, 4500000.25, 1) + line(0, 0, 1, 0)));
     const ProgramResult result = run({from, in("out.ply")});
@@ -166,7 +166,7 @@ TEST_F(CloudconvDrawing, InMapCoordinatesIsToldToLosePlaces) {
                                               "by up to 0.25 drawing units")));
 }
 
-TEST_F(CloudconvDrawing, ThatIsCutShortOrHasAZeroByteIsConvertedWithANote) {
+TEST_F(CloudconvPlainDrawing, ThatIsCutShortOrHasAZeroByteIsConvertedWithANote) {
     std::string bytes = drawing(line(0, 0, 1, 0) + line(2, 0, 3, 0));
     bytes.resize(bytes.size() - std::string("  0\nEOF\n").size());
     ProgramResult result = run({drawingFile(bytes), in("out.ply")});
@@ -181,14 +181,14 @@ TEST_F(CloudconvDrawing, ThatIsCutShortOrHasAZeroByteIsConvertedWithANote) {
                                               std::to_string(size) + ", 5 bytes are left out")));
 }
 
-TEST_F(CloudconvDrawing, SaysNothingWhenQuiet) {
+TEST_F(CloudconvPlainDrawing, SaysNothingWhenQuiet) {
     const ProgramResult result =
         run({drawingFile(drawing(line(0, 0, 1, 0))), in("out.ply"), "--quiet"});
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.output + result.errors, "");
 }
 
-class CloudconvNoDrawing : public CloudconvDrawing {
+class CloudconvPlainNoDrawing : public CloudconvPlainDrawing {
 protected:
     void expectRefusal(const std::string& bytes, const std::string& reason) {
         const fs::path from = drawingFile(bytes);
@@ -197,7 +197,7 @@ protected:
     }
 };
 
-TEST_F(CloudconvNoDrawing, IsAFileOfAnotherKindThatItsFirstBytesTell) {
+TEST_F(CloudconvPlainNoDrawing, IsAFileOfAnotherKindThatItsFirstBytesTell) {
     using namespace std::string_literals;
     expectRefusal("", ": the file is empty");
     expectRefusal("AutoCAD Binary DXF\r\n\x1A\0\0SECTION\0"s,
@@ -209,7 +209,7 @@ TEST_F(CloudconvNoDrawing, IsAFileOfAnotherKindThatItsFirstBytesTell) {
     expectRefusal("\xFE\xFF\0\x20\0\x30\0\n"s, ": it is a text in UTF-16; save it in UTF-8");
 }
 
-TEST_F(CloudconvNoDrawing, IsGarbage) {
+TEST_F(CloudconvPlainNoDrawing, IsGarbage) {
     using namespace std::string_literals;
     expectRefusal("\x7F"
                   "ELF\x02\x01\x01\0\0\0"s,
@@ -230,7 +230,7 @@ TEST_F(CloudconvNoDrawing, IsGarbage) {
     expectRefusal(noise, "");
 }
 
-TEST_F(CloudconvNoDrawing, IsNotATextThatBeginsLikeOne) {
+TEST_F(CloudconvPlainNoDrawing, IsNotATextThatBeginsLikeOne) {
     for (const std::string& bytes :
          {std::string("0\nEOF\n"), std::string("  0\r\nSECTION\r\n"),
           std::string("999\ncomment\n999\n\n0\nSECTION\n"), std::string("\xEF\xBB\xBF  0\nEOF\n"),
@@ -244,7 +244,7 @@ TEST_F(CloudconvNoDrawing, IsNotATextThatBeginsLikeOne) {
     EXPECT_EQ(result.errors, note("1 entity in 1 run, 11 points"));
 }
 
-class CloudconvStreams : public CloudconvDrawing {
+class CloudconvPlainStreams : public CloudconvPlainDrawing {
 protected:
     static std::function<void()> standardInput(const fs::path& path) {
         return [path] {
@@ -255,7 +255,7 @@ protected:
     }
 };
 
-TEST_F(CloudconvStreams, AreReadAndWritten) {
+TEST_F(CloudconvPlainStreams, AreReadAndWritten) {
     const fs::path from = drawingFile(drawing(line(0, 0, 1, 0)));
     ASSERT_EQ(run({from, in("out.ply")}).status, 0);
     const ProgramResult result =
@@ -267,7 +267,7 @@ TEST_F(CloudconvStreams, AreReadAndWritten) {
     EXPECT_EQ(readFile(in("again.ply")), result.output);
 }
 
-TEST_F(CloudconvStreams, GetNothingWhenTheConversionFails) {
+TEST_F(CloudconvPlainStreams, GetNothingWhenTheConversionFails) {
     const ProgramResult result =
         run({"-", "-", "--from=dxf", "--to=ply"}, standardInput(drawingFile("garbage")));
     EXPECT_EQ(result.status, 1);
@@ -275,7 +275,7 @@ TEST_F(CloudconvStreams, GetNothingWhenTheConversionFails) {
     EXPECT_EQ(result.errors, "cloudconv: standard input: not a DXF text\n");
 }
 
-TEST_F(CloudconvStreams, ThatAreFullOrClosedAreNamed) {
+TEST_F(CloudconvPlainStreams, ThatAreFullOrClosedAreNamed) {
     const fs::path from = drawingFile(drawing(line(0, 0, 1, 0)));
     const std::vector<std::string> arguments = {from, "-", "--to=ply", "--quiet"};
     const auto full = [] { static_cast<void>(std::freopen("/dev/full", "wb", stdout)); };
@@ -290,19 +290,20 @@ TEST_F(CloudconvStreams, ThatAreFullOrClosedAreNamed) {
     EXPECT_EQ(result.errors, "cloudconv: standard input: Bad file descriptor\n");
 }
 
-TEST_F(CloudconvStreams, NeedAFormat) {
+TEST_F(CloudconvPlainStreams, NeedAFormat) {
     const fs::path from = drawingFile(drawing(line(0, 0, 1, 0)));
     ProgramResult result = run({from, "-"});
     EXPECT_EQ(result.status, 2);
     EXPECT_EQ(result.errors,
-              "cloudconv: \"-\" ends neither in .ply nor in .dxf: add --to ply or --to dxf\n");
+              "cloudconv: \"-\" ends in none of .ply, .dxf, .csv and .xyz: add --to with one of "
+              "them\n");
     result = run({"-", in("out.ply")});
     EXPECT_EQ(result.status, 2);
     EXPECT_EQ(result.errors,
               "cloudconv: \"-\" ends neither in .ply nor in .dxf: add --from ply or --from dxf\n");
 }
 
-TEST_F(CloudconvDrawing, OptionsOfTheOtherFormatAreWrongUsage) {
+TEST_F(CloudconvPlainDrawing, OptionsOfTheOtherFormatAreWrongUsage) {
     const fs::path from = drawingFile(drawing(line(0, 0, 1, 0)));
     const std::vector<std::vector<std::string>> wrong = {
         {from, in("out.dxf"), "--ascii"},
@@ -319,10 +320,10 @@ TEST_F(CloudconvDrawing, OptionsOfTheOtherFormatAreWrongUsage) {
     }
 }
 
-TEST_F(CloudconvDrawing, HelpOfTheCommandShowsAnExample) {
+TEST_F(CloudconvPlainDrawing, HelpOfTheCommandShowsAnExample) {
     const ProgramResult result = run({"convert", "--help"});
     EXPECT_EQ(result.status, 0);
-    EXPECT_THAT(result.output, HasSubstr("cloudconv convert drawing.dxf walk.ply"));
+    EXPECT_THAT(result.output, HasSubstr("cloudconv convert drawing.dxf path.ply"));
 }
 
 } // namespace

@@ -1,4 +1,4 @@
-#include "tests/support/RandomCurves.h"
+#include "tests/converters/drawing/support/RandomCurves.h"
 
 #include "converters/detail/drawing/geometry/Angle.h"
 
