@@ -122,7 +122,8 @@ Shape shapeOf(const DXFPolyline& polyline) {
                    0.0,
                    inOneDirection(corners),
                    faultOf(polyline),
-                   polyline.segmentCount() == 0 ? FindingKind::withoutExtent : FindingKind::tooShort};
+                   polyline.segmentCount() == 0 ? FindingKind::withoutExtent
+                                                : FindingKind::tooShort};
     shape.numbers.push_back(polyline.isClosed() ? 1.0 : 0.0);
     if (!corners.empty()) {
         std::tie(shape.x, shape.y) = corners.front();
