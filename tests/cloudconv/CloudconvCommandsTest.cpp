@@ -1,4 +1,4 @@
-// cloudconv info, and what all commands have in common.
+// cloudconv info by the fixed rules, and what all commands have in common.
 
 #include "tests/support/CloudconvFixture.h"
 #include "tests/support/SimpleDrawing.h"
@@ -22,18 +22,18 @@ protected:
     }
 
     static Json infoOf(const fs::path& file) {
-        const ProgramResult result = run({"info", file, "--json"});
+        const ProgramResult result = run({"info", file, "--json", "--plain"});
         EXPECT_EQ(result.status, 0);
         EXPECT_EQ(result.errors, "");
         return Json::parse(result.output);
     }
 };
 
-using CloudconvInfo = CloudconvFiles;
+using CloudconvInfoPlain = CloudconvFiles;
 
 const fs::path examples = fs::path(CONVERTERS_TEST_DIR) / "../examples";
 
-TEST_F(CloudconvInfo, DescribesTheShippedScan) {
+TEST_F(CloudconvInfoPlain, DescribesTheShippedScan) {
     const Json info = infoOf(examples / "ripple_scan.ply");
     EXPECT_EQ(info["format"], "PLY");
     EXPECT_EQ(info["encoding"], "ascii");
@@ -47,7 +47,7 @@ TEST_F(CloudconvInfo, DescribesTheShippedScan) {
     EXPECT_EQ(info["bounds"], (Json{{"x", {-2.0, 1.9}}, {"y", {-1.5, 1.4}}, {"z", {-0.2, 0.2}}}));
     EXPECT_EQ(info["elements"][0]["count"], 1200);
     EXPECT_EQ(info["elements"][0]["fields"].size(), 4U);
-    EXPECT_THAT(run({"info", examples / "ripple_scan.ply"}).output,
+    EXPECT_THAT(run({"info", examples / "ripple_scan.ply", "--plain"}).output,
                 HasSubstr("\nintensity: 0, 255\n"
                           "elements:\n"
                           "  - name: vertex\n"
@@ -68,9 +68,10 @@ std::string keysOf(const nlohmann::ordered_json& value) {
 }
 
 /// Programs rely on them: a key may come, none may go.
-TEST_F(CloudconvInfo, HasJsonOfTheseKeys) {
+TEST_F(CloudconvInfoPlain, HasJsonOfTheseKeys) {
     const auto keys = [](const fs::path& file) {
-        return keysOf(nlohmann::ordered_json::parse(run({"info", file, "--json"}).output));
+        return keysOf(
+            nlohmann::ordered_json::parse(run({"info", file, "--json", "--plain"}).output));
     };
     const std::string elements = "elements(name count fields(name type fate))";
     EXPECT_EQ(keys(examples / "ripple_scan.ply"),
@@ -87,7 +88,7 @@ TEST_F(CloudconvInfo, HasJsonOfTheseKeys) {
               "contour_list(number kind points length first last)");
 }
 
-TEST_F(CloudconvInfo, ShowsHeadersThatMakeNoSenseAsTheyAre) {
+TEST_F(CloudconvInfoPlain, ShowsHeadersThatMakeNoSenseAsTheyAre) {
     const Json info = infoOf(input("ply\nelement vertex 99999999999999999999999\n"
                                    "element face many\nproperty float x\nend_header\n"));
     EXPECT_EQ(info["readable"], false);
@@ -96,7 +97,7 @@ TEST_F(CloudconvInfo, ShowsHeadersThatMakeNoSenseAsTheyAre) {
     EXPECT_EQ(info["elements"][1]["count"], "many");
 }
 
-TEST_F(CloudconvInfo, TellsWhatBecomesOfEachFieldAndWhyAFileIsRefused) {
+TEST_F(CloudconvInfoPlain, TellsWhatBecomesOfEachFieldAndWhyAFileIsRefused) {
     const Json info = infoOf(input("ply\nformat ascii 1.0\nelement vertex 1\nproperty float x\n"
                                    "property double y\nproperty float64 z\nproperty uchar red\n"
                                    "element face 2\nproperty list uchar int vertex_index\n"
@@ -114,7 +115,7 @@ TEST_F(CloudconvInfo, TellsWhatBecomesOfEachFieldAndWhyAFileIsRefused) {
                                                       {"fate", "refused: lists are not read"}}));
 }
 
-TEST_F(CloudconvInfo, DescribesCloudsWithoutPlacesOrPoints) {
+TEST_F(CloudconvInfoPlain, DescribesCloudsWithoutPlacesOrPoints) {
     const std::string head = "ply\nformat ascii 1.0\nelement vertex ";
     const std::string fields =
         "\nproperty float x\nproperty float y\nproperty float z\nend_header\n";
@@ -128,7 +129,7 @@ TEST_F(CloudconvInfo, DescribesCloudsWithoutPlacesOrPoints) {
     EXPECT_EQ(info["share_without_place"], 0.0);
 }
 
-TEST_F(CloudconvInfo, DescribesTheShippedDrawing) {
+TEST_F(CloudconvInfoPlain, DescribesTheShippedDrawing) {
     const Json info = infoOf(examples / "plate.dxf");
     EXPECT_EQ(info["format"], "DXF");
     EXPECT_EQ(info["version"], "AC1015");
@@ -152,7 +153,7 @@ TEST_F(CloudconvInfo, DescribesTheShippedDrawing) {
     EXPECT_EQ(infoOf(examples / "plate_with_gap.dxf")["contours"]["closed"], 1);
 }
 
-TEST_F(CloudconvInfo, CountsWhatIsPassedOverByKind) {
+TEST_F(CloudconvInfoPlain, CountsWhatIsPassedOverByKind) {
     const Json info = infoOf(
         drawingFile(dxf({"0", "SECTION", "2", "BLOCKS", "0", "BLOCK", "2", "B"}) +
                     dxf(line(0, 0, 1, 0) + line(0, 0, 1, 0)) + dxf({"0", "ENDBLK", "0", "ENDSEC"}) +
@@ -164,7 +165,7 @@ TEST_F(CloudconvInfo, CountsWhatIsPassedOverByKind) {
     EXPECT_EQ(info["points"], 21);
 }
 
-TEST_F(CloudconvInfo, HasBoundsOfPointsInBothCoordinates) {
+TEST_F(CloudconvInfoPlain, HasBoundsOfPointsInBothCoordinates) {
     const Json info =
         infoOf(drawingFile(drawing(pointAt(1, 2, 3) + pointAt(4, 5, 6) + line(0, 0, 0, 9))));
     EXPECT_EQ(info["bounds_in_drawing"],
@@ -174,12 +175,12 @@ TEST_F(CloudconvInfo, HasBoundsOfPointsInBothCoordinates) {
     EXPECT_EQ(info["contour_list"][1]["kind"], "points");
 }
 
-TEST_F(CloudconvInfo, IsReadableAsTextAndCutsLongLists) {
+TEST_F(CloudconvInfoPlain, IsReadableAsTextAndCutsLongLists) {
     Groups lines;
     for (int i = 0; i < 30; ++i) {
         lines = lines + line(i, 0, i, 5);
     }
-    const ProgramResult result = run({"info", drawingFile(drawing(lines))});
+    const ProgramResult result = run({"info", drawingFile(drawing(lines)), "--plain"});
     EXPECT_EQ(result.status, 0);
     EXPECT_THAT(result.output, HasSubstr("\nentities: LINE 30\n"));
     EXPECT_THAT(result.output, HasSubstr("\nbounds in cloud: x (0, 29), y (0, 0), z (0, 5)\n"));
@@ -188,19 +189,19 @@ TEST_F(CloudconvInfo, IsReadableAsTextAndCutsLongLists) {
                                          "  - and 10 more, all with --json\n"));
 }
 
-TEST_F(CloudconvInfo, SurvivesNamesThatAreNotUtf8) {
+TEST_F(CloudconvInfoPlain, SurvivesNamesThatAreNotUtf8) {
     const fs::path file = drawingFile(
         drawing({"0", "LINE", "8", "gr\xFCn\x1B", "10", "0", "20", "0", "11", "1", "21", "0"}));
     EXPECT_EQ(infoOf(file)["layers"].size(), 1U);
-    EXPECT_THAT(run({"info", file}).output, HasSubstr("gr\xFCn\\x1B"));
+    EXPECT_THAT(run({"info", file, "--plain"}).output, HasSubstr("gr\xFCn\\x1B"));
 }
 
-TEST_F(CloudconvInfo, OfWhatIsNeitherIsAFailure) {
-    ProgramResult result = run({"info", input("garbage")});
+TEST_F(CloudconvInfoPlain, OfWhatIsNeitherIsAFailure) {
+    ProgramResult result = run({"info", input("garbage"), "--plain"});
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.output, "");
     EXPECT_EQ(result.errors, "cloudconv: " + in("in.ply").string() + ": not a PLY file\n");
-    result = run({"info", drawingFile("garbage")});
+    result = run({"info", drawingFile("garbage"), "--plain"});
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.errors, "cloudconv: " + in("in.dxf").string() + ": not a DXF text\n");
     EXPECT_EQ(run({"info"}).status, 2);

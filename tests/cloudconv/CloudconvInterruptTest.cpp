@@ -227,7 +227,8 @@ protected:
         const pid_t child = start(arguments, [&] { terminal.becomeStandardError(); });
         const int writer = open(pipe.c_str(), O_WRONLY | O_CLOEXEC);
         delay(terminal);
-        const std::string scan = "ply\nelement vertex 0\nend_header\n";
+        const std::string scan = "ply\nformat ascii 1.0\nelement vertex 0\nproperty float x\n"
+                                 "property float y\nproperty float z\nend_header\n";
         EXPECT_EQ(write(writer, scan.data(), scan.size()), static_cast<ssize_t>(scan.size()));
         close(writer);
         EXPECT_EQ(statusOf(child), 0);
@@ -239,7 +240,7 @@ protected:
 TEST_F(CloudconvProgress, IsShownOnATerminalAndGoneInTheEnd) {
     const std::string shown = shownWith({}, [](const Terminal& terminal) { terminal.awaitText(); });
     const std::string clearedLine = "\r\x1B[K";
-    EXPECT_THAT(shown, HasSubstr(clearedLine + "reading " + in("pipe").string()));
+    EXPECT_THAT(shown, HasSubstr(clearedLine + "converting " + in("pipe").string()));
     // The note stands where the progress was.
     EXPECT_THAT(shown, HasSubstr(clearedLine + "cloudconv: " + in("pipe").string() + ": note: "));
 }
