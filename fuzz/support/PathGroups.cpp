@@ -99,7 +99,7 @@ const char* const fragments[] = {
 
 std::string anyValue(Choice& choice) {
     return choice.oneIn(60) ? std::string(3000, choice.oneIn(2) ? '1' : 'x')
-                            : std::string(choice.of(values));
+                            : std::string(choice.pick(values));
 }
 
 } // namespace
@@ -120,21 +120,21 @@ void mutatePathGroups(PathGroups& groups, Choice& choice) {
     switch (choice.below(7)) {
     case 0:
     case 1: {
-        const PathGroups fragment = pathGroupsOf(choice.of(fragments));
+        const PathGroups fragment = pathGroupsOf(choice.pick(fragments));
         groups.insert(place, fragment.begin(), fragment.end());
         break;
     }
     case 2:
-        groups.insert(place, {choice.of(codes), anyValue(choice)});
+        groups.insert(place, {choice.pick(codes), anyValue(choice)});
         break;
     case 3:
         if (!isAtEnd) {
-            place->first = choice.of(codes);
+            place->first = choice.pick(codes);
         }
         break;
     case 4:
         if (!isAtEnd) {
-            place->second = place->first == "0" ? choice.of(objects) : anyValue(choice);
+            place->second = place->first == "0" ? choice.pick(objects) : anyValue(choice);
         }
         break;
     case 5:

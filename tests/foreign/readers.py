@@ -23,15 +23,21 @@ def _entities_of(insert):
                 yield entity
 
 
-def _run_of(entity, distance):
-    if entity.dxftype() == "POINT":
-        return np.array([entity.dxf.location], float)
-    if entity.dxftype() == "SPLINE":
+def _runs_of(entity, distance):
+    kind = entity.dxftype()
+    if kind == "POINT":
+        return [np.array([entity.dxf.location], float)]
+    if kind == "SPLINE":
         # make_path() gives Bezier curves, which other degrees than 3 and weights are not.
-        return np.array([point.xyz for point in entity.flattening(distance, 8)], float)
+        return [np.array([point.xyz for point in entity.flattening(distance, 8)], float)]
+    if kind == "LWPOLYLINE" or kind == "POLYLINE" and entity.is_2d_polyline:
+        # make_path() has a Bezier curve for each quarter of a bulge's arc.
+        parts = list(entity.virtual_entities())
+        return [run for part in parts for run in _runs_of(part, distance)]
     # One Bezier curve for a quarter leaves a circle by 0.03 % of its radius; eight do not.
     path = ezdxf_path.make_path(entity, segments=8)
-    return np.array([point.xyz for point in path.flattening(distance)], float)
+    run = np.array([point.xyz for point in path.flattening(distance)], float)
+    return [run] if len(run) else []
 
 
 def ezdxf_runs(doc, distance):
@@ -41,9 +47,7 @@ def ezdxf_runs(doc, distance):
         drawn = _entities_of(entity) if entity.dxftype() == "INSERT" else [entity]
         for single in drawn:
             if single.dxftype() in KINDS or single.dxftype() == "POINT":
-                run = _run_of(single, distance)
-                if len(run):
-                    runs[int(entity.dxf.handle, 16)].append(run)
+                runs[int(entity.dxf.handle, 16)] += _runs_of(single, distance)
     return runs
 
 
