@@ -9,9 +9,13 @@
 #include <cmath>
 #include <cstring>
 #include <limits>
+#include <type_traits>
 
 namespace converters::scan {
 namespace {
+
+/// Longer ones are left to takeAnyRecord().
+constexpr std::ptrdiff_t longestNumber = 1024;
 
 /// What a person may have meant by a token that is no number.
 std::string hintAt(std::string_view token) {
@@ -44,6 +48,18 @@ std::int64_t mostUsualItems(ScalarType countType) {
         return sizeof(Number) == 1 ? static_cast<std::int64_t>(std::numeric_limits<Number>::max())
                                    : 32767;
     });
+}
+
+/// Takes a floating number that is not a usual one and ends before a blank; null when it does not.
+template <typename Number>
+const char* takeOther(const char* c, const char* end, Number& number) {
+    if constexpr (std::is_floating_point_v<Number>) {
+        const char* const limit = c + std::min(end - c, longestNumber);
+        if (detail::extractNumber(c, limit, limit, number) && c != limit && base::isBlank(*c)) {
+            return c;
+        }
+    }
+    return nullptr;
 }
 
 } // namespace
@@ -111,7 +127,8 @@ const char* TextRecords::takeUsualRecord(const char* c, unsigned char* scalars) 
             continue;
         }
         withType(value.type, [&](auto number) {
-            c = takeUsual(c, number);
+            const char* const end = takeUsual(c, number);
+            c = end != nullptr ? end : takeOther(c, m_tokens.end(), number);
             std::memcpy(scalars, &number, sizeof number);
         });
         scalars += value.size;

@@ -126,16 +126,27 @@ std::enable_if_t<std::is_floating_point_v<Float>, const char*> takeUsual(const c
 template <typename Integer>
 std::enable_if_t<std::is_integral_v<Integer>, const char*> takeUsual(const char* c,
                                                                      Integer& value) {
-    UsualDecimal number;
     const bool isNegative = *c == '-';
     c += isNegative ? 1 : 0;
-    takeUsualDigits(c, number);
+    UsualDecimal number;
+    const std::uint64_t word = base::loadWord(c);
+    const unsigned count = base::countDigits(word);
+    if (count == 0) {
+        return nullptr;
+    }
+    if (count < base::wordLength) {
+        number.significand = base::valueOfDigits(word, count);
+        c += count;
+    } else {
+        takeUsualDigits(c, number);
+    }
+    // At most sixteen digits.
     const auto magnitude = static_cast<std::int64_t>(number.significand);
-    const std::int64_t signedValue = isNegative ? -magnitude : magnitude;
-    value = static_cast<Integer>(signedValue);
-    const bool isSame = static_cast<std::int64_t>(value) == signedValue &&
-                        (std::is_signed_v<Integer> || !isNegative);
-    return number.digits != 0 && base::isBlank(*c) && isSame ? c : nullptr;
+    const std::int64_t whole = isNegative ? -magnitude : magnitude;
+    value = static_cast<Integer>(whole);
+    const bool isInRange =
+        static_cast<std::int64_t>(value) == whole && (std::is_signed_v<Integer> || !isNegative);
+    return isInRange && base::isBlank(*c) ? c : nullptr;
 }
 
 } // namespace converters::scan
