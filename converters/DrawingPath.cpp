@@ -72,9 +72,8 @@ void summarize(DrawingPath& path) {
 
 DrawingPath readPath(std::string_view file, const PathOptions& options) {
     checkOptions(options);
-    Progress progress(options.progress);
-    progress.beginStage(0, endOfParsing);
-    Drawing drawing = parseDrawing(file, progress);
+    const Progress progress(options.progress);
+    Drawing drawing = parseDrawing(file, progress.part(0, endOfParsing));
     DrawingPath path;
     const PathSettings settings = settingsFor(drawing, options, drawing.notes);
     const TextDecoder decoder(drawing.header);
@@ -82,13 +81,13 @@ DrawingPath readPath(std::string_view file, const PathOptions& options) {
     const BlockGraph graph(drawing, decoder);
     LeftOutTable leftOut;
 
-    progress.beginStage(endOfParsing, endOfExpansion);
-    Expansion expansion = expand(drawing, graph, layers, settings.map, options, leftOut, progress);
-    progress.beginStage(endOfExpansion, endOfJoining);
+    Expansion expansion = expand(drawing, graph, layers, settings.map, options, leftOut,
+                                 progress.part(endOfParsing, endOfExpansion));
     const std::vector<ChainLink> links =
-        joinToChains(drawing, expansion, layers, settings.joinDistance, leftOut, progress);
-    progress.beginStage(endOfJoining, 1);
-    writeContours({drawing, expansion, layers, links}, settings, path, progress);
+        joinToChains(drawing, expansion, layers, settings.joinDistance, leftOut,
+                     progress.part(endOfExpansion, endOfJoining));
+    writeContours({drawing, expansion, layers, links}, settings, path,
+                  progress.part(endOfJoining, 1));
 
     // reorder(path, options.order);
 

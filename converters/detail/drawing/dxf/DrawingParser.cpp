@@ -648,7 +648,9 @@ void addNotes(const DrawingParser<Groups>& parser, Drawing& drawing) {
     if (!parser.hasEnd()) {
         drawing.notes.emplace_back("the file has no end mark; it may be cut short");
     }
-    if (groups.skippedLines() > 0) {
+    if (groups.skippedLines() == 1) {
+        drawing.notes.emplace_back("1 line is no part of any group and was skipped");
+    } else if (groups.skippedLines() > 1) {
         drawing.notes.push_back(std::to_string(groups.skippedLines()) +
                                 " lines are no part of any group and were skipped");
     }

@@ -14,6 +14,12 @@ Point pointAt(const double* numbers) {
     return {numbers[0], numbers[1], numbers[2]};
 }
 
+/// Whether what starts here, and is so long at most, has coordinates to calculate with.
+bool isInReach(const Point& start, double length) {
+    constexpr double farthest = 1e150;
+    return length <= farthest && lengthOf(start) <= farthest;
+}
+
 double roughLength(const Curve& curve) {
     if (const auto* const arc = std::get_if<EllipticArc>(&curve)) {
         return std::abs(arc->sweep) * std::max(lengthOf(arc->first), lengthOf(arc->second));
@@ -142,12 +148,14 @@ EntityCurves::Extent EntityCurves::extent() const {
     if (m_entity.kind == EntityKind::point || m_entity.kind == EntityKind::line) {
         const Point from = start();
         const Point to = end();
-        return {from, to, distance(from, to), drawing::isFinite(from) && drawing::isFinite(to),
-                from == to};
+        const double length = distance(from, to);
+        return {from, to, length, isInReach(from, length), from == to};
     }
     const Curve curve = only();
-    return {startOf(curve), endOf(curve), roughLength(curve), drawing::isFinite(curve),
-            isDot(curve)};
+    const Point from = startOf(curve);
+    const double length = roughLength(curve);
+    return {from, endOf(curve), length, isInReach(from, length) && drawing::isFinite(curve),
+            drawing::isDot(curve)};
 }
 
 EntityCurves::Extent EntityCurves::polylineExtent() const {
@@ -165,9 +173,7 @@ EntityCurves::Extent EntityCurves::polylineExtent() const {
         extent.isDot = extent.isDot && next == last;
         last = next;
     }
-    // What is not finite has no finite distance from anything.
-    extent.isFinite =
-        extent.isFinite && std::isfinite(extent.length) && drawing::isFinite(extent.start);
+    extent.isFinite = extent.isFinite && isInReach(extent.start, extent.length);
     return extent;
 }
 

@@ -32,7 +32,7 @@ public:
         Point end;
         /// Along the entity, or along what encloses it: more than the way, but not by much.
         double length;
-        /// Whether all coordinates are finite.
+        /// Whether all coordinates are finite, and small enough for their squares to be.
         bool isFinite;
         /// Whether there is nothing but a dot: all points are one.
         bool isDot;

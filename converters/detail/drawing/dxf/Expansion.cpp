@@ -183,8 +183,7 @@ void Expander::enter(const Entity& entity) {
     const bool isListed = outer.multiplicity > 0;
     if (reason) {
         if (isListed) {
-            m_leftOut.add(m_kinds[EntityKind::insert], layer, *reason,
-                          saturatingProduct(outer.multiplicity, itemsOf(insert)));
+            m_leftOut.add(m_kinds[EntityKind::insert], layer, *reason, outer.multiplicity);
         }
         return;
     }
@@ -194,7 +193,7 @@ void Expander::enter(const Entity& entity) {
     }
     if (isListed && isClipped(insert)) {
         m_leftOut.add(m_kinds[EntityKind::insert], layer, LeftOutReason::drawnUnclipped,
-                      saturatingProduct(outer.multiplicity, itemsOf(insert)));
+                      outer.multiplicity);
     }
     push(entity, layer, *target.block);
 }
