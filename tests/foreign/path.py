@@ -190,7 +190,8 @@ GDAL_KINDS = ["POINT", "LINE", "ARC", "CIRCLE", "ELLIPSE", "LWPOLYLINE", "POLYLI
 
 
 def foreign_findings(dump, seed, file, kinds, splines, release, runs_of):
-    maker = random_drawings.Maker(seed, only=kinds, plain=True, splines=splines, release=release)
+    maker = random_drawings.Maker(seed, only=kinds, plain=True, splines=splines,
+                                  release=release, nested=False)
     maker.make().saveas(file)
     doc = ezdxf.readfile(file)
     tolerance = 1e-3 * maker.size

@@ -23,14 +23,15 @@ MOST_ENTITIES = 400
 
 
 class Maker:
-    """Makes one drawing. `only` restricts the kinds; `plain` leaves out all that is not drawn or
-    that other readers are known to take otherwise."""
+    """Makes one drawing. `only` restricts the kinds; `plain` leaves out all that is not drawn;
+    without `nested`, no block holds another one."""
 
-    def __init__(self, seed, only=None, plain=False, splines=None, release=None):
+    def __init__(self, seed, only=None, plain=False, splines=None, release=None, nested=True):
         self.random = random.Random(seed)
         self.kinds = only or CURVES
         self.splines = splines or SPLINES
         self.plain = plain
+        self.nested = nested
         self.release = release or self.random.choice(RELEASES)
         self.size = 10 ** self.random.uniform(-0.5, 3)
         self.offset = self.random.choice([0, 0, 0, 1e3, 4e5]) * self.random.uniform(-1, 1)
@@ -53,7 +54,8 @@ class Maker:
             base = self.point() if self.random.random() < 0.5 else (0, 0, 0)
             block = self.doc.blocks.new(name, base_point=base)
             self.offset = 0
-            self.weights[name] = self.fill(block, self.random.randint(0, 5), names)
+            self.weights[name] = self.fill(block, self.random.randint(0, 5),
+                                           names if self.nested else [])
             names.append(name)
         count = self.random.choice([1, 2, 5, 12, 25])
         self.fill(self.doc.modelspace(), count, names)
