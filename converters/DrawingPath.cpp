@@ -6,16 +6,17 @@
 #include "converters/detail/drawing/PathWriter.h"
 #include "converters/detail/drawing/Progress.h"
 #include "converters/detail/drawing/Refusal.h"
+#include "converters/detail/drawing/Reordering.h"
 #include "converters/detail/drawing/dxf/BlockGraph.h"
 #include "converters/detail/drawing/dxf/DrawingParser.h"
 #include "converters/detail/drawing/dxf/Expansion.h"
 #include "converters/detail/drawing/dxf/LayerTable.h"
 #include "converters/detail/drawing/dxf/LeftOutTable.h"
 #include "converters/detail/drawing/dxf/Text.h"
+#include "converters/detail/drawing/geometry/Vector.h"
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <string_view>
 #include <utility>
 
@@ -47,11 +48,6 @@ std::vector<LeftOut> listOf(const LeftOutTable& table, const Drawing& drawing,
     return list;
 }
 
-double distance(const cv::Point3_<double>& a, const cv::Point3_<double>& b) {
-    const cv::Point3_<double> way = b - a;
-    return std::sqrt(way.dot(way));
-}
-
 /// Adds up what is told of the contours as a whole.
 void summarize(DrawingPath& path) {
     if (!path.points.empty()) {
@@ -76,9 +72,8 @@ void summarize(DrawingPath& path) {
 
 DrawingPath readPath(std::string_view file, const PathOptions& options) {
     checkOptions(options);
-    Progress progress(options.progress);
-    progress.beginStage(0, endOfParsing);
-    Drawing drawing = parseDrawing(file, progress);
+    const Progress progress(options.progress);
+    Drawing drawing = parseDrawing(file, progress.part(0, endOfParsing));
     DrawingPath path;
     const PathSettings settings = settingsFor(drawing, options, drawing.notes);
     const TextDecoder decoder(drawing.header);
@@ -86,13 +81,15 @@ DrawingPath readPath(std::string_view file, const PathOptions& options) {
     const BlockGraph graph(drawing, decoder);
     LeftOutTable leftOut;
 
-    progress.beginStage(endOfParsing, endOfExpansion);
-    Expansion expansion = expand(drawing, graph, layers, settings.map, options, leftOut, progress);
-    progress.beginStage(endOfExpansion, endOfJoining);
+    Expansion expansion = expand(drawing, graph, layers, settings.map, options, leftOut,
+                                 progress.part(endOfParsing, endOfExpansion));
     const std::vector<ChainLink> links =
-        joinToChains(drawing, expansion, layers, settings.joinDistance, leftOut, progress);
-    progress.beginStage(endOfJoining, 1);
-    writeContours({drawing, expansion, layers, links}, settings, path, progress);
+        joinToChains(drawing, expansion, layers, settings.joinDistance, leftOut,
+                     progress.part(endOfExpansion, endOfJoining));
+    writeContours({drawing, expansion, layers, links}, settings, path,
+                  progress.part(endOfJoining, 1));
+
+    // reorder(path, options.order);
 
     path.drawingUnit = settings.drawingUnit;
     path.unit = settings.unit;

@@ -29,7 +29,8 @@ for option in "$@"; do
 done
 
 scripts/install-dependencies.sh --bench
-scripts/build.sh release -DCONVERTERS_BUILD_BENCHMARKS=ON converters_benchmark peak_memory
+scripts/build.sh release -DCONVERTERS_BUILD_BENCHMARKS=ON converters_benchmark peak_memory \
+  path_benchmark
 
 mkdir -p build/benchmark
 if [ "$report" = goals ]; then
@@ -51,4 +52,14 @@ build/release/benchmarks/converters_benchmark --benchmark_filter="$filter" \
   exit 1
 }
 build/release/benchmarks/peak_memory "$size" >build/benchmark/memory.json
-python3 benchmarks/report.py "$report" "build/benchmark/$report.json" build/benchmark/memory.json
+status=0
+python3 benchmarks/report.py "$report" "build/benchmark/$report.json" \
+  build/benchmark/memory.json || status=1
+
+if [ "$report" = goals ]; then
+  shopt -s nullglob globstar
+  build/release/benchmarks/path_benchmark "$rounds" "$drawing_size" benchmarks/ezdxf_path.py \
+    ../shared/data/**/*.dxf >build/benchmark/path.json
+  python3 benchmarks/path_report.py build/benchmark/path.json || status=1
+fi
+exit "$status"

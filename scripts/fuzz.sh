@@ -37,7 +37,7 @@ run() {
   local learnt=build/fuzz/corpus/$target findings=build/fuzz/findings/$target
   mkdir -p "$learnt" "$findings"
   case ${format[$target]} in
-  Dxf) dictionary=(-dict=fuzz/dxf.dict) ;;
+  Dxf | PathText) dictionary=(-dict=fuzz/dxf.dict) ;;
   Ply) dictionary=(-dict=fuzz/ply.dict) ;;
   esac
   local seeds=("fuzz/corpus/${format[$target]}")

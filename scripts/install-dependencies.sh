@@ -11,7 +11,7 @@ packages=(
   libcli11-dev nlohmann-json3-dev libcairo2-dev fonts-dejavu-core
   # to test
   libgtest-dev libgmock-dev clang libclang-rt-14-dev clang-format-14 valgrind
-  gdal-bin python3-ezdxf parallel rsync
+  gdal-bin python3-ezdxf python3-gdal python3-scipy parallel rsync
   doxygen
   # to build and test the Python package
   python3-dev python3-pybind11 python3-numpy
@@ -24,7 +24,9 @@ aarch64_packages=(
   libpcl-common1.13:arm64 libdxflib-dev:arm64 libboost-filesystem1.74-dev:arm64
   libspdlog-dev:arm64 libcairo2:arm64 libgtest-dev:arm64 libgmock-dev:arm64
 )
-bench_packages=(libbenchmark-dev libvtk9-dev libboost-iostreams-dev)
+bench_packages=(
+  libbenchmark-dev libvtk9-dev libopen3d-dev libboost-iostreams-dev libgdal-dev
+)
 
 as_root=()
 if [ "$(id -u)" -ne 0 ]; then

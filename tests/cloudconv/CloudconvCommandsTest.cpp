@@ -1,4 +1,4 @@
-// cloudconv info and cloudconv check.
+// cloudconv info, and what all commands have in common.
 
 #include "tests/support/CloudconvFixture.h"
 #include "tests/support/SimpleDrawing.h"
@@ -27,29 +27,7 @@ protected:
         EXPECT_EQ(result.errors, "");
         return Json::parse(result.output);
     }
-
-    /// Expects that check lists exactly these findings.
-    void expectFindings(const std::string& bytes, const std::vector<std::string>& findings,
-                        const std::vector<std::string>& options = {}) {
-        const fs::path file = drawingFile(bytes);
-        std::vector<std::string> arguments = {"check", file};
-        arguments.insert(arguments.end(), options.begin(), options.end());
-        const ProgramResult result = run(arguments);
-        std::string expected = findings.empty() ? file.string() + ": nothing found\n" : "";
-        for (const std::string& finding : findings) {
-            expected += file.string() + ": " + finding + '\n';
-        }
-        EXPECT_EQ(result.output, expected);
-        EXPECT_EQ(result.errors, "");
-        EXPECT_EQ(result.status, findings.empty() ? 0 : 3);
-    }
 };
-
-std::string nearMiss(const std::string& first, const std::string& second,
-                     const std::string& distance) {
-    return "near miss: the ends at " + first + " and " + second + " lie " + distance +
-           " apart and are not joined";
-}
 
 using CloudconvInfo = CloudconvFiles;
 
@@ -229,87 +207,8 @@ TEST_F(CloudconvInfo, OfWhatIsNeitherIsAFailure) {
     EXPECT_EQ(run({"info", "-"}).status, 2);
 }
 
-using CloudconvCheck = CloudconvFiles;
-
-TEST_F(CloudconvCheck, FindsNothingInASoundDrawing) {
-    expectFindings(readFile(examples / "plate.dxf"), {});
-    expectFindings(drawing({}), {});
-    const ProgramResult quiet = run({"check", drawingFile(drawing({})), "-q"});
-    EXPECT_EQ(quiet.output, "");
-    EXPECT_EQ(quiet.status, 0);
-}
-
-TEST_F(CloudconvCheck, FindsTheGapThatBreaksAContour) {
-    expectFindings(readFile(examples / "plate_with_gap.dxf"),
-                   {nearMiss("(0, 6.998)", "(0, 7)", "0.002")});
-}
-
-TEST_F(CloudconvCheck, FindsEndsBetweenTheJoiningAndTheGivenDistance) {
-    const auto withGap = [](double gap) {
-        return drawing(line(0, 0, 1, 0) + line(1 + gap, 0, 2, 0));
-    };
-    expectFindings(withGap(0.0005), {});
-    expectFindings(withGap(0.0625), {nearMiss("(1.0625, 0)", "(1, 0)", "0.0625")});
-    expectFindings(withGap(0.125), {});
-    expectFindings(withGap(0.125), {nearMiss("(1.125, 0)", "(1, 0)", "0.125")},
-                   {"--distance", "0.2"});
-    expectFindings(withGap(0.0625), {}, {"--distance", "0.05"});
-    expectFindings(drawing(line(0, 0, 1, 0) + arc(5, 5, 1, 0, 360)), {});
-}
-
-TEST_F(CloudconvCheck, TellsPlacesInMapCoordinatesApart) {
-    expectFindings(drawing(line(4512000.5, 5400000.25, 4512010, 5400003) +
-                           line(4512010, 5400003.002, 4512012, 5400000)),
-                   {nearMiss("(4512010, 5400003.002)", "(4512010, 5400003)", "0.002")});
-}
-
-TEST_F(CloudconvCheck, FindsRepeatedEntitiesInEitherDirection) {
-    expectFindings(
-        drawing(line(0, 0, 1, 0) + line(5, 5, 6, 5) + line(1, 0, 0, 0) + arc(9, 9, 1, 0, 90) +
-                arc(9, 9, 1, 0, 90)),
-        {"LINE 3 on layer 0 at (1, 0) repeats LINE 1", "ARC 5 on layer 0 at (9, 9) repeats ARC 4"});
-}
-
-TEST_F(CloudconvCheck, FindsWhatIsTooShortToSample) {
-    expectFindings(drawing(line(0, 0, 0.05, 0)),
-                   {"LINE 1 on layer 0 at (0, 0) is too short to sample (length 0.05): its start "
-                    "is the only point"});
-    const Groups polyline = {"0", "LWPOLYLINE", "90", "3",  "70", "0",  "10", "0",  "20",
-                             "0", "10",         "5",  "20", "0",  "10", "5",  "20", "0.0625"};
-    expectFindings(drawing(polyline),
-                   {"POLYLINE 1 on layer 0 at (0, 0) has a last edge too short to sample (length "
-                    "0.0625): it stops at (5, 0)"});
-    expectFindings(drawing({"0", "SPLINE", "71", "3"}),
-                   {"SPLINE 1 on layer 0 at (0, 0) cannot be evaluated: no points"});
-}
-
-TEST_F(CloudconvCheck, FindsArcsWithoutLength) {
-    expectFindings(drawing(arc(1, 2, 3, 45, 45)),
-                   {"ARC 1 on layer 0 at (1, 2) has no length: five equal points"});
-    expectFindings(drawing(arc(1, 2, 0, 0, 90)),
-                   {"ARC 1 on layer 0 at (1, 2) has no length: five equal points"});
-}
-
-TEST_F(CloudconvCheck, OfManyEndsInOnePlaceAndOfHugeOrMissingNumbersEnds) {
-    Groups lines;
-    for (int i = 0; i < 3000; ++i) {
-        lines = lines + line(0, 0, 10 + i, 1);
-    }
-    EXPECT_EQ(run({"check", drawingFile(drawing(lines))}).status, 0);
-    const Groups odd = {"0",  "LINE", "8",  "0",     "10", "nan",
-                        "20", "0",    "11", "1e300", "21", "-1e300"};
-    EXPECT_NE(run({"check", drawingFile(drawing(odd))}).status, -1);
-}
-
-TEST_F(CloudconvCheck, OfNoDrawingIsAFailure) {
-    const ProgramResult result = run({"check", drawingFile("garbage")});
-    EXPECT_EQ(result.status, 1);
-    EXPECT_EQ(result.errors, "cloudconv: " + in("in.dxf").string() + ": not a DXF text\n");
-    EXPECT_EQ(run({"check", in("in.dxf"), "--distance", "-1"}).status, 2);
-}
-
 TEST_F(CloudconvFiles, NumbersOfAllOptionsHaveToBeNumbers) {
-    const std::string file = drawingFile(drawing(line(0, 0, 1, 0)));
+    const std::string file = drawingFile(inMillimetres(line(0, 0, 1, 0) + line(2, 0, 3, 0)));
     const std::vector<std::vector<std::string>> commands = {
         {"check", file, "--distance"},
         {"preview", file, in("out.png"), "--distance"},
@@ -334,7 +233,7 @@ TEST_F(CloudconvFiles, NumbersOfAllOptionsHaveToBeNumbers) {
         EXPECT_EQ(run({"check", file, "--distance", distance}).status, 2) << distance;
         EXPECT_EQ(run({"preview", file, in("a.svg"), "--distance", distance}).status, 2);
     }
-    // The line's own ends are 1 apart.
+    // The lines are 1 apart.
     const std::vector<std::pair<const char*, int>> statuses = {
         {"0.001", 0}, {"+0.5", 0}, {"5", 3}, {"1e9", 3}, {"1e308", 3}};
     for (const auto& [distance, status] : statuses) {

@@ -1,8 +1,10 @@
 // Hostile drawings and the same ten times as large, counted by callgrind; see growth.py.
 
 #include "converters/Converters.h"
+#include "converters/DrawingPath.h"
 #include "dxfeditor/DXFSpline.h"
 #include "tests/support/HostileDrawings.h"
+#include "tests/support/HostilePathDrawings.h"
 
 #include <valgrind/callgrind.h>
 
@@ -48,6 +50,28 @@ void countDrawing(const HostileDrawing& drawing) {
     count(drawing.name + std::string(":large"), [&] { read(large); });
 }
 
+/// Whether it is refused or read: it may hold more than is allowed.
+void readPath(const std::string& drawing, converters::PathOrder order) {
+    converters::PathOptions options;
+    options.order = order;
+    options.maximumEntities = mostHostilePathEntities;
+    options.maximumPoints = mostHostilePathEntities;
+    converters::DrawingPath path;
+    converters::readPath(drawing.data(), drawing.size(), path, options);
+}
+
+void countPath(const HostileDrawing& drawing) {
+    const std::string small = drawing.text(smallDrawing);
+    const std::string large = drawing.text(growth * smallDrawing);
+    for (const auto order : {converters::PathOrder::drawn, converters::PathOrder::insideFirst}) {
+        const std::string name = std::string("path-") + drawing.name +
+                                 (order == converters::PathOrder::drawn ? "" : "-inside-first");
+        readPath(small, order);
+        count(name + ":small", [&] { readPath(small, order); });
+        count(name + ":large", [&] { readPath(large, order); });
+    }
+}
+
 /// A curve of one piece and five points.
 DXFSpline splineOfDegree(unsigned degree) {
     DXFSpline spline(degree, 0, 0, 0, 0);
@@ -73,6 +97,9 @@ void countDegree() {
 int main() {
     for (const HostileDrawing& drawing : hostileDrawings()) {
         countDrawing(drawing);
+    }
+    for (const HostileDrawing& drawing : hostilePathDrawings()) {
+        countPath(drawing);
     }
     countDegree();
     return 0;

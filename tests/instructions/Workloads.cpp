@@ -1,7 +1,9 @@
 // Small fixed pieces of work, one for each function whose cost matters, counted by callgrind; see
 // counts.py.
 
+#include "tests/support/PathDrawings.h"
 #include "converters/Converters.h"
+#include "converters/DrawingPath.h"
 #include "dxfeditor/DXFDocument.h"
 #include "dxfeditor/DXFReader.h"
 #include "dxfeditor/DXFSpline.h"
@@ -127,6 +129,25 @@ void countDrawings() {
     count("sample-splines", [&] { require(!splines.getPoints().empty()); });
 }
 
+void countPath(const char* name, const std::string& drawing, converters::PathOrder order) {
+    converters::PathOptions options;
+    options.order = order;
+    count(name, [&] {
+        converters::DrawingPath path;
+        require(converters::readPath(drawing.data(), drawing.size(), path, options).success);
+    });
+}
+
+void countPaths() {
+    constexpr std::size_t entities = 2000;
+    const std::string plain = pathDrawing(entities, false);
+    const std::string blocks = pathDrawing(entities, true);
+    countPath("readPath", plain, converters::PathOrder::drawn);
+    countPath("readPath-blocks", blocks, converters::PathOrder::drawn);
+    countPath("readPath-nearest", plain, converters::PathOrder::nearest);
+    countPath("readPath-inside-first", plain, converters::PathOrder::insideFirst);
+}
+
 } // namespace
 
 int main() {
@@ -134,5 +155,6 @@ int main() {
     countDxf();
     countFromFile();
     countDrawings();
+    countPaths();
     return 0;
 }

@@ -18,7 +18,7 @@ from counts import count  # pylint: disable=wrong-import-position
 MOST = 20
 # De Boor's algorithm takes half the square of the degree, for each point.
 MOST_OF_SQUARE = 110
-SQUARE = {"DegreeOfASpline"}
+SQUARE = {"DegreeOfASpline", "path-OneSplineOfAHighDegree"}
 
 
 def main():

@@ -60,7 +60,11 @@ std::vector<std::string> Cloudconv::names() const {
 void Cloudconv::expectFailure(const fs::path& from, const fs::path& to, const std::string& reason,
                               const std::function<void()>& prepare) {
     const std::vector<std::string> before = names();
-    const ProgramResult result = run({from, to}, prepare);
+    std::vector<std::string> arguments = {from, to};
+    if (m_isPlain) {
+        arguments.emplace_back("--plain");
+    }
+    const ProgramResult result = run(arguments, prepare);
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.errors, "cloudconv: " + reason + '\n');
     EXPECT_EQ(result.output, "");
@@ -73,4 +77,16 @@ void Cloudconv::expectRefusal(const std::string& bytes, const std::string& reaso
     writeFile(in("old.ply"), "old");
     expectFailure(from, in("old.ply"), from.string() + ": " + reason);
     EXPECT_EQ(readFile(in("old.ply")), "old");
+}
+
+ProgramResult CloudconvPlain::run(std::vector<std::string> arguments,
+                                  const std::function<void()>& prepare) {
+    const bool isOther = !arguments.empty() && (arguments[0] == "info" || arguments[0] == "check" ||
+                                                arguments[0] == "preview");
+    const bool asksForHelp =
+        std::find(arguments.begin(), arguments.end(), "--help") != arguments.end();
+    if (!arguments.empty() && !isOther && !asksForHelp) {
+        arguments.emplace_back("--plain");
+    }
+    return Cloudconv::run(arguments, prepare);
 }

@@ -37,6 +37,9 @@ protected:
     /// Names of all files in the folder, those of temporary files too.
     std::vector<std::string> names() const;
 
+    /// Makes conversions of expectFailure() and expectRefusal() those by the fixed rules.
+    void convertPlainly() { m_isPlain = true; }
+
     /// Expects that a conversion fails with this line on standard error, whether there is an output
     /// to lose or not, and that it leaves nothing behind.
     void expectFailure(const std::filesystem::path& from, const std::filesystem::path& to,
@@ -47,4 +50,15 @@ protected:
 
 private:
     std::filesystem::path m_folder;
+    bool m_isPlain = false;
+};
+
+/// A test of conversions by the fixed rules of fromPly() and fromDxf().
+class CloudconvPlain : public Cloudconv {
+protected:
+    CloudconvPlain() { convertPlainly(); }
+
+    /// Runs the program with these arguments, a conversion with --plain in front of its options.
+    static ProgramResult run(std::vector<std::string> arguments,
+                             const std::function<void()>& prepare = {});
 };

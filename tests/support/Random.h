@@ -4,7 +4,6 @@
 #include <cstdint>
 #include <iterator>
 #include <random>
-#include <type_traits>
 
 /// Random numbers from a seed, the same with every standard library.
 ///
@@ -18,13 +17,13 @@ public:
     auto operator()() { return m_engine(); }
 
     /// A number from 0 to `count` - 1; `count` is greater than 0.
-    template <typename Integer>
-    Integer below(Integer count) {
-        return static_cast<Integer>(m_engine() % static_cast<std::make_unsigned_t<Integer>>(count));
+    template <typename Integer = std::size_t>
+    Integer below(std::size_t count) {
+        return static_cast<Integer>(m_engine() % count);
     }
 
     /// True once in `count` times.
-    bool oneIn(unsigned count) { return below(count) == 0; }
+    bool oneIn(std::size_t count) { return below(count) == 0; }
 
     /// One of the elements of a container or an array, which is not empty.
     template <typename Container>

@@ -19,8 +19,8 @@ public:
 
     std::string drawing(int mostObjects);
 
-    int below(int count) { return m_random.below(count); }
-    bool oneIn(unsigned count) { return m_random.oneIn(count); }
+    int below(int count) { return m_random.below<int>(static_cast<std::size_t>(count)); }
+    bool oneIn(std::size_t count) { return m_random.oneIn(count); }
 
 private:
     std::string number();

@@ -1,6 +1,7 @@
 // Every public function with an allocation that fails, for each allocation that it makes, alone and
 // with all after it.
 #include "converters/Converters.h"
+#include "converters/DrawingPath.h"
 #include "converters/PlySerializerDeserializer.h"
 #include "dxfeditor/DXFAdapter.h"
 #include "dxfeditor/DXFArc.h"
@@ -18,6 +19,7 @@
 #include "dxfeditor/DXFSpline.h"
 #include "tests/support/CommaLocale.h"
 #include "tests/support/FailingAllocator.h"
+#include "tests/support/HostilePathDrawings.h"
 #include "tests/support/PlyBytes.h"
 #include "tests/support/TemporaryDirectory.h"
 
@@ -323,6 +325,30 @@ struct DxfToCloud {
 };
 
 /// A global locale that has to be changed for dxflib and changed back.
+/// The path of a drawing with every kind of entity, in an order that has to be searched for.
+template <bool isBinary>
+struct PathRead {
+    std::string file =
+        isBinary ? binaryDrawingOf(groupsOf(drawingOfEverything())) : drawingOfEverything();
+    converters::DrawingPath path;
+    PathRead() { path.points.assign(2, {1, 2, 3}); }
+    static converters::PathOptions options() {
+        converters::PathOptions options;
+        options.order = converters::PathOrder::insideFirst;
+        options.layers = {"*"};
+        return options;
+    }
+    bool call() { return converters::readPath(file.data(), file.size(), path, options()).success; }
+    bool isComplete() const {
+        return path.points == expected([this] {
+                   converters::DrawingPath whole;
+                   converters::readPath(file.data(), file.size(), whole, options());
+                   return whole.points;
+               });
+    }
+    bool isAfterFailure() const { return path.points == Points(2, {1, 2, 3}); }
+};
+
 struct DxfInCommaLocale {
     CommaLocale commas;
     DxfToPoints drawing;
@@ -419,6 +445,23 @@ struct DocumentBuilt {
     bool isConsistent() const {
         return document.layers().size() == (document.getLayer(longName) ? 1U : 0U);
     }
+};
+
+/// Deleting succeeds without memory.
+struct EntityDeleted {
+    DXFDocument document;
+    std::shared_ptr<DXFEntity> a = std::make_shared<DXFPoint>(1.0, 2.0, 3.0);
+    std::shared_ptr<DXFEntity> b = std::make_shared<DXFPoint>(1.0, 2.0, 3.0);
+    EntityDeleted() {
+        for (const auto& entity : {a, b, std::shared_ptr<DXFEntity>(), a, b}) {
+            document.addEntity(entity);
+        }
+    }
+    bool call() { return document.deleteEntity(a); }
+    bool isComplete() const {
+        return document.entities() == std::list<std::shared_ptr<DXFEntity>>{b, nullptr, b};
+    }
+    bool isAfterFailure() const { return false; }
 };
 
 struct Entities {
@@ -536,6 +579,11 @@ TEST(FailedAllocation, OfFromDxfGivesTheLocaleBack) {
     failEachAllocation<DxfInCommaLocale>({false, true});
 }
 
+TEST(FailedAllocation, OfReadPathKeepsThePath) {
+    failEachAllocation<PathRead<false>>();
+    failEachAllocation<PathRead<true>>();
+}
+
 TEST(FailedAllocation, OfToDxfLeavesNeitherOutputNorFile) {
     failEachAllocation<PointsToDxf>({true, true});
     failEachAllocation<CloudToDxf>({true, true});
@@ -551,6 +599,10 @@ TEST(FailedAllocation, OfDocumentLoadGivesNoDocument) {
 
 TEST(FailedAllocation, LeavesADocumentConsistent) {
     failEachAllocation<DocumentBuilt>();
+}
+
+TEST(FailedAllocation, OfDeletingAnEntityDeletesIt) {
+    failEachAllocation<EntityDeleted>();
 }
 
 TEST(FailedAllocation, OfEntities) {

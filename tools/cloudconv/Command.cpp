@@ -6,11 +6,20 @@
 #include <cstdlib>
 #include <limits>
 
-void addFormatOption(CLI::App& command, const std::string& name, std::optional<FileFormat>& format,
-                     const std::string& description) {
-    CLI::CheckedTransformer known(fileFormatNames(), CLI::ignore_case);
+void addInputFormatOption(CLI::App& command, std::optional<FileFormat>& format) {
+    CLI::CheckedTransformer known(inputFormatNames(), CLI::ignore_case);
     known.description("");
-    command.add_option(name, format, description)->type_name("FORMAT")->transform(known);
+    command.add_option("--from", format, "format of the input: ply or dxf")
+        ->type_name("FORMAT")
+        ->transform(known);
+}
+
+void addOutputFormatOption(CLI::App& command, std::optional<FileFormat>& format) {
+    CLI::CheckedTransformer known(outputFormatNames(), CLI::ignore_case);
+    known.description("");
+    command.add_option("--to", format, "format of the output: ply, dxf, csv or xyz")
+        ->type_name("FORMAT")
+        ->transform(known);
 }
 
 CLI::Validator numberBetween(double least, double most) {

@@ -25,9 +25,11 @@ struct Command {
     std::function<ExitStatus()> run;
 };
 
-/// Adds an option that names a format.
-void addFormatOption(CLI::App& command, const std::string& name, std::optional<FileFormat>& format,
-                     const std::string& description);
+/// Adds --from: the format of the input.
+void addInputFormatOption(CLI::App& command, std::optional<FileFormat>& format);
+
+/// Adds --to: the format of the output.
+void addOutputFormatOption(CLI::App& command, std::optional<FileFormat>& format);
 
 /// Takes numbers in a range only: no text, no nan, no infinity.
 CLI::Validator numberBetween(double least, double most);

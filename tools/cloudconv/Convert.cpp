@@ -1,190 +1,48 @@
 #include "tools/cloudconv/Convert.h"
 
-#include "tools/cloudconv/DxfFile.h"
-#include "tools/cloudconv/InputFile.h"
-#include "tools/cloudconv/Notes.h"
-#include "tools/cloudconv/OutputFile.h"
-#include "tools/cloudconv/PlyFile.h"
-#include "tools/cloudconv/Progress.h"
+#include "tools/cloudconv/DrawingConversion.h"
+#include "tools/cloudconv/PlainConversion.h"
+#include "tools/cloudconv/ScanConversion.h"
 #include "tools/cloudconv/UsageError.h"
-#include "tools/cloudconv/Wording.h"
-
-#include <algorithm>
-#include <cmath>
-#include <cstdio>
-#include <utility>
 
 namespace {
 
-using Cloud = pcl::PointCloud<pcl::PointXYZI>;
-using Points = std::vector<cv::Point3_<double>>;
-
-/// The names of the files, for messages, and what there is to say about them.
-struct Report {
-    std::string input;
-    std::string output;
-    Progress& progress;
-    Notes notes;
-};
-
-std::string listed(const std::vector<std::string>& names) {
-    std::string list;
-    for (const std::string& name : names) {
-        list += (list.empty() ? "" : ", ") + name;
+void checkPlain(const ConvertOptions& options, FileFormat to) {
+    const std::string given =
+        options.drawingOption.empty() ? options.scanOption : options.drawingOption;
+    if (!given.empty()) {
+        throw UsageError("--plain has rules of its own: " + given + " does not go with it");
     }
-    return list;
-}
-
-PlyContents readScan(const std::vector<unsigned char>& bytes, Report& report) {
-    report.progress.begin("converting " + report.input);
-    PlyContents contents = readPly(report.input, bytes);
-    if (contents.cloud.points.empty()) {
-        report.notes.add("the file declares no points, nor does " + report.output);
-    }
-    return contents;
-}
-
-DxfContents readDrawing(const std::vector<unsigned char>& bytes, Report& report) {
-    DxfContents contents = readDxf(report.input, bytes, report.progress);
-    report.notes.add(counted(contents.entityCount, "entity", "entities") + " in " +
-                     counted(contents.contours.size(), "run") + ", " +
-                     counted(contents.points.size(), "point"));
-    if (!contents.cutOff.empty()) {
-        report.notes.add(contents.cutOff);
-    }
-    if (contents.points.empty()) {
-        report.notes.add("the drawing holds no points, nor does " + report.output);
-    }
-    return contents;
-}
-
-void tellWhatScanLacks(const PlyContents& contents, const ConvertOptions& options, Report& report) {
-    if (contents.cloud.points.empty()) {
-        return;
-    }
-    if (!contents.hasIntensity && !options.intensity.has_value()) {
-        report.notes.add("no property \"intensity\" of type float, written as 0");
-    }
-    if (!contents.droppedProperties.empty()) {
-        report.notes.add("dropped properties: " + listed(contents.droppedProperties));
+    if (to == FileFormat::Csv || to == FileFormat::Xyz || options.digits.has_value()) {
+        throw UsageError("--plain writes .ply and .dxf, with digits of its own");
     }
 }
 
-/// Drawings of other programs end where floats are too coarse: a plan in map coordinates, say.
-void tellWhatRoundingCosts(const Points& points, const Cloud& cloud, Report& report) {
-    /// Nearer ends than this count as the same place in a drawing.
-    constexpr double samePlace = 0.001;
-    double farthest = 0.0;
-    for (std::size_t i = 0; i < points.size(); ++i) {
-        for (const double moved : {points[i].x - static_cast<double>(cloud.points[i].x),
-                                   points[i].y - static_cast<double>(cloud.points[i].y),
-                                   points[i].z - static_cast<double>(cloud.points[i].z)}) {
-            farthest = std::max(farthest, std::abs(moved));
-        }
+void check(const ConvertOptions& options, FileFormat from, FileFormat to) {
+    const std::string wrong = from == FileFormat::Ply ? options.drawingOption : options.scanOption;
+    if (!wrong.empty()) {
+        throw UsageError(wrong + (from == FileFormat::Ply ? " is for drawings" : " is for scans"));
     }
-    if (farthest >= samePlace) {
-        char text[32];
-        static_cast<void>(std::snprintf(text, sizeof text, "%.2g", farthest));
-        report.notes.add("PLY holds coordinates as 32-bit floats: points move by up to " +
-                         std::string(text) + " drawing units");
+    if (to != FileFormat::Ply && options.ascii) {
+        throw UsageError("--ascii is for PLY output");
     }
-}
-
-/// The walk as a cloud of one row. Its intensities count the contours, from 1.
-Cloud cloudOf(const DxfContents& drawing) {
-    Cloud cloud;
-    cloud.reserve(drawing.points.size());
-    float number = 0.0F;
-    for (const DXFContour& contour : drawing.contours) {
-        number += 1.0F;
-        for (std::size_t i = contour.begin; i < contour.end; ++i) {
-            const cv::Point3_<double>& point = drawing.points[i];
-            pcl::PointXYZI converted;
-            converted.x = static_cast<float>(point.x);
-            converted.y = static_cast<float>(point.y);
-            converted.z = static_cast<float>(point.z);
-            converted.intensity = number;
-            cloud.push_back(converted);
-        }
+    if (to == FileFormat::Dxf && (options.intensity.has_value() || options.digits.has_value())) {
+        throw UsageError("--intensity and --digits are not for DXF output");
     }
-    return cloud;
-}
-
-/// The scan's points, without those that have no place: "nan" in a drawing stops most readers.
-Points pointsOf(const Cloud& cloud, Report& report) {
-    Points points;
-    points.reserve(cloud.size());
-    for (const pcl::PointXYZI& point : cloud) {
-        if (hasPlace(point)) {
-            points.emplace_back(point.x, point.y, point.z);
-        }
-    }
-    if (points.size() < cloud.size()) {
-        report.notes.add(leftOutText(cloud.size() - points.size()) + " (nan or infinite)");
-    }
-    return points;
-}
-
-std::vector<unsigned char> plyOf(Cloud cloud, const ConvertOptions& options) {
-    if (options.intensity.has_value()) {
-        for (pcl::PointXYZI& point : cloud) {
-            point.intensity = *options.intensity;
-        }
-    }
-    return writePly(options.output, cloud, options.ascii);
-}
-
-std::vector<unsigned char> scanToPly(const std::vector<unsigned char>& bytes,
-                                     const ConvertOptions& options, Report& report) {
-    PlyContents contents = readScan(bytes, report);
-    tellWhatScanLacks(contents, options, report);
-    return plyOf(std::move(contents.cloud), options);
-}
-
-std::vector<unsigned char> scanToDxf(const std::vector<unsigned char>& bytes,
-                                     const ConvertOptions& /*options*/, Report& report) {
-    PlyContents contents = readScan(bytes, report);
-    std::vector<std::string> dropped = contents.droppedProperties;
-    if (contents.hasIntensity) {
-        dropped.insert(dropped.begin(), "intensity");
-    }
-    if (!contents.cloud.empty() && !dropped.empty()) {
-        report.notes.add("dropped properties: " + listed(dropped));
-    }
-    return writeDxf(report.output, pointsOf(contents.cloud, report));
-}
-
-std::vector<unsigned char> drawingToPly(const std::vector<unsigned char>& bytes,
-                                        const ConvertOptions& options, Report& report) {
-    const DxfContents contents = readDrawing(bytes, report);
-    Cloud cloud = cloudOf(contents);
-    tellWhatRoundingCosts(contents.points, cloud, report);
-    return plyOf(std::move(cloud), options);
-}
-
-std::vector<unsigned char> drawingToDxf(const std::vector<unsigned char>& bytes,
-                                        const ConvertOptions& /*options*/, Report& report) {
-    return writeDxf(report.output, readDrawing(bytes, report).points);
 }
 
 } // namespace
 
 void convert(const ConvertOptions& options) {
-    const FileFormat from = formatOf(options.input, options.from, "--from");
-    const FileFormat to = formatOf(options.output, options.to, "--to");
-    if (to == FileFormat::Dxf && (options.ascii || options.intensity.has_value())) {
-        throw UsageError("--ascii and --intensity are for PLY output");
-    }
-    Progress progress(options.quiet);
-    Report report = {inputName(options.input), outputName(options.output), progress,
-                     Notes(inputName(options.input))};
-    const auto conversion = from == FileFormat::Ply
-                                ? (to == FileFormat::Ply ? scanToPly : scanToDxf)
-                                : (to == FileFormat::Ply ? drawingToPly : drawingToDxf);
-    writeOutputFile(options.output,
-                    conversion(readInputFile(options.input, progress), options, report), progress);
-    progress.end();
-    if (!options.quiet) {
-        report.notes.print();
+    const FileFormat from = inputFormatOf(options.input, options.from);
+    const FileFormat to = outputFormatOf(options.output, options.to);
+    check(options, from, to);
+    if (options.plain) {
+        checkPlain(options, to);
+        convertPlainly(options, from, to);
+    } else if (from == FileFormat::Ply) {
+        convertScan(options, to);
+    } else {
+        convertDrawing(options, to);
     }
 }

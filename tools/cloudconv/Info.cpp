@@ -350,7 +350,7 @@ void appendText(const Json& value, const std::string& indent, std::string& text)
 
 nlohmann::ordered_json describeFile(const std::string& path, std::optional<FileFormat> from,
                                     bool quiet) {
-    const FileFormat format = formatOf(path, from, "--from");
+    const FileFormat format = inputFormatOf(path, from);
     Progress progress(quiet);
     const std::string name = inputName(path);
     const Bytes bytes = readInputFile(path, progress);

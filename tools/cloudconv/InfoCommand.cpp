@@ -49,7 +49,7 @@ void addInfoCommand(CLI::App& app, Command& chosen) {
     command.footer(footer);
     command.add_option("FILE", options->input, "file to describe; - is standard input")->required();
     command.add_flag("--json", options->json, "as JSON, in full")->disable_flag_override();
-    addFormatOption(command, "--from", options->from, "format of FILE: ply or dxf");
+    addInputFormatOption(command, options->from);
     addQuietFlag(command, options->quiet);
     command.callback([options, &chosen] {
         chosen.input = options->input;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -7,6 +8,32 @@ class Progress;
 
 /// The name of an input in messages: the path, or "standard input" for "-".
 std::string inputName(const std::string& path);
+
+/// An open file, pipe or device, closed at the end of its life.
+class InputFile {
+public:
+    /// @param path  "-" is standard input
+    /// @throws FileError, as the other functions, with the system's reason
+    explicit InputFile(const std::string& path);
+    ~InputFile();
+    InputFile(const InputFile&) = delete;
+    InputFile& operator=(const InputFile&) = delete;
+
+    /// The size of a regular file; 0 for others.
+    std::size_t expectedSize() const;
+
+    /// Reads at most `room` bytes; 0 at the end.
+    std::size_t readSome(void* bytes, std::size_t room) const;
+
+    /// Whether it is the file at this path, by this name or another.
+    bool isAlso(const std::string& path) const;
+
+private:
+    void check(bool succeeded) const;
+
+    std::string m_name;
+    int m_descriptor;
+};
 
 /// Reads a whole file, or what a pipe or device gives until its end.
 ///

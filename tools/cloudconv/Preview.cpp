@@ -15,7 +15,7 @@ std::string titleOf(const std::string& path) {
 } // namespace
 
 void preview(const PreviewOptions& options) {
-    const FileFormat from = formatOf(options.input, options.from, "--from");
+    const FileFormat from = inputFormatOf(options.input, options.from);
     const PictureFormat to = pictureFormatOf(options.output, options.to);
     Progress progress(options.quiet);
     PreviewReport report = {inputName(options.input), titleOf(options.input), progress,

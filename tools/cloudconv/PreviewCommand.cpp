@@ -127,7 +127,7 @@ void addPreviewCommand(CLI::App& app, Command& chosen) {
         ->default_str("1000x700");
     addDrawingOptions(command, *options);
     addScanOptions(command, *options);
-    addFormatOption(command, "--from", options->from, "format of FILE: ply or dxf");
+    addInputFormatOption(command, options->from);
     CLI::CheckedTransformer known(pictureFormatNames(), CLI::ignore_case);
     known.description("");
     command.add_option("--to", options->to, "format of PICTURE: png, svg, pdf or html")

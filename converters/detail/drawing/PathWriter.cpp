@@ -183,7 +183,7 @@ void Writer::begin(const Point& start) {
 }
 
 void Writer::entity(const Entity& entity, const Placement& placement) {
-    const std::uint32_t layer = layerOf(entity, placement, m_layers);
+    const std::uint32_t layer = layerOf(entity.layer, placement, m_layers);
     if (m_contour.firstEntity == m_path.entities.size()) {
         const Colour colour = colourOf(entity, placement, m_layers);
         m_contour.layer = layer;
@@ -266,7 +266,8 @@ void followAll(const JoinedDrawing& joined, double tolerance, Sink& sink,
 void writeContours(const JoinedDrawing& joined, const PathSettings& settings, DrawingPath& path,
                    const Progress& progress) {
     Counter counter(settings.limits);
-    followAll(joined, settings.limits.tolerance, counter, progress);
+    constexpr double endOfCounting = 0.4;
+    followAll(joined, settings.limits.tolerance, counter, progress.part(0, endOfCounting));
     path.points.reserve(counter.points);
     path.contours.reserve(counter.contours);
     path.pieces.reserve(counter.pieces);
@@ -275,7 +276,7 @@ void writeContours(const JoinedDrawing& joined, const PathSettings& settings, Dr
     path.ellipticArcs.reserve(counter.ellipticArcs);
     path.splines.reserve(counter.splines);
     Writer writer(joined.layers, settings.limits, path);
-    followAll(joined, settings.limits.tolerance, writer, progress);
+    followAll(joined, settings.limits.tolerance, writer, progress.part(endOfCounting, 1));
 }
 
 } // namespace converters::drawing

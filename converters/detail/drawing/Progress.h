@@ -10,13 +10,15 @@ public:
     /// @param callback  may be empty; has to outlive this object
     explicit Progress(const std::function<bool(double)>& callback) : m_callback(callback) {}
 
-    /// Of the whole work, a stage takes the part from `begin` to `end`.
-    void beginStage(double begin, double end) {
-        m_begin = begin;
-        m_end = end;
+    /// That of a stage, which takes this part of the work.
+    Progress part(double begin, double end) const {
+        Progress stage(m_callback);
+        stage.m_begin = m_begin + begin * (m_end - m_begin);
+        stage.m_end = m_begin + end * (m_end - m_begin);
+        return stage;
     }
 
-    /// @param done  the part of the stage that is done, 0 to 1
+    /// @param done  the part that is done, 0 to 1
     /// @throws Refusal when the caller stops the work
     void report(double done) const;
 

@@ -8,6 +8,10 @@
 
 namespace dxfeditor {
 
+/// Appends the object of a point: `head`, which holds the groups before the coordinates, then the
+/// coordinates.
+void appendPoint(const std::string& head, const cv::Point3_<double>& point, std::string& text);
+
 /// dxflib's writer with a text of its own in place of the file: the same bytes for every group,
 /// but safe for every real, independent of locales and without a flush after each number.
 class DxfTextWriter : public DL_WriterA {
@@ -27,9 +31,10 @@ public:
     void dxfString(int gc, const char* value) const override;
     void dxfString(int gc, const std::string& value) const override;
 
-    /// One object per point: `head`, which holds the groups before the coordinates, then the
-    /// coordinates.
-    void writePoints(const std::string& head, const std::vector<cv::Point3_<double>>& points) const;
+    /// One POINT per point, as DL_Dxf::writePoint writes it in release R12, but what comes before
+    /// the coordinates is spelled once for all.
+    void writePoints(const DL_Attributes& attributes,
+                     const std::vector<cv::Point3_<double>>& points) const;
 
 protected:
     /// Called after each group; a derived writer may take the text away.
@@ -39,6 +44,11 @@ protected:
 
 private:
     void append(int gc, const char* value, std::size_t length) const;
+    std::string pointHead(const DL_Attributes& attributes) const;
+
+    class Apart;
+
+    mutable bool m_isApart = false;
 };
 
 } // namespace dxfeditor

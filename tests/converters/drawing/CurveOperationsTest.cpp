@@ -4,8 +4,8 @@
 
 #include "converters/detail/drawing/geometry/Angle.h"
 #include "converters/detail/drawing/geometry/EllipticArcs.h"
-#include "tests/support/PlainSpline.h"
-#include "tests/support/RandomCurves.h"
+#include "tests/converters/drawing/support/PlainSpline.h"
+#include "tests/converters/drawing/support/RandomCurves.h"
 
 #include <gtest/gtest.h>
 

@@ -2,7 +2,7 @@
 
 #include "converters/detail/drawing/geometry/CurveOperations.h"
 #include "converters/detail/drawing/geometry/PrincipalAxes.h"
-#include "tests/support/RandomCurves.h"
+#include "tests/converters/drawing/support/RandomCurves.h"
 
 #include <gtest/gtest.h>
 

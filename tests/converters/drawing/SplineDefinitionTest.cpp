@@ -1,7 +1,7 @@
 #include "converters/detail/drawing/geometry/SplineDefinition.h"
 
 #include "converters/detail/drawing/geometry/CurveOperations.h"
-#include "tests/support/RandomCurves.h"
+#include "tests/converters/drawing/support/RandomCurves.h"
 
 #include <gtest/gtest.h>
 

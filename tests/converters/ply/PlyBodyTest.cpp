@@ -408,30 +408,30 @@ TEST(PlyBody, GoodCloudIsNotReported) {
 
 /// A cloud of random fields over random bytes: some outside, some unknown, all special names.
 pcl::PCLPointCloud2 randomCloud(Random32& random) {
+    const auto below = [&random](std::uint32_t count) {
+        return random.below<std::uint32_t>(count);
+    };
     const char* names[] = {"x", "y", "rgb", "rgba", "normal_x", "ergb", "argbaz", "RGB", "h"};
     pcl::PCLPointCloud2 cloud;
     const bool regular = random.oneIn(2);
-    const std::uint32_t fieldCount = random.below(6U);
+    const std::uint32_t fieldCount = below(6);
     std::uint32_t end = 0;
     for (std::uint32_t i = 0; i < fieldCount; ++i) {
         const bool odd = !regular && random.oneIn(4);
-        const std::uint32_t offset =
-            odd ? random.below(100U) : end + (random.oneIn(3) ? random.below(5U) : 0);
-        const std::uint32_t count = random.oneIn(4) ? random.below(6U) : 1;
-        const auto datatype =
-            static_cast<std::uint8_t>(odd ? random.below(11U) : 1 + random.below(8U));
-        cloud.fields.push_back(
-            field(names[random.below(std::size(names))], offset, datatype, count));
+        const std::uint32_t offset = odd ? below(100) : end + (random.oneIn(3) ? below(5) : 0);
+        const std::uint32_t count = random.oneIn(4) ? below(6) : 1;
+        const auto datatype = static_cast<std::uint8_t>(odd ? below(11) : 1 + below(8));
+        cloud.fields.push_back(field(random.pick(names), offset, datatype, count));
         if (!regular && random.oneIn(20)) {
-            cloud.fields.back().count = 0x80000000U + random.below(3U);
+            cloud.fields.back().count = 0x80000000U + below(3);
         }
         end = offset + 8 * std::max(std::min(count, 6U), 1U);
     }
-    cloud.width = random.below(random.oneIn(10) ? 600U : 9U);
-    cloud.height = 1 + random.below(3U);
+    cloud.width = below(random.oneIn(10) ? 600 : 9);
+    cloud.height = 1 + below(3);
     cloud.is_bigendian = random.oneIn(4);
     const std::uint32_t size = cloud.width * cloud.height * end;
-    cloud.data.resize(regular ? size + random.below(3U) : random.below(size + 20));
+    cloud.data.resize(regular ? size + below(3) : below(size + 20));
     for (unsigned char& byte : cloud.data) {
         byte = static_cast<unsigned char>(random());
     }

@@ -13,7 +13,7 @@ namespace {
 class ObjectSequence {
 public:
     explicit ObjectSequence(std::uint32_t seed) : m_random(seed) {
-        for (int objects = 1 + m_random.below(14); objects > 0; --objects) {
+        for (int objects = 1 + m_random.below<int>(14); objects > 0; --objects) {
             addObject();
         }
         m_lines.insert(m_lines.end(), {"0", "EOF"});

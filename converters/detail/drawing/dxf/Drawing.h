@@ -95,6 +95,8 @@ struct NotDrawn {
     LeftOutReason reason;
     /// entityFlag::invisible, entityFlag::paperSpace.
     std::uint8_t flags;
+    /// Which of Drawing::entities comes behind the first of them.
+    std::size_t place;
 };
 
 /// What a block or a stretch of the drawing itself holds: ranges of Drawing::entities and

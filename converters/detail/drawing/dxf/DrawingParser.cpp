@@ -180,7 +180,7 @@ void DrawingParser<Groups>::readSection() {
     } else if (beginsWith(name, "blocks")) {
         readBlocks();
     } else if (beginsWith(name, "entities")) {
-        m_builder.beginContents(false);
+        m_builder.beginContents(ContentsOf::drawing);
         readEntities();
         m_drawing.stretches.push_back(m_builder.endContents());
     } else if (beginsWith(name, "objects")) {
@@ -291,11 +291,13 @@ void DrawingParser<Groups>::readBlock() {
     Block block{};
     block.base = {m_entity.real(Slot::x), m_entity.real(Slot::y), m_entity.real(Slot::z)};
     block.isExternal = (m_entity.flags & externalReference) != 0;
-    const bool isPaper = isPaperSpace(name);
-    m_builder.beginContents(isPaper);
+    const ContentsOf owner = isPaperSpace(name)   ? ContentsOf::paperSpace
+                             : isModelSpace(name) ? ContentsOf::drawing
+                                                  : ContentsOf::block;
+    m_builder.beginContents(owner);
     readEntities();
     block.contents = m_builder.endContents();
-    if (isPaper || isModelSpace(name)) {
+    if (owner != ContentsOf::block) {
         m_drawing.stretches.push_back(block.contents);
         return;
     }
@@ -646,7 +648,9 @@ void addNotes(const DrawingParser<Groups>& parser, Drawing& drawing) {
     if (!parser.hasEnd()) {
         drawing.notes.emplace_back("the file has no end mark; it may be cut short");
     }
-    if (groups.skippedLines() > 0) {
+    if (groups.skippedLines() == 1) {
+        drawing.notes.emplace_back("1 line is no part of any group and was skipped");
+    } else if (groups.skippedLines() > 1) {
         drawing.notes.push_back(std::to_string(groups.skippedLines()) +
                                 " lines are no part of any group and were skipped");
     }

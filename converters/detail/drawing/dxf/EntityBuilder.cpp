@@ -1,5 +1,6 @@
 #include "converters/detail/drawing/dxf/EntityBuilder.h"
 
+#include "converters/detail/drawing/dxf/EntityNames.h"
 #include "converters/detail/drawing/dxf/KindNumbers.h"
 #include "converters/detail/drawing/dxf/Numbers.h"
 #include "converters/detail/drawing/geometry/Angle.h"
@@ -63,8 +64,8 @@ bool isFinite(std::initializer_list<double> numbers) {
 
 } // namespace
 
-void EntityBuilder::beginContents(bool inPaperSpace) {
-    m_inPaperSpace = inPaperSpace;
+void EntityBuilder::beginContents(ContentsOf owner) {
+    m_owner = owner;
     m_contents.firstEntity = m_drawing.entities.size();
     m_contents.firstNotDrawn = m_drawing.notDrawn.size();
     m_places.clear();
@@ -78,7 +79,7 @@ Contents EntityBuilder::endContents() {
 
 int EntityBuilder::flagsOf(const EntityAttributes& attributes) const {
     const bool isInPaperSpace =
-        m_inPaperSpace ||
+        m_owner == ContentsOf::paperSpace ||
         (attributes.tellsSpace ? attributes.isInPaperSpace : attributes.isOwnedByPaperSpace);
     return (attributes.isInvisible ? entityFlag::invisible : 0) |
            (isInPaperSpace ? entityFlag::paperSpace : 0);
@@ -93,12 +94,17 @@ void EntityBuilder::add(EntityKind kind, const EntityGroups& groups, std::size_t
 
 void EntityBuilder::addNotDrawn(const EntityAttributes& attributes, std::string_view kind,
                                 LeftOutReason reason) {
+    // What an INSERT draws of it is an ATTRIB.
+    if (m_owner == ContentsOf::block && objectKindOf(kind) == ObjectKind::attributeDefinition) {
+        return;
+    }
     const std::uint32_t number = m_drawing.kindNames.numberOf(withoutBlanks(kind));
     const auto flags = static_cast<std::uint8_t>(flagsOf(attributes));
     const auto [place, isNew] = m_places.emplace(
         std::tuple(number, attributes.layer, reason, flags), m_drawing.notDrawn.size());
     if (isNew) {
-        m_drawing.notDrawn.push_back({number, attributes.layer, 0, reason, flags});
+        m_drawing.notDrawn.push_back(
+            {number, attributes.layer, 0, reason, flags, m_drawing.entities.size()});
     }
     ++m_drawing.notDrawn[place->second].number;
 }

@@ -22,6 +22,9 @@ struct PolylineVertex {
     std::int64_t flags = 0;
 };
 
+/// Whose contents are read: those of the drawing itself, of its paper, or of a block.
+enum class ContentsOf : std::uint8_t { drawing, paperSpace, block };
+
 /// Makes the entities of a drawing of what their groups say; what is broken is counted instead.
 ///
 /// Blocks and stretches are made one after another: what is added belongs to the last one begun.
@@ -29,9 +32,7 @@ class EntityBuilder {
 public:
     explicit EntityBuilder(Drawing& drawing) : m_drawing(drawing) {}
 
-    /// Begins the contents of a block or a stretch.
-    /// @param inPaperSpace  whether all that is added is in paper space
-    void beginContents(bool inPaperSpace);
+    void beginContents(ContentsOf owner);
     /// Ends them: the ranges of what was added.
     Contents endContents();
 
@@ -62,7 +63,7 @@ private:
 
     Drawing& m_drawing;
     Contents m_contents;
-    bool m_inPaperSpace = false;
+    ContentsOf m_owner = ContentsOf::drawing;
     std::vector<PolylineVertex> m_curveVertices;
     /// Where in Drawing::notDrawn a kind, layer, reason and flags are counted.
     std::map<std::tuple<std::uint32_t, std::uint32_t, LeftOutReason, std::uint8_t>, std::size_t>

@@ -4,6 +4,7 @@
 #include "converters/detail/drawing/geometry/EllipticArcs.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace converters::drawing {
 
@@ -13,9 +14,24 @@ Point pointAt(const double* numbers) {
     return {numbers[0], numbers[1], numbers[2]};
 }
 
-bool isPolyline(EntityKind kind) {
-    return kind == EntityKind::lwpolyline || kind == EntityKind::polyline ||
-           kind == EntityKind::polyline3d;
+/// Whether what starts here, and is so long at most, has coordinates to calculate with.
+bool isInReach(const Point& start, double length) {
+    constexpr double farthest = 1e150;
+    return length <= farthest && lengthOf(start) <= farthest;
+}
+
+double roughLength(const Curve& curve) {
+    if (const auto* const arc = std::get_if<EllipticArc>(&curve)) {
+        return std::abs(arc->sweep) * std::max(lengthOf(arc->first), lengthOf(arc->second));
+    }
+    if (const auto* const spline = std::get_if<BSpline>(&curve)) {
+        double length = 0;
+        for (std::size_t i = 1; i < spline->controlPoints.size(); ++i) {
+            length += distance(spline->controlPoints[i - 1], spline->controlPoints[i]);
+        }
+        return length;
+    }
+    return lengthOf(curve);
 }
 
 } // namespace
@@ -35,10 +51,15 @@ EntityCurves::EntityCurves(const Drawing& drawing, const Entity& entity, const A
     }
     if (entity.kind == EntityKind::point) {
         m_size = 0;
-    } else if (isPolyline(entity.kind)) {
+    } else if (isPolyline()) {
         const bool isClosed = (entity.flags & entityFlag::closed) != 0;
         m_size = vertices() - (isClosed ? 0 : 1);
     }
+}
+
+bool EntityCurves::isPolyline() const {
+    return m_entity.kind == EntityKind::lwpolyline || m_entity.kind == EntityKind::polyline ||
+           m_entity.kind == EntityKind::polyline3d;
 }
 
 Point EntityCurves::vertex(std::size_t i) const {
@@ -65,7 +86,7 @@ Curve EntityCurves::edge(std::size_t i) const {
 }
 
 Curve EntityCurves::operator[](std::size_t curve) const {
-    return isPolyline(m_entity.kind) ? edge(curve) : only();
+    return isPolyline() ? edge(curve) : only();
 }
 
 /// The curve of an entity that is one.
@@ -120,29 +141,40 @@ Point EntityCurves::end() const {
     }
 }
 
-bool EntityCurves::isClosed() const {
-    return m_size > 0 && m_entity.kind != EntityKind::line && start() == end();
+EntityCurves::Extent EntityCurves::extent() const {
+    if (isPolyline()) {
+        return polylineExtent();
+    }
+    if (m_entity.kind == EntityKind::point || m_entity.kind == EntityKind::line) {
+        const Point from = start();
+        const Point to = end();
+        const double length = distance(from, to);
+        return {from, to, length, isInReach(from, length), from == to};
+    }
+    const Curve curve = only();
+    const Point from = startOf(curve);
+    const double length = roughLength(curve);
+    return {from, endOf(curve), length, isInReach(from, length) && drawing::isFinite(curve),
+            drawing::isDot(curve)};
 }
 
-bool EntityCurves::isFinite() const {
-    if (m_size == 0 || m_entity.kind == EntityKind::line) {
-        return drawing::isFinite(start()) && drawing::isFinite(end());
-    }
+EntityCurves::Extent EntityCurves::polylineExtent() const {
+    Extent extent{start(), end(), 0, true, true};
+    Point last = extent.start;
     for (std::size_t i = 0; i < m_size; ++i) {
-        if (!drawing::isFinite((*this)[i])) {
-            return false;
+        const Point next = m_map(vertex(i + 1 == vertices() ? 0 : i + 1));
+        if (next != last && bulge(i) != 0) {
+            const Curve curve = edge(i);
+            extent.length += roughLength(curve);
+            extent.isFinite = extent.isFinite && drawing::isFinite(curve);
+        } else {
+            extent.length += distance(last, next);
         }
+        extent.isDot = extent.isDot && next == last;
+        last = next;
     }
-    return true;
-}
-
-bool EntityCurves::isDot() const {
-    for (std::size_t i = 0; i < m_size; ++i) {
-        if (!drawing::isDot((*this)[i])) {
-            return false;
-        }
-    }
-    return true;
+    extent.isFinite = extent.isFinite && isInReach(extent.start, extent.length);
+    return extent;
 }
 
 bool isDot(const Curve& curve) {

@@ -26,23 +26,28 @@ public:
     Point start() const;
     Point end() const;
 
-    /// Whether the file calls it closed, or draws it all round.
-    bool isClosed() const;
-
-    /// Whether all coordinates of the curves are finite.
-    bool isFinite() const;
-
-    /// Whether there is nothing but a dot: a POINT, or an entity all of whose points are one.
-    bool isDot() const;
+    /// What joining needs to know of an entity.
+    struct Extent {
+        Point start;
+        Point end;
+        /// Along the entity, or along what encloses it: more than the way, but not by much.
+        double length;
+        /// Whether all coordinates are finite, and small enough for their squares to be.
+        bool isFinite;
+        /// Whether there is nothing but a dot: all points are one.
+        bool isDot;
+    };
+    Extent extent() const;
 
 private:
-    const double* numbers() const { return m_numbers; }
     std::size_t vertices() const { return static_cast<std::size_t>(m_numbers[0]); }
     /// A vertex of a polyline in its own coordinates.
     Point vertex(std::size_t i) const;
     double bulge(std::size_t i) const;
     Curve edge(std::size_t i) const;
     Curve only() const;
+    Extent polylineExtent() const;
+    bool isPolyline() const;
 
     const Drawing& m_drawing;
     const Entity& m_entity;

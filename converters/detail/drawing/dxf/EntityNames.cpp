@@ -15,7 +15,7 @@ struct NamedKind {
 };
 
 /// Frequent ones first.
-constexpr std::array<NamedKind, 23> kinds = {{{"LINE", ObjectKind::line},
+constexpr std::array<NamedKind, 24> kinds = {{{"LINE", ObjectKind::line},
                                               {"LWPOLYLINE", ObjectKind::lwpolyline},
                                               {"VERTEX", ObjectKind::vertex},
                                               {"ARC", ObjectKind::arc},
@@ -33,6 +33,7 @@ constexpr std::array<NamedKind, 23> kinds = {{{"LINE", ObjectKind::line},
                                               {"ENDBLK", ObjectKind::endOfBlock},
                                               {"DICTIONARY", ObjectKind::dictionary},
                                               {"SPATIAL_FILTER", ObjectKind::spatialFilter},
+                                              {"ATTDEF", ObjectKind::attributeDefinition},
                                               {"LAYER", ObjectKind::layer},
                                               {"BLOCK_RECORD", ObjectKind::blockRecord},
                                               {"SECTION", ObjectKind::section},

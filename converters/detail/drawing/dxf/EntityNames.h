@@ -35,6 +35,8 @@ enum class ObjectKind : std::uint8_t {
     /// The end of the vertices of a POLYLINE or of the attributes of an INSERT; a window of a
     /// layout: nothing that is drawn.
     nothing,
+    /// The form of the text that goes with a block.
+    attributeDefinition,
     /// Anything else.
     other
 };
@@ -42,7 +44,7 @@ enum class ObjectKind : std::uint8_t {
 /// What an object is by its name, as group 0 gives it: blanks around it and case do not matter.
 ObjectKind objectKindOf(std::string_view name);
 
-/// Why entities of a kind that is `other` are left out of a path.
+/// Why entities of a kind that draws nothing to follow are left out of a path.
 LeftOutReason reasonOf(std::string_view name);
 
 } // namespace converters::drawing

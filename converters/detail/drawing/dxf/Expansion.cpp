@@ -1,5 +1,6 @@
 #include "converters/detail/drawing/dxf/Expansion.h"
 
+#include "base/LargePages.h"
 #include "converters/detail/drawing/Refusal.h"
 #include "converters/detail/drawing/dxf/Saturating.h"
 
@@ -28,25 +29,30 @@ private:
     struct Visit {
         const Contents* contents;
         std::size_t nextEntity;
-        std::uint32_t placement;
+        std::size_t nextNotDrawn;
+        Placement placement;
+        /// Its index in the expansion, once anything is drawn.
+        std::uint32_t number;
         /// How often what is left out counts: all items at once, in the first of them.
         std::uint64_t multiplicity;
         /// None for a stretch.
         const Insert* insert;
         Point base;
-        std::uint32_t outer;
         std::uint64_t item;
         std::uint64_t items;
     };
+    static constexpr std::uint32_t noNumber = 0xFFFFFFFF;
 
-    void checkSize(std::uint64_t& steps) const;
-    void walk(const Contents& stretch);
-    void draw(const Entity& entity, std::size_t index, const Visit& visit);
-    void enter(const Entity& entity, const Visit& outer);
-    void push(const Entity& entity, std::uint32_t layer, const Block& block, const Visit& outer);
-    void place(Visit& visit);
-    bool goOn(Visit& visit);
-    void list(const Visit& visit);
+    void checkSize();
+    void walk(const Contents& stretch, const Affine& map);
+    const Entity* drawUpToInsert(Visit& visit);
+    void draw(const Entity& entity, std::size_t index, Visit& visit);
+    void enter(const Entity& entity);
+    void push(const Entity& entity, std::uint32_t layer, const Block& block);
+    void place(Visit& visit, const Affine& outer) const;
+    bool goOn();
+    void list(Visit& visit);
+    void countStep();
     std::optional<LeftOutReason> hiddenBecause(std::uint8_t flags,
                                                const Placement& placement) const;
     bool isClipped(const Insert& insert) const;
@@ -64,30 +70,34 @@ private:
     std::uint64_t m_allSteps = 0;
 };
 
+std::uint64_t itemsOf(const Insert& insert) {
+    return std::uint64_t{insert.columns} * insert.rows;
+}
+
 Expansion Expander::expand(const Affine& map) && {
-    checkSize(m_allSteps);
-    Placement drawing;
-    drawing.map = map;
-    m_expansion.placements.push_back(drawing);
+    checkSize();
     for (const Contents& stretch : m_drawing.stretches) {
-        walk(stretch);
+        walk(stretch, map);
     }
     return std::move(m_expansion);
 }
 
 /// Refuses a drawing whose blocks multiply beyond what is allowed, and reserves memory for others.
-void Expander::checkSize(std::uint64_t& steps) const {
+void Expander::checkSize() {
     std::uint64_t drawn = 0;
     for (const Contents& stretch : m_drawing.stretches) {
         const BlockGraph::Weight weight = m_graph.weightOf(stretch);
         drawn = saturatingSum(drawn, weight.drawn);
-        steps = saturatingSum(steps, saturatingSum(weight.steps, weight.listSteps));
+        m_allSteps = saturatingSum(m_allSteps, saturatingSum(weight.steps, weight.listSteps));
     }
     // Numbers of entities are short.
     constexpr std::uint64_t most = 0xFFFFFFFE;
+    // INSERTs are steps, too; some are nested, and some draw text alone.
+    constexpr std::uint64_t stepsPerEntity = 4;
     const std::uint64_t maximum = std::min<std::uint64_t>(m_options.maximumEntities, most);
     const std::uint64_t inFile = m_drawing.entities.size() + m_drawing.notDrawn.size();
-    if (drawn > maximum || steps > saturatingSum(saturatingProduct(2, maximum), inFile)) {
+    if (drawn > maximum ||
+        m_allSteps > saturatingSum(saturatingProduct(stepsPerEntity, maximum), inFile)) {
         throw Refusal{"more than " + std::to_string(m_options.maximumEntities) +
                       " entities when all blocks are drawn"};
     }
@@ -95,59 +105,75 @@ void Expander::checkSize(std::uint64_t& steps) const {
     if (drawn > m_options.maximumPoints) {
         throw Refusal{"more than " + std::to_string(m_options.maximumPoints) + " points"};
     }
+    base::reserveLarge(m_expansion.drawn, drawn);
 }
 
-void Expander::walk(const Contents& stretch) {
-    m_stack.push_back({&stretch, stretch.firstEntity, 0, 1, nullptr, {}, 0, 0, 1});
-    list(m_stack.back());
+void Expander::walk(const Contents& stretch, const Affine& map) {
+    Visit drawing{
+        &stretch, stretch.firstEntity, stretch.firstNotDrawn, {}, noNumber, 1, nullptr, {}, 0, 1};
+    drawing.placement.map = map;
+    m_stack.push_back(drawing);
     while (!m_stack.empty()) {
-        Visit& visit = m_stack.back();
-        if (visit.nextEntity == visit.contents->endEntity) {
-            if (!goOn(visit)) {
-                m_stack.pop_back();
-            }
-            continue;
-        }
-        const std::size_t index = visit.nextEntity++;
-        const Entity& entity = m_drawing.entities[index];
-        // A copy: the stack may move.
-        const Visit here = visit;
-        if (entity.kind == EntityKind::insert) {
-            enter(entity, here);
-        } else {
-            draw(entity, index, here);
-        }
-        constexpr std::uint64_t stepsPerReport = 1 << 14;
-        if (++m_steps % stepsPerReport == 0) {
-            m_progress.report(
-                std::min(1.0, static_cast<double>(m_steps) / static_cast<double>(m_allSteps)));
+        if (const Entity* const insert = drawUpToInsert(m_stack.back())) {
+            enter(*insert);
+        } else if (!goOn()) {
+            m_stack.pop_back();
         }
     }
 }
 
-void Expander::draw(const Entity& entity, std::size_t index, const Visit& visit) {
-    const Placement& placement = m_expansion.placements[visit.placement];
-    const std::uint32_t layer = layerOf(entity, placement, m_layers);
-    std::optional<LeftOutReason> reason = hiddenBecause(entity.flags, placement);
+/// Draws what comes before the next INSERT.
+/// @return that; null at the end of the contents
+const Entity* Expander::drawUpToInsert(Visit& visit) {
+    while (visit.nextEntity != visit.contents->endEntity) {
+        list(visit);
+        const std::size_t index = visit.nextEntity++;
+        const Entity& entity = m_drawing.entities[index];
+        countStep();
+        if (entity.kind == EntityKind::insert) {
+            return &entity;
+        }
+        draw(entity, index, visit);
+    }
+    list(visit);
+    return nullptr;
+}
+
+void Expander::countStep() {
+    constexpr std::uint64_t stepsPerReport = 1 << 14;
+    if (++m_steps % stepsPerReport == 0) {
+        m_progress.report(
+            std::min(1.0, static_cast<double>(m_steps) / static_cast<double>(m_allSteps)));
+    }
+}
+
+void Expander::draw(const Entity& entity, std::size_t index, Visit& visit) {
+    const std::uint32_t layer = layerOf(entity.layer, visit.placement, m_layers);
+    std::optional<LeftOutReason> reason = hiddenBecause(entity.flags, visit.placement);
     if (!reason) {
         reason = m_layers.hiddenBecause(layer);
     }
-    if (!reason) {
-        m_expansion.drawn.push_back({static_cast<std::uint32_t>(index), visit.placement});
-    } else if (visit.multiplicity > 0) {
-        m_leftOut.add(m_kinds[entity.kind], layer, *reason, visit.multiplicity);
+    if (reason) {
+        if (visit.multiplicity > 0) {
+            m_leftOut.add(m_kinds[entity.kind], layer, *reason, visit.multiplicity);
+        }
+        return;
     }
+    if (visit.number == noNumber) {
+        visit.number = static_cast<std::uint32_t>(m_expansion.placements.size());
+        m_expansion.placements.push_back(visit.placement);
+    }
+    m_expansion.drawn.push_back({static_cast<std::uint32_t>(index), visit.number});
 }
 
 /// Draws what an INSERT draws. When its layer is frozen, that is nothing; when that is off, what is
 /// on other layers.
-void Expander::enter(const Entity& entity, const Visit& outer) {
-    const Placement& placement = m_expansion.placements[outer.placement];
-    const std::uint32_t layer = layerOf(entity, placement, m_layers);
+void Expander::enter(const Entity& entity) {
+    const Visit& outer = m_stack.back();
+    const std::uint32_t layer = layerOf(entity.layer, outer.placement, m_layers);
     const Insert& insert = m_drawing.inserts[entity.data];
-    const std::uint64_t items = std::uint64_t{insert.columns} * insert.rows;
     const BlockGraph::Target target = m_graph.targetOf(entity.data);
-    std::optional<LeftOutReason> reason = hiddenBecause(entity.flags, placement);
+    std::optional<LeftOutReason> reason = hiddenBecause(entity.flags, outer.placement);
     if (!reason && m_layers.isFrozen(layer)) {
         reason = LeftOutReason::layerFrozen;
     }
@@ -157,8 +183,7 @@ void Expander::enter(const Entity& entity, const Visit& outer) {
     const bool isListed = outer.multiplicity > 0;
     if (reason) {
         if (isListed) {
-            m_leftOut.add(m_kinds[EntityKind::insert], layer, *reason,
-                          saturatingProduct(outer.multiplicity, items));
+            m_leftOut.add(m_kinds[EntityKind::insert], layer, *reason, outer.multiplicity);
         }
         return;
     }
@@ -170,70 +195,66 @@ void Expander::enter(const Entity& entity, const Visit& outer) {
         m_leftOut.add(m_kinds[EntityKind::insert], layer, LeftOutReason::drawnUnclipped,
                       outer.multiplicity);
     }
-    push(entity, layer, *target.block, outer);
+    push(entity, layer, *target.block);
 }
 
-void Expander::push(const Entity& entity, std::uint32_t layer, const Block& block,
-                    const Visit& outer) {
+void Expander::push(const Entity& entity, std::uint32_t layer, const Block& block) {
     const Insert& insert = m_drawing.inserts[entity.data];
-    const std::uint64_t items = std::uint64_t{insert.columns} * insert.rows;
+    const Visit& outer = m_stack.back();
+    const Contents& contents = block.contents;
     const bool drawsNothing = m_graph.weightOf(block).drawn == 0;
-    Placement inner;
-    inner.isBlock = true;
-    inner.layer = layer;
-    {
-        const Placement& placement = m_expansion.placements[outer.placement];
-        inner.insert = placement.isBlock ? placement.insert : entity.handle;
-        inner.colour = colourOf(entity, placement, m_layers);
-    }
-    const auto number = static_cast<std::uint32_t>(m_expansion.placements.size());
-    m_expansion.placements.push_back(inner);
-    m_stack.push_back({&block.contents, block.contents.firstEntity, number,
-                       saturatingProduct(outer.multiplicity, items), &insert, block.base,
-                       outer.placement, 0, drawsNothing ? 1 : items});
-    place(m_stack.back());
-    list(m_stack.back());
+    Visit inner{&contents,
+                contents.firstEntity,
+                contents.firstNotDrawn,
+                {},
+                noNumber,
+                saturatingProduct(outer.multiplicity, itemsOf(insert)),
+                &insert,
+                block.base,
+                0,
+                drawsNothing ? 1 : itemsOf(insert)};
+    inner.placement.isBlock = true;
+    inner.placement.layer = layer;
+    inner.placement.insert = outer.placement.isBlock ? outer.placement.insert : entity.handle;
+    inner.placement.colour = colourOf(entity, outer.placement, m_layers);
+    place(inner, outer.placement.map);
+    m_stack.push_back(inner);
 }
 
 /// Places the block where the item of the array is.
-void Expander::place(Visit& visit) {
+void Expander::place(Visit& visit, const Affine& outer) const {
     const Insert& insert = *visit.insert;
     InsertPlacement placement = insert.placement;
     placement.base = visit.base;
     placement.arrayOffset = {
         static_cast<double>(visit.item % insert.columns) * insert.columnSpacing,
         static_cast<double>(visit.item / insert.columns) * insert.rowSpacing, 0};
-    m_expansion.placements[visit.placement].map =
-        m_expansion.placements[visit.outer].map * Affine::ofInsert(placement);
+    visit.placement.map = outer * Affine::ofInsert(placement);
 }
 
 /// Goes on to the next item of an array.
 /// @return false when there is none
-bool Expander::goOn(Visit& visit) {
+bool Expander::goOn() {
+    Visit& visit = m_stack.back();
     if (++visit.item >= visit.items) {
         return false;
     }
-    const Placement before = m_expansion.placements[visit.placement];
-    visit.placement = static_cast<std::uint32_t>(m_expansion.placements.size());
-    m_expansion.placements.push_back(before);
+    visit.number = noNumber;
     visit.nextEntity = visit.contents->firstEntity;
+    visit.nextNotDrawn = visit.contents->endNotDrawn;
     visit.multiplicity = 0;
-    place(visit);
+    place(visit, m_stack[m_stack.size() - 2].placement.map);
     return true;
 }
 
-/// Lists what the contents hold and nothing can be followed of.
-void Expander::list(const Visit& visit) {
-    if (visit.multiplicity == 0) {
-        return;
-    }
-    const Placement& placement = m_expansion.placements[visit.placement];
-    for (std::size_t i = visit.contents->firstNotDrawn; i != visit.contents->endNotDrawn; ++i) {
-        const NotDrawn& entry = m_drawing.notDrawn[i];
-        const std::uint32_t named = m_layers.layerOf(entry.layer);
-        const bool inherits = placement.isBlock && named == m_layers.layerZero();
-        const std::uint32_t layer = inherits ? placement.layer : named;
-        std::optional<LeftOutReason> reason = hiddenBecause(entry.flags, placement);
+/// Lists what the contents hold up to here and nothing can be followed of.
+void Expander::list(Visit& visit) {
+    const bool isListed = visit.multiplicity > 0;
+    while (isListed && visit.nextNotDrawn != visit.contents->endNotDrawn &&
+           m_drawing.notDrawn[visit.nextNotDrawn].place <= visit.nextEntity) {
+        const NotDrawn& entry = m_drawing.notDrawn[visit.nextNotDrawn++];
+        const std::uint32_t layer = layerOf(entry.layer, visit.placement, m_layers);
+        std::optional<LeftOutReason> reason = hiddenBecause(entry.flags, visit.placement);
         if (!reason) {
             reason = m_layers.hiddenBecause(layer);
         }
@@ -262,8 +283,8 @@ bool Expander::isClipped(const Insert& insert) const {
 
 } // namespace
 
-std::uint32_t layerOf(const Entity& entity, const Placement& placement, const LayerTable& layers) {
-    const std::uint32_t layer = layers.layerOf(entity.layer);
+std::uint32_t layerOf(std::uint32_t name, const Placement& placement, const LayerTable& layers) {
+    const std::uint32_t layer = layers.layerOf(name);
     return placement.isBlock && layer == layers.layerZero() ? placement.layer : layer;
 }
 
@@ -271,7 +292,7 @@ Colour colourOf(const Entity& entity, const Placement& placement, const LayerTab
     if (entity.trueColour == noTrueColour && entity.colour == colourByBlock) {
         return placement.colour;
     }
-    const std::uint32_t layer = layerOf(entity, placement, layers);
+    const std::uint32_t layer = layerOf(entity.layer, placement, layers);
     const bool isByLayer = entity.colour == colourByLayer || entity.colour == colourByBlock;
     const std::uint16_t index = isByLayer ? layers[layer].colour : entity.colour;
     const bool isLayers = entity.trueColour == noTrueColour && entity.colour == colourByLayer;

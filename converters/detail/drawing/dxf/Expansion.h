@@ -50,7 +50,8 @@ struct Expansion {
 };
 
 /// The layer that an entity is drawn on.
-std::uint32_t layerOf(const Entity& entity, const Placement& placement, const LayerTable& layers);
+/// @param name  as its group 8 has it: a number in Drawing::layerNames
+std::uint32_t layerOf(std::uint32_t name, const Placement& placement, const LayerTable& layers);
 
 /// The colour that an entity is drawn in.
 Colour colourOf(const Entity& entity, const Placement& placement, const LayerTable& layers);

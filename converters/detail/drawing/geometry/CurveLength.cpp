@@ -95,11 +95,11 @@ double speedOf(const BezierCurve& curve, const BezierCurve& derivative, bool rat
                double part) {
     const Homogeneous change = derivative.at(part);
     if (!rational) {
-        return lengthOf(change.place);
+        return lengthOf(change.place());
     }
     const Homogeneous here = curve.at(part);
     const Point point = project(here);
-    return lengthOf((change.place - change.weight * point) * (1 / here.weight));
+    return lengthOf((change.place() - change.weight * point) * (1 / here.weight));
 }
 
 } // namespace

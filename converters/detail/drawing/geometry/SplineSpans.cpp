@@ -26,24 +26,29 @@ void keepAbove(BezierCurve& curve, double part) {
 
 } // namespace
 
-// Bernstein's polynomials in the manner of Horner.
+// Bernstein's polynomials in the manner of Horner; written out for the degrees that most have.
 Homogeneous BezierCurve::at(double part) const {
+    if (degree == 0) {
+        return points[0];
+    }
     const double rest = 1 - part;
-    Vector place = points[0].place * rest;
-    double weight = points[0].weight * rest;
+    if (degree == 3) {
+        return rest * (rest * (rest * points[0] + 3 * part * points[1]) +
+                       3 * part * part * points[2]) +
+               part * part * part * points[3];
+    }
+    if (degree == 2) {
+        return rest * (rest * points[0] + 2 * part * points[1]) + part * part * points[2];
+    }
+    Homogeneous sum = rest * points[0];
     double power = 1;
     double binomial = 1;
     for (std::size_t i = 1; i < degree; ++i) {
         power *= part;
         binomial = binomial * static_cast<double>(degree - i + 1) / static_cast<double>(i);
-        const double factor = power * binomial;
-        place = (place + factor * points[i].place) * rest;
-        weight = (weight + factor * points[i].weight) * rest;
+        sum = rest * (sum + power * binomial * points[i]);
     }
-    power *= part;
-    return degree == 0 ? points[0]
-                       : Homogeneous{place + power * points[degree].place,
-                                     weight + power * points[degree].weight};
+    return sum + power * part * points[degree];
 }
 
 BezierCurve BezierCurve::over(double from, double to) const {
@@ -58,17 +63,11 @@ BezierCurve BezierCurve::over(double from, double to) const {
 }
 
 BezierCurve BezierCurve::derivative() const {
-    BezierCurve result;
-    if (degree == 0) {
-        result.degree = 0;
-        result.points[0] = {{0, 0, 0}, 0};
-        return result;
-    }
-    result.degree = degree - 1;
+    BezierCurve result(degree > 0 ? degree - 1 : 0);
+    result.points[0] = {0, 0, 0, 0};
     const double factor = static_cast<double>(degree);
     for (std::size_t i = 0; i < degree; ++i) {
-        result.points[i] = {factor * (points[i + 1].place - points[i].place),
-                            factor * (points[i + 1].weight - points[i].weight)};
+        result.points[i] = factor * (points[i + 1] - points[i]);
     }
     return result;
 }
@@ -88,7 +87,7 @@ std::size_t SplineSpans::spanOf(double parameter) const {
 Homogeneous SplineSpans::controlPoint(std::size_t index) const {
     const Point& point = m_spline.controlPoints[index];
     const double weight = isRational() ? m_spline.weights[index] : 1;
-    return {weight * point, weight};
+    return {weight * point.x, weight * point.y, weight * point.z, weight};
 }
 
 // Both loops are de Boor's scheme. The first one, at the lower end of the span, leaves control
@@ -97,8 +96,7 @@ BezierCurve SplineSpans::curveOf(std::size_t span) const {
     const std::size_t degree = m_spline.degree;
     const double low = knot(span);
     const double high = knot(span + 1);
-    BezierCurve curve;
-    curve.degree = degree;
+    BezierCurve curve(degree);
     for (std::size_t i = 0; i <= degree; ++i) {
         curve.points[i] = controlPoint(span - degree + i);
     }
@@ -123,7 +121,7 @@ BezierCurve SplineSpans::curveOf(std::size_t span) const {
 Point SplineSpans::at(double parameter) const {
     const std::size_t span = spanOf(parameter);
     const Homogeneous point = curveOf(span).at((parameter - knot(span)) / width(span));
-    return isRational() ? project(point) : point.place;
+    return isRational() ? project(point) : point.place();
 }
 
 // A control point at an end with more knots than the degree and one has no influence.

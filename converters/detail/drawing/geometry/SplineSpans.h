@@ -3,26 +3,59 @@
 #include "converters/detail/drawing/geometry/Curve.h"
 #include "converters/detail/drawing/geometry/SplineDefinition.h"
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 
 namespace converters::drawing {
 
 /// A point in homogeneous coordinates: the place, times the weight, and the weight.
+///
+/// Not made of a Vector, which is set to 0 when it is made: arrays of these stay as they are.
 struct Homogeneous {
-    Vector place;
+    double x;
+    double y;
+    double z;
     double weight;
+
+    Vector place() const { return {x, y, z}; }
 };
 
+inline Homogeneous operator+(const Homogeneous& a, const Homogeneous& b) {
+    return {a.x + b.x, a.y + b.y, a.z + b.z, a.weight + b.weight};
+}
+inline Homogeneous operator-(const Homogeneous& a, const Homogeneous& b) {
+    return {a.x - b.x, a.y - b.y, a.z - b.z, a.weight - b.weight};
+}
+inline Homogeneous operator*(double factor, const Homogeneous& point) {
+    return {factor * point.x, factor * point.y, factor * point.z, factor * point.weight};
+}
+
+/// The point between two, at `part` of the way; exactly `a` for 0 and `b` for 1.
 inline Homogeneous between(const Homogeneous& a, const Homogeneous& b, double part) {
-    return {(1 - part) * a.place + part * b.place, (1 - part) * a.weight + part * b.weight};
+    return (1 - part) * a + part * b;
+}
+
+/// The point of space that homogeneous coordinates mean.
+inline Point project(const Homogeneous& point) {
+    return {point.x / point.weight, point.y / point.weight, point.z / point.weight};
 }
 
 /// A polynomial curve over [0, 1] in homogeneous coordinates, by its Bezier points.
 struct BezierCurve {
     std::size_t degree;
-    /// degree + 1 of them.
+    /// degree + 1 of them; the others are not set.
     std::array<Homogeneous, largestDegree + 1> points;
+
+    explicit BezierCurve(std::size_t ofDegree) : degree(ofDegree) {}
+    BezierCurve(const BezierCurve& other) : degree(other.degree) {
+        std::copy_n(other.points.begin(), degree + 1, points.begin());
+    }
+    BezierCurve& operator=(const BezierCurve& other) {
+        degree = other.degree;
+        std::copy_n(other.points.begin(), degree + 1, points.begin());
+        return *this;
+    }
 
     Homogeneous at(double part) const;
 
@@ -62,6 +95,11 @@ public:
     /// The point at a parameter within [from(), to()].
     Point at(double parameter) const;
 
+    /// The control points that a span depends on: degree + 1 from here.
+    const Point* controlPointsOf(std::size_t span) const {
+        return m_spline.controlPoints.data() + (span - m_spline.degree);
+    }
+
     /// The ends; exactly the control points where the knots are clamped.
     Point start() const;
     Point end() const;
@@ -71,11 +109,5 @@ private:
 
     const BSpline& m_spline;
 };
-
-/// The point of space that homogeneous coordinates mean.
-inline Point project(const Homogeneous& point) {
-    return {point.place.x / point.weight, point.place.y / point.weight,
-            point.place.z / point.weight};
-}
 
 } // namespace converters::drawing

@@ -1,0 +1,220 @@
+// path_benchmark ROUNDS MOST EZDXF [DRAWING...]: what readPath takes beside GDAL and ezdxf, in CPU
+// time and memory, as JSON. The drawings are those named and made ones of 1,000 to MOST entities;
+// EZDXF is the script that has ezdxf do the same.
+//
+// Every measurement is a process of its own, so that each has its own peak of memory. All begin
+// with a file and end with points in memory.
+
+#include "tests/support/PathDrawings.h"
+#include "converters/Converters.h"
+#include "converters/DrawingPath.h"
+
+#include <gdal_priv.h>
+#include <malloc.h>
+#include <ogrsf_frmts.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <ctime>
+#include <fstream>
+#include <functional>
+#include <string>
+
+namespace {
+
+constexpr double tolerance = 0.01;
+/// What an ordinary step of the walk is, for the comparison with it.
+constexpr double walkStep = 0.1;
+
+struct Cost {
+    double seconds = -1;
+    double kibibytes = 0;
+    double points = 0;
+};
+
+double cpuSeconds() {
+    timespec time{};
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
+    return static_cast<double>(time.tv_sec) + 1e-9 * static_cast<double>(time.tv_nsec);
+}
+
+double statusOf(const std::string& name) {
+    std::ifstream status("/proc/self/status");
+    std::string line;
+    while (std::getline(status, line)) {
+        if (line.compare(0, name.size() + 1, name + ':') == 0) {
+            return std::stod(line.substr(name.size() + 1));
+        }
+    }
+    return 0;
+}
+
+/// The least time of some rounds, each in a child process; `work` returns the number of points.
+Cost costOf(int rounds, const std::function<std::size_t()>& work) {
+    Cost least;
+    for (int round = 0; round < rounds; ++round) {
+        int ends[2];
+        if (pipe(ends) != 0) {
+            return least;
+        }
+        const pid_t child = fork();
+        if (child == 0) {
+            malloc_trim(0);
+            std::ofstream("/proc/self/clear_refs") << 5;
+            const double memory = statusOf("VmRSS");
+            const double start = cpuSeconds();
+            Cost cost;
+            cost.points = static_cast<double>(work());
+            cost.seconds = cpuSeconds() - start;
+            cost.kibibytes = statusOf("VmHWM") - memory;
+            _exit(write(ends[1], &cost, sizeof cost) == sizeof cost ? 0 : 1);
+        }
+        close(ends[1]);
+        Cost cost;
+        const bool isMeasured = read(ends[0], &cost, sizeof cost) == sizeof cost;
+        close(ends[0]);
+        waitpid(child, nullptr, 0);
+        if (isMeasured && (least.seconds < 0 || cost.seconds < least.seconds)) {
+            least = cost;
+        }
+    }
+    return least;
+}
+
+std::size_t readPath(const std::string& file, const converters::PathOptions& options) {
+    converters::DrawingPath path;
+    const converters::ReadResult result =
+        converters::readPath(std::filesystem::path(file), path, options);
+    if (!result) {
+        std::fprintf(stderr, "%s: %s\n", file.c_str(), result.reason.c_str());
+        std::abort();
+    }
+    return path.points.size();
+}
+
+std::size_t walk(const std::string& file) {
+    std::vector<unsigned char> bytes;
+    converters::from_file(file, bytes);
+    std::vector<cv::Point3_<double>> points;
+    converters::fromDxf({bytes.begin(), bytes.end()}, points);
+    return points.size();
+}
+
+std::size_t pointsOf(const OGRGeometry& geometry) {
+    if (const auto* const collection = dynamic_cast<const OGRGeometryCollection*>(&geometry)) {
+        std::size_t points = 0;
+        for (const OGRGeometry* const part : *collection) {
+            points += pointsOf(*part);
+        }
+        return points;
+    }
+    if (const auto* const curve = dynamic_cast<const OGRSimpleCurve*>(&geometry)) {
+        return static_cast<std::size_t>(curve->getNumPoints());
+    }
+    return 1;
+}
+
+/// Every feature with its geometry, and nothing kept: less than readPath does.
+std::size_t readWithGdal(const std::string& file) {
+    const auto dataset = GDALDatasetUniquePtr(GDALDataset::Open(file.c_str(), GDAL_OF_VECTOR));
+    std::size_t points = 0;
+    for (const auto& feature : dataset->GetLayer(0)) {
+        if (const OGRGeometry* const geometry = feature->GetGeometryRef()) {
+            points += pointsOf(*geometry);
+        }
+    }
+    return points;
+}
+
+/// A program's CPU time and memory, those of its start included.
+Cost costOfProgram(const std::string& command) {
+    rusage before{};
+    getrusage(RUSAGE_CHILDREN, &before);
+    Cost cost;
+    FILE* const output = popen(command.c_str(), "r");
+    if (output == nullptr) {
+        return cost;
+    }
+    char line[200] = "";
+    double seconds = -1;
+    const bool isTold =
+        std::fgets(line, sizeof line, output) != nullptr &&
+        std::sscanf(line, "%lf %lf %lf", &seconds, &cost.kibibytes, &cost.points) == 3;
+    if (pclose(output) != 0) {
+        return cost;
+    }
+    rusage after{};
+    getrusage(RUSAGE_CHILDREN, &after);
+    const auto total = [](const rusage& usage) {
+        return static_cast<double>(usage.ru_utime.tv_sec + usage.ru_stime.tv_sec) +
+               1e-6 * static_cast<double>(usage.ru_utime.tv_usec + usage.ru_stime.tv_usec);
+    };
+    cost.seconds = isTold ? seconds : total(after) - total(before);
+    return cost;
+}
+
+void print(const char* name, const Cost& cost) {
+    std::printf(", \"%s\": {\"seconds\": %.6f, \"kibibytes\": %.0f, \"points\": %.0f}", name,
+                cost.seconds, cost.kibibytes, cost.points);
+}
+
+/// @param hasWalk  whether the walk of fromDxf holds about what the path does
+void measure(int rounds, const std::string& name, const std::string& file, const std::string& ezdxf,
+             bool hasWalk) {
+    converters::PathOptions options;
+    options.tolerance = tolerance;
+    static bool isFirst = true;
+    std::printf("%s\n  {\"drawing\": \"%s\"", isFirst ? "" : ",", name.c_str());
+    isFirst = false;
+    print("readPath", costOf(rounds, [&] { return readPath(file, options); }));
+    if (hasWalk) {
+        options.step = walkStep;
+        print("readPath, step", costOf(rounds, [&] { return readPath(file, options); }));
+        print("fromDxf", costOf(rounds, [&] { return walk(file); }));
+    }
+    print("GDAL", costOf(std::min(rounds, 3), [&] { return readWithGdal(file); }));
+    print("ogr2ogr", costOfProgram("ogr2ogr -f Memory out '" + file + "' 2>/dev/null"));
+    print("ezdxf", costOfProgram("/usr/bin/python3 '" + ezdxf + "' '" + file + "' 2>/dev/null"));
+    std::printf("}");
+    std::fflush(stdout);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    if (argc < 4) {
+        std::fprintf(stderr, "usage: %s ROUNDS MOST EZDXF [DRAWING...]\n", argv[0]);
+        return 2;
+    }
+    GDALAllRegister();
+    // Blocks of any number of features, arcs as fine as the tolerance asks for.
+    const double degrees =
+        2 * std::acos(1 - tolerance / pathDrawingRadius) * 180 / 3.14159265358979;
+    setenv("OGR_ARC_STEPSIZE", std::to_string(degrees).c_str(), 1);
+    setenv("DXF_FEATURE_LIMIT_PER_BLOCK", "-1", 1);
+
+    const int rounds = std::atoi(argv[1]);
+    const std::size_t most = std::strtoull(argv[2], nullptr, 10);
+    const std::string made = "/dev/shm/converters-" + std::to_string(getpid()) + ".dxf";
+    std::printf("[");
+    for (std::size_t entities = 1000; entities <= most; entities *= 10) {
+        for (const bool withBlocks : {false, true}) {
+            std::ofstream(made, std::ios::binary) << pathDrawing(entities, withBlocks);
+            measure(rounds,
+                    std::to_string(entities) + (withBlocks ? " entities in blocks" : " entities"),
+                    made, argv[3], !withBlocks);
+        }
+    }
+    std::remove(made.c_str());
+    for (int i = 4; i < argc; ++i) {
+        const std::string file = argv[i];
+        measure(rounds, file.substr(file.rfind('/') + 1), file, argv[3], false);
+    }
+    std::printf("\n]\n");
+    return 0;
+}

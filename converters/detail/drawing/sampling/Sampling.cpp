@@ -1,0 +1,113 @@
+#include "converters/detail/drawing/sampling/Sampling.h"
+
+#include "converters/detail/drawing/geometry/Angle.h"
+#include "converters/detail/drawing/geometry/CurveOperations.h"
+#include "converters/detail/drawing/geometry/EllipticArcs.h"
+#include "converters/detail/drawing/sampling/EllipseWalk.h"
+#include "converters/detail/drawing/sampling/PointSink.h"
+#include "converters/detail/drawing/sampling/SplineWalk.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace converters::drawing {
+
+namespace {
+
+/// The least whole number not below a value, but for rounding: 10 for 1 / 0.1. At least 1;
+/// tooManyPoints for more than the maximum.
+std::size_t chordsFor(double value, const SamplingLimits& limits) {
+    const double chords = std::max(std::ceil(value * (1 - 1e-12)), 1.0);
+    return chords <= static_cast<double>(limits.maximumPoints) ? static_cast<std::size_t>(chords)
+                                                               : tooManyPoints;
+}
+
+std::size_t countChords(const Line& line, const SamplingLimits& limits) {
+    // What most lines are, and costs nothing.
+    if (limits.step == std::numeric_limits<double>::infinity()) {
+        return isFinite(line.start) && isFinite(line.end) ? 1 : tooManyPoints;
+    }
+    return chordsFor(lengthOf(line) / limits.step, limits);
+}
+
+// A chord over the angle a leaves its circle by r (1 - cos(a / 2)) = 2 r sin^2(a / 4).
+std::size_t countChords(const EllipticArc& circular, const SamplingLimits& limits) {
+    const double radius = lengthOf(circular.first);
+    const double sine = std::sqrt(0.5 * limits.tolerance / radius);
+    const double byTolerance = 4 * std::asin(std::min(sine, 1.0));
+    const double longest = std::min({byTolerance, limits.step / radius, pi / 2});
+    return chordsFor(std::fabs(circular.sweep) / longest, limits);
+}
+
+template <typename PointBetween>
+bool walkEvenly(std::size_t chords, const Point& end, const PointBetween& pointBetween,
+                PointSink& sink) {
+    if (chords == tooManyPoints) {
+        return false;
+    }
+    for (std::size_t i = 1; i < chords; ++i) {
+        sink.take(
+            [&] { return pointBetween(static_cast<double>(i) / static_cast<double>(chords)); });
+    }
+    return sink.take([&] { return end; });
+}
+
+bool walkCircle(const EllipticArc& arc, std::size_t chords, PointSink& sink) {
+    // Angles from the start are exact for flat arcs; those from the centre cost half.
+    constexpr double flat = 0.5;
+    if (std::fabs(arc.sweep) < flat) {
+        return walkEvenly(
+            chords, arc.end, [&](double part) { return pointBehindStart(arc, part * arc.sweep); },
+            sink);
+    }
+    return walkEvenly(
+        chords, arc.end,
+        [&](double part) {
+            const double angle = arc.from + part * arc.sweep;
+            return arc.centre + std::cos(angle) * arc.first + std::sin(angle) * arc.second;
+        },
+        sink);
+}
+
+/// Gives the sink all points behind the start; false where there are too many.
+bool walk(const Curve& curve, const SamplingLimits& limits, PointSink& sink) {
+    if (const Line* const line = std::get_if<Line>(&curve)) {
+        return walkEvenly(
+            countChords(*line, limits), line->end,
+            [&](double part) { return line->start + part * (line->end - line->start); }, sink);
+    }
+    if (!isFinite(curve)) {
+        return false;
+    }
+    if (const EllipticArc* const arc = std::get_if<EllipticArc>(&curve)) {
+        return isCircular(*arc) ? walkCircle(*arc, countChords(*arc, limits), sink)
+                                : walkEllipse(*arc, limits, sink);
+    }
+    return walkSpline(std::get<BSpline>(curve), limits, sink);
+}
+
+} // namespace
+
+std::size_t countPoints(const Curve& curve, const SamplingLimits& limits) {
+    if (const Line* const line = std::get_if<Line>(&curve)) {
+        return countChords(*line, limits);
+    }
+    const EllipticArc* const arc = std::get_if<EllipticArc>(&curve);
+    if (arc != nullptr && isCircular(*arc)) {
+        return isFinite(curve) ? countChords(*arc, limits) : tooManyPoints;
+    }
+    PointSink sink(limits.maximumPoints, nullptr);
+    return walk(curve, limits, sink) ? sink.number() : tooManyPoints;
+}
+
+bool appendPoints(const Curve& curve, const SamplingLimits& limits, std::vector<Point>& points) {
+    const std::size_t before = points.size();
+    PointSink sink(limits.maximumPoints, &points);
+    if (walk(curve, limits, sink)) {
+        return true;
+    }
+    points.resize(before);
+    return false;
+}
+
+} // namespace converters::drawing

@@ -1,0 +1,233 @@
+#include "converters/detail/scan/TextRecords.h"
+
+#include "converters/detail/scan/Elements.h"
+#include "converters/detail/scan/Fault.h"
+#include "converters/detail/scan/TypeSwitch.h"
+#include "converters/detail/scan/Wording.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <limits>
+
+namespace converters::scan {
+namespace {
+
+/// What a person may have meant by a token that is no number.
+std::string hintAt(std::string_view token) {
+    const auto commas = std::count(token.begin(), token.end(), ',');
+    const bool isDecimal = token.find_first_not_of("+-0123456789,eE") == std::string_view::npos &&
+                           commas == 1 && token.back() != ',';
+    return isDecimal ? "; a decimal comma?" : commas > 0 ? "; commas between values?" : "";
+}
+
+const char* skipSpaces(const char* c, const char* last) {
+    while (*c == ' ' && c < last) {
+        ++c;
+    }
+    return c;
+}
+
+/// Takes at most a space and then a line end; null when there is none.
+const char* takeLineEnd(const char* c) {
+    c += *c == ' ' ? 1 : 0;
+    if (*c == '\r') {
+        return c + (c[1] == '\n' ? 2 : 1);
+    }
+    return *c == '\n' ? c + 1 : nullptr;
+}
+
+/// The largest count that a type holds, or that is usual.
+std::int64_t mostUsualItems(ScalarType countType) {
+    return withType(countType, [](auto number) -> std::int64_t {
+        using Number = decltype(number);
+        return sizeof(Number) == 1 ? static_cast<std::int64_t>(std::numeric_limits<Number>::max())
+                                   : 32767;
+    });
+}
+
+} // namespace
+
+void TextRecords::begin(const ScanElement& element) {
+    m_element = &element;
+    m_taken = 0;
+    m_values.clear();
+    for (const ScanProperty& property : element.properties) {
+        m_values.push_back({property.type, sizeOf(property.type), property.countType.has_value(),
+                            property.countType.value_or(ScalarType::uint8)});
+    }
+}
+
+void TextRecords::beginRecord() {
+    const bool isNewLine = m_tokens.skipBlanks() || m_isFirst;
+    m_isFirst = false;
+    if (!isNewLine && !m_sharedLine && !m_tokens.isAtEnd()) {
+        m_sharedLine = m_tokens.line();
+        m_sharedElement = m_element->name;
+    }
+}
+
+void TextRecords::skipWithin() {
+    if (m_tokens.skipBlanks() && !m_splitLine && !m_tokens.isAtEnd()) {
+        m_splitLine = m_tokens.line();
+    }
+}
+
+/// Takes a list as takeUsualRecord() takes a record.
+const char* TextRecords::takeUsualList(const char* c, const Value& value) const {
+    std::int64_t items = 0;
+    c = takeUsual(c, items);
+    if (items < 0 || items > mostUsualItems(value.countType)) {
+        return nullptr;
+    }
+    return withType(value.type, [&](auto number) {
+        for (std::int64_t i = 0; c != nullptr && i < items; ++i) {
+            c = skipSpaces(c, lastUsual());
+            c = c < lastUsual() ? takeUsual(c, number) : nullptr;
+        }
+        return c;
+    });
+}
+
+/// Takes a record that is spelled as most are: a line of its own, usual numbers, only spaces
+/// between.
+///
+/// @param c  the end of the record before
+/// @return the end of the record; null, and nothing has happened, when it is not of that kind or
+///         perhaps not wholly in memory
+const char* TextRecords::takeUsualRecord(const char* c, unsigned char* scalars) const {
+    const char* const last = lastUsual();
+    c = c < last ? takeLineEnd(c) : nullptr;
+    for (const Value& value : m_values) {
+        if (c == nullptr) {
+            return nullptr;
+        }
+        c = skipSpaces(c, last);
+        if (c >= last) {
+            return nullptr;
+        }
+        if (value.isList) {
+            c = takeUsualList(c, value);
+            continue;
+        }
+        withType(value.type, [&](auto number) {
+            c = takeUsual(c, number);
+            std::memcpy(scalars, &number, sizeof number);
+        });
+        scalars += value.size;
+    }
+    return c;
+}
+
+void TextRecords::take(unsigned char* scalars) {
+    const bool mayBeUsual = base::canUseWords && !m_isFirst && !m_values.empty();
+    if (const char* const end =
+            mayBeUsual ? takeUsualRecord(m_tokens.position(), scalars) : nullptr;
+        end != nullptr) {
+        m_tokens.moveTo(end);
+        ++m_taken;
+        return;
+    }
+    takeAnyRecord(scalars);
+}
+
+void TextRecords::takeAnyRecord(unsigned char* scalars) {
+    bool isWithin = false;
+    for (const ScanProperty& property : m_element->properties) {
+        if (isWithin) {
+            skipWithin();
+        } else {
+            beginRecord();
+            isWithin = true;
+        }
+        if (property.countType) {
+            takeList(property);
+        } else {
+            takeValue(property, scalars);
+            scalars += sizeOf(property.type);
+        }
+    }
+    ++m_taken;
+}
+
+void TextRecords::stepOver(std::uint64_t count) {
+    if (m_element->properties.empty()) {
+        return;
+    }
+    std::vector<unsigned char> scalars(scalarBytes(*m_element));
+    for (std::uint64_t i = 0; i < count; ++i) {
+        take(scalars.data());
+    }
+}
+
+void TextRecords::takeValue(const ScanProperty& property, unsigned char* to) {
+    withType(property.type, [&](auto zero) {
+        const auto number = takeNumber<decltype(zero)>(property, property.type);
+        std::memcpy(to, &number, sizeof number);
+    });
+}
+
+void TextRecords::takeList(const ScanProperty& property) {
+    const double items = withType(*property.countType, [&](auto zero) {
+        return static_cast<double>(takeNumber<decltype(zero)>(property, *property.countType));
+    });
+    if (!(items >= 0) || std::trunc(items) != items) {
+        refuseLine(m_tokens.line(),
+                   "a list of " + shortly(items) + " items in property " + inQuotes(property.name));
+    }
+    withType(property.type, [&](auto zero) {
+        for (double i = 0; i < items; ++i) {
+            skipWithin();
+            takeNumber<decltype(zero)>(property, property.type);
+        }
+    });
+}
+
+template <typename Number>
+Number TextRecords::takeNumber(const ScanProperty& property, ScalarType type) {
+    Number number;
+    const NumberFault fault = m_tokens.take(number);
+    if (fault != NumberFault::none) {
+        refuseToken(fault, property, type);
+    }
+    return number;
+}
+
+void TextRecords::refuseToken(NumberFault fault, const ScanProperty& property, ScalarType type) {
+    if (fault == NumberFault::missing) {
+        refuse(endsAfter(*m_element, m_taken) +
+               (m_splitLine ? "; line " + std::to_string(*m_splitLine) +
+                                  " begins within a record: one before may lack a value"
+                            : ""));
+    }
+    const std::string_view token = m_tokens.next();
+    const std::string name = inQuotes(property.name);
+    if (fault == NumberFault::noNumber) {
+        refuseLine(m_tokens.line(), inQuotes(token) + " is no number" + hintAt(token));
+    }
+    refuseLine(m_tokens.line(),
+               fault == NumberFault::notWhole
+                   ? inQuotes(token) + " is no whole number, which property " + name + " has to be"
+                   : inQuotes(token) + " is out of the range of " + nameOf(type) +
+                         ", the type of property " + name);
+}
+
+std::uint64_t TextRecords::takeRest() {
+    const bool isNewLine = m_tokens.skipBlanks() || m_isFirst;
+    std::uint64_t characters = 0;
+    if (!isNewLine && !m_tokens.isAtEnd() && !m_sharedLine) {
+        m_sharedLine = m_tokens.line();
+        m_sharedElement = m_element->name;
+    }
+    while (!m_tokens.isAtEnd()) {
+        if (m_sharedLine) {
+            refuseLine(*m_sharedLine, "there are more values than a record of element " +
+                                          inQuotes(m_sharedElement) + " has");
+        }
+        characters += m_tokens.takeSome();
+        m_tokens.skipBlanks();
+    }
+    return characters;
+}
+
+} // namespace converters::scan

@@ -1,0 +1,91 @@
+#include "converters/detail/drawing/dxf/BinaryGroups.h"
+
+#include "tests/converters/drawing/support/DrawingGroups.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <string>
+#include <vector>
+
+namespace {
+
+using converters::drawing::BinaryGroups;
+
+TEST(BinaryGroups, BeginWithTheirSentinel) {
+    EXPECT_TRUE(BinaryGroups::isBinary(binary("0 EOF")));
+    EXPECT_FALSE(BinaryGroups::isBinary("0\nSECTION\n"));
+    EXPECT_FALSE(BinaryGroups::isBinary("AutoCAD Binary DXF\r\n"));
+}
+
+TEST(BinaryGroups, HaveValuesOfTheFormThatTheCodeTells) {
+    for (const BinaryForm form : {BinaryForm::longCodes, BinaryForm::shortCodes}) {
+        const std::string file = binary("0 SECTION  10 -1.5  70 -3  90 70000  160 5000000000  "
+                                        "290 1  310 bytes  420 255  1070 -7  1010 2.5  5 1F",
+                                        form);
+        BinaryGroups groups(file);
+        const auto next = [&](int code) { return groups.next() && groups.code() == code; };
+        EXPECT_TRUE(next(0));
+        EXPECT_EQ(groups.text(), "SECTION");
+        EXPECT_TRUE(next(10));
+        EXPECT_EQ(groups.real(), -1.5);
+        EXPECT_EQ(groups.integer(), -1);
+        EXPECT_EQ(groups.text(), "");
+        EXPECT_TRUE(next(70));
+        EXPECT_EQ(groups.integer(), -3);
+        EXPECT_EQ(groups.real(), -3.0);
+        EXPECT_TRUE(next(90));
+        EXPECT_EQ(groups.integer(), 70000);
+        EXPECT_TRUE(next(160));
+        EXPECT_EQ(groups.integer(), 5000000000);
+        EXPECT_TRUE(next(290));
+        EXPECT_EQ(groups.integer(), 1);
+        EXPECT_TRUE(next(310));
+        EXPECT_EQ(groups.text(), "");
+        EXPECT_EQ(groups.integer(), 0);
+        EXPECT_TRUE(std::isnan(groups.real()));
+        EXPECT_TRUE(next(420));
+        EXPECT_EQ(groups.integer(), 255);
+        EXPECT_TRUE(next(1070));
+        EXPECT_EQ(groups.integer(), -7);
+        EXPECT_TRUE(next(1010));
+        EXPECT_EQ(groups.real(), 2.5);
+        EXPECT_TRUE(next(5));
+        EXPECT_EQ(groups.text(), "1F");
+        EXPECT_FALSE(groups.next());
+        EXPECT_EQ(groups.position(), file.size());
+    }
+}
+
+TEST(BinaryGroups, MayBeginWithAComment) {
+    for (const BinaryForm form : {BinaryForm::longCodes, BinaryForm::shortCodes}) {
+        const std::string file = binary("999 made by hand  0 SECTION", form);
+        BinaryGroups groups(file);
+        EXPECT_TRUE(groups.next());
+        EXPECT_EQ(groups.code(), 999);
+        EXPECT_TRUE(groups.next());
+        EXPECT_EQ(groups.text(), "SECTION");
+    }
+}
+
+TEST(BinaryGroups, EndWhereTheFileIsCut) {
+    for (const BinaryForm form : {BinaryForm::longCodes, BinaryForm::shortCodes}) {
+        const std::string file = binary("0 SECTION  10 1.5  310 chunk  1000 text", form);
+        for (std::size_t size = 22; size < file.size(); ++size) {
+            const std::vector<char> part(file.begin(),
+                                         file.begin() + static_cast<std::ptrdiff_t>(size));
+            BinaryGroups groups({part.data(), part.size()});
+            std::size_t begin = 22;
+            int count = 0;
+            while (groups.next()) {
+                EXPECT_GE(groups.position(), begin);
+                begin = groups.position();
+                ++count;
+            }
+            EXPECT_LT(count, 4);
+            EXPECT_LE(groups.position(), size);
+        }
+    }
+}
+
+} // namespace

@@ -1,0 +1,276 @@
+// What INSERTs draw, and where.
+#include "converters/DrawingPath.h"
+#include "tests/converters/drawing/support/DrawingGroups.h"
+#include "tests/converters/drawing/support/PathReading.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+namespace {
+
+using converters::DrawingPath;
+using Point = cv::Point3_<double>;
+
+/// A block with these contents.
+std::string block(const std::string& name, const std::string& contents,
+                  const std::string& more = "10 0  20 0  70 0") {
+    return "0 BLOCK  8 0  2 " + name + "  " + more + "  " + contents +
+           (contents.empty() ? "" : "  ") + "0 ENDBLK  ";
+}
+
+const char* const lineInX = "0 LINE  8 0  10 0  20 0  11 1  21 0";
+
+std::string drawing(const std::string& blocks, const std::string& entities) {
+    return drawingOf(entities, section("BLOCKS", blocks));
+}
+
+TEST(ReadPathBlocks, AreDrawnWhereTheyAreInserted) {
+    EXPECT_EQ(
+        describe(pathOf(drawing(block("a", lineInX),
+                                "0 INSERT  2 a  10 5  20 6  30 7  0 INSERT  2 a  10 1  20 2"))),
+        "(5, 6, 7) (6, 6, 7)\n(1, 2) (2, 2)\n");
+}
+
+TEST(ReadPathBlocks, DrawNothingByThemselves) {
+    EXPECT_EQ(describe(pathOf(drawing(block("a", lineInX), ""))), "");
+}
+
+TEST(ReadPathBlocks, HaveABasePointThatComesToLieOnTheInsertion) {
+    EXPECT_EQ(describe(pathOf(drawing(block("a", lineInX, "70 0  10 1  20 2  30 3"),
+                                      "0 INSERT  2 a  10 10  20 10  41 2  50 90"))),
+              "(12, 8, -3) (12, 10, -3)\n");
+}
+
+TEST(ReadPathBlocks, AreScaledThenTurned) {
+    EXPECT_EQ(describe(pathOf(drawing(block("a", "0 LINE  10 1  20 1  30 1  11 2  21 1  31 1"),
+                                      "0 INSERT  2 a  41 2  42 3  43 4  50 90"))),
+              "(-3, 2, 4) (-3, 4, 4)\n");
+}
+
+TEST(ReadPathBlocks, AreMirroredByNegativeScales) {
+    const DrawingPath path =
+        pathOf(drawing(block("a", "0 ARC  10 0  20 0  40 1  50 0  51 90"), "0 INSERT  2 a  41 -1"));
+    EXPECT_NEAR(path.points.front().x, -1, 1e-12);
+    EXPECT_NEAR(path.points.back().y, 1, 1e-12);
+    EXPECT_EQ(path.arcs.at(0).normal, Point(0, 0, -1));
+}
+
+TEST(ReadPathBlocks, TurnCirclesIntoEllipsesByDifferentScales) {
+    const DrawingPath path =
+        pathOf(drawing(block("a", "0 CIRCLE  10 0  20 0  40 1"), "0 INSERT  2 a  41 2  42 3"));
+    EXPECT_TRUE(path.arcs.empty());
+    ASSERT_EQ(path.ellipticArcs.size(), 1U);
+    EXPECT_NEAR(std::sqrt(path.ellipticArcs[0].major.dot(path.ellipticArcs[0].major)), 3, 1e-12);
+    EXPECT_NEAR(std::sqrt(path.ellipticArcs[0].minor.dot(path.ellipticArcs[0].minor)), 2, 1e-12);
+    EXPECT_EQ(path.entities.at(0).kind, converters::PathEntityKind::circle);
+}
+
+TEST(ReadPathBlocks, AreFlattenedByAScaleOfZeroInZ) {
+    EXPECT_EQ(describe(pathOf(drawing(block("a", "0 LINE  10 0  20 0  30 5  11 1  21 0  31 6"),
+                                      "0 INSERT  2 a  43 0"))),
+              "(0, 0) (1, 0)\n");
+}
+
+TEST(ReadPathBlocks, HaveNoExtentByAScaleOfZero) {
+    EXPECT_EQ(leftOut(pathOf(drawing(block("a", lineInX), "0 INSERT  8 w  2 a  41 0  0 INSERT  8 "
+                                                          "w  2 a  42 0"))),
+              "2 INSERT on w: broken\n");
+}
+
+TEST(ReadPathBlocks, StandInTheObjectCoordinatesOfTheInsert) {
+    EXPECT_EQ(describe(pathOf(drawing(block("a", lineInX),
+                                      "0 INSERT  2 a  10 5  20 6  30 7  210 0  220 0  230 -1"))),
+              "(-5, 6, -7) (-6, 6, -7)\n");
+}
+
+TEST(ReadPathBlocks, AreNested) {
+    const std::string blocks = block("inner", lineInX) +
+                               block("middle", "0 INSERT  2 inner  10 1  20 0") +
+                               block("outer", "0 INSERT  2 middle  20 10  50 90");
+    EXPECT_EQ(describe(pathOf(drawing(blocks, "0 INSERT  2 outer  10 100"))),
+              "(100, 11) (100, 12)\n");
+}
+
+TEST(ReadPathBlocks, MayStandBehindWhatInsertsThem) {
+    EXPECT_EQ(describe(pathOf(section("ENTITIES", "0 INSERT  2 a  10 5") +
+                              section("BLOCKS", block("a", "0 INSERT  2 b") + block("b", lineInX)) +
+                              "0\nEOF\n")),
+              "(5, 0) (6, 0)\n");
+}
+
+TEST(ReadPathBlocks, AreFoundWhateverTheCase) {
+    EXPECT_EQ(describe(pathOf(drawing(block("T\xFCr", lineInX), "0 INSERT  2 t\xDCR"))),
+              "(0, 0) (1, 0)\n");
+}
+
+TEST(ReadPathBlocks, AreDrawnInArraysThatTurnAndAreNotScaled) {
+    EXPECT_EQ(describe(pathOf(
+                  drawing(block("a", "0 POINT  10 1  20 0"),
+                          "0 INSERT  2 a  10 100  41 2  42 2  50 90  70 2  71 3  44 10  45 20"))),
+              "(100, 2)\n(100, 12)\n(80, 2)\n(80, 12)\n(60, 2)\n(60, 12)\n");
+}
+
+TEST(ReadPathBlocks, OfAnArrayAreOnceWhereTheyHaveNoSpacing) {
+    EXPECT_EQ(describe(pathOf(
+                  drawing(block("a", "0 POINT  10 0  20 0"), "0 INSERT  2 a  70 3  71 2  45 20"))),
+              "(0, 0)\n(0, 20)\n");
+    EXPECT_EQ(describe(pathOf(drawing(block("a", "0 POINT  10 0  20 0"),
+                                      "0 INSERT  2 a  70 0  71 -5  44 1  45 1"))),
+              "(0, 0)\n");
+}
+
+TEST(ReadPathBlocks, ThatAreEmptyAreNoMatter) {
+    const DrawingPath path = pathOf(drawing(block("a", "") + block("b", "0 INSERT  2 a"),
+                                            "0 INSERT  2 a  0 INSERT  2 b  70 32767  71 32767  44 "
+                                            "1  45 1"));
+    EXPECT_EQ(leftOut(path), "");
+}
+
+TEST(ReadPathBlocks, ThatAreMissingAreListed) {
+    EXPECT_EQ(leftOut(pathOf(drawing(block("a", "0 INSERT  8 b  2 gone"),
+                                     "0 INSERT  8 w  2 gone  0 INSERT  2 a  70 3  44 1"))),
+              "1 INSERT on w: of a missing block\n3 INSERT on b: of a missing block\n");
+}
+
+TEST(ReadPathBlocks, OfOtherFilesAreListed) {
+    EXPECT_EQ(leftOut(pathOf(drawing(block("x", "", "70 4  1 other.dwg"), "0 INSERT  8 w  2 x"))),
+              "1 INSERT on w: of a block in another file\n");
+    // Its contents may be there all the same.
+    EXPECT_EQ(describe(pathOf(drawing(block("x", lineInX, "70 4"), "0 INSERT  2 x"))),
+              "(0, 0) (1, 0)\n");
+}
+
+TEST(ReadPathBlocks, ThatHoldThemselvesAreDrawnOnce) {
+    const DrawingPath path = pathOf(
+        drawing(block("a", std::string(lineInX) + "  0 INSERT  8 w  2 a  10 5"), "0 INSERT  2 a"));
+    EXPECT_EQ(describe(path), "(0, 0) (1, 0)\n");
+    EXPECT_EQ(leftOut(path), "1 INSERT on w: of a block that holds itself\n");
+}
+
+TEST(ReadPathBlocks, ThatHoldThemselvesAroundCornersAreDrawnOnce) {
+    const std::string blocks = block("a", std::string(lineInX) + "  0 INSERT  2 b  20 1") +
+                               block("b", std::string(lineInX) + "  0 INSERT  2 c  20 1") +
+                               block("c", std::string(lineInX) + "  0 INSERT  2 A  20 1");
+    const DrawingPath path = pathOf(drawing(blocks, "0 INSERT  2 a"));
+    EXPECT_EQ(describe(path), "(0, 0) (1, 0)\n(0, 1) (1, 1)\n(0, 2) (1, 2)\n");
+    EXPECT_EQ(leftOut(path), "1 INSERT on 0: of a block that holds itself\n");
+}
+
+TEST(ReadPathBlocks, OfEqualNamesCountAsTheFirstThatHoldsAnything) {
+    EXPECT_EQ(describe(pathOf(
+                  drawing(block("a", "") + block("A", lineInX) + block("a", "0 POINT  10 9  20 9"),
+                          "0 INSERT  2 a"))),
+              "(0, 0) (1, 0)\n");
+}
+
+TEST(ReadPathBlocks, WithAttributesAreFollowedByText) {
+    const DrawingPath path = pathOf(drawing(
+        block("a", std::string(lineInX) + "  0 ATTDEF  8 t  2 TAG"),
+        "0 INSERT  8 0  66 1  2 a  0 ATTRIB  8 t  10 1  20 1  0 SEQEND  8 0  0 POINT  10 3  20 4"));
+    EXPECT_EQ(describe(path), "(0, 0) (1, 0)\n(3, 4)\n");
+    EXPECT_EQ(leftOut(path), "1 ATTRIB on t: annotation\n");
+}
+
+TEST(ReadPathBlocks, CountWhatTheyLeaveOutOnceForEachTimeThatTheyAreDrawn) {
+    EXPECT_EQ(leftOut(pathOf(drawing(block("a", "0 TEXT  8 t  0 TEXT  8 0  0 TEXT  8 t") +
+                                         block("b", "0 INSERT  2 a  70 5  71 2  44 1  45 1"),
+                                     "0 INSERT  8 w  2 b  0 INSERT  8 v  2 a"))),
+              "22 TEXT on t: annotation\n10 TEXT on w: annotation\n1 TEXT on v: annotation\n");
+}
+
+TEST(ReadPathBlocks, TellWhichInsertDrawsThem) {
+    const DrawingPath path = pathOf(drawing(block("inner", "0 POINT  5 A1  10 0  20 0") +
+                                                block("outer", "0 INSERT  5 B1  2 inner"),
+                                            "0 INSERT  5 C1  2 outer  0 INSERT  5 C2  2 inner"));
+    ASSERT_EQ(path.entities.size(), 2U);
+    EXPECT_EQ(path.entities[0].handle, 0xA1U);
+    EXPECT_EQ(path.entities[0].insert, 0xC1U);
+    EXPECT_EQ(path.entities[1].insert, 0xC2U);
+}
+
+TEST(ReadPathBlocks, OfModelSpaceAreTheDrawing) {
+    EXPECT_EQ(describe(pathOf(drawing(block("*Model_Space", lineInX), "0 POINT  10 9  20 9"))),
+              "(0, 0) (1, 0)\n(9, 9)\n");
+}
+
+TEST(ReadPathBlocks, OfPaperSpaceAreLeftOut) {
+    const std::string file =
+        drawing(block("*Paper_Space0", "0 LINE  8 p  10 0  20 0  11 1  21 0"), "");
+    EXPECT_EQ(leftOut(pathOf(file)), "1 LINE on p: in paper space\n");
+    converters::PathOptions options;
+    options.paperSpace = true;
+    EXPECT_EQ(describe(pathOf(file, options)), "(0, 0) (1, 0)\n");
+}
+
+TEST(ReadPathBlocks, ThatAreClippedAreDrawnAsAWhole) {
+    const std::string objects = section(
+        "OBJECTS", "0 DICTIONARY  5 D1  330 A1  3 ACAD_FILTER  360 D2  0 DICTIONARY  5 D2  102 "
+                   "{ACAD_REACTORS  330 D1  102 }  330 D1  3 SPATIAL  360 D3  0 SPATIAL_FILTER  5 "
+                   "D3  330 D2  100 AcDbFilter  71 1");
+    const std::string entities = "0 INSERT  5 A1  102 {ACAD_XDICTIONARY  360 D1  102 }  8 w  2 a  "
+                                 "0 INSERT  5 A2  8 w  2 a  20 1";
+    const DrawingPath path =
+        pathOf(section("BLOCKS", block("a", lineInX)) + section("ENTITIES", entities) + objects);
+    EXPECT_EQ(path.contours.size(), 2U);
+    EXPECT_EQ(leftOut(path), "1 INSERT on w: drawn without its clipping boundary\n");
+}
+
+TEST(ReadPathBlocks, ThatOverflowAreBroken) {
+    EXPECT_EQ(leftOut(pathOf(drawing(block("a", "0 LINE  10 0  20 0  11 1e300  21 0"),
+                                     "0 INSERT  2 a  41 1e300"))),
+              "1 LINE on 0: broken\n");
+}
+
+/// A tower of blocks, each of which holds the next one ten times.
+std::string tower(int storeys, const std::string& ground) {
+    std::string blocks = block("b0", ground);
+    for (int i = 1; i <= storeys; ++i) {
+        std::string inserts;
+        for (int k = 0; k < 10; ++k) {
+            inserts += (k == 0 ? "0 INSERT  2 b" : "  0 INSERT  2 b") + std::to_string(i - 1);
+        }
+        blocks += block("b" + std::to_string(i), inserts);
+    }
+    return drawing(blocks, "0 INSERT  2 b" + std::to_string(storeys));
+}
+
+TEST(ReadPathBlocks, ThatMultiplyBeyondTheMaximumAreRefused) {
+    const char* const reason = "more than 100000000 entities when all blocks are drawn";
+    EXPECT_EQ(refusalOf(tower(12, lineInX)), reason);
+    EXPECT_EQ(refusalOf(tower(12, "0 TEXT  8 0")), reason);
+    EXPECT_EQ(refusalOf(tower(100, lineInX)), reason);
+    EXPECT_EQ(refusalOf(tower(12, "")), "") << "nothing is drawn";
+    EXPECT_EQ(
+        refusalOf(drawing(block("a", lineInX), "0 INSERT  2 a  70 32767  71 32767  44 1  45 1")),
+        reason);
+}
+
+TEST(ReadPathBlocks, AreAllowedUpToTheMaximum) {
+    converters::PathOptions options;
+    options.maximumEntities = 1000;
+    EXPECT_EQ(refusalOf(tower(3, lineInX), options), "");
+    options.maximumEntities = 999;
+    EXPECT_EQ(refusalOf(tower(3, lineInX), options),
+              "more than 999 entities when all blocks are drawn");
+    options.maximumEntities = 0;
+    EXPECT_EQ(refusalOf(tower(3, ""), options), "");
+}
+
+TEST(ReadPathBlocks, OfTextAreCountedWithoutDrawingEachItemOfAnArray) {
+    EXPECT_EQ(leftOut(pathOf(drawing(block("a", "0 TEXT  8 t"),
+                                     "0 INSERT  2 a  70 32767  71 32767  44 1  45 1"))),
+              "1073676289 TEXT on t: annotation\n");
+}
+
+TEST(ReadPathBlocks, MayBeNestedAsDeepAsTheFileIsLong) {
+    std::string blocks = block("b0", lineInX);
+    constexpr int depth = 20'000;
+    for (int i = 1; i <= depth; ++i) {
+        blocks += block("b" + std::to_string(i), "0 INSERT  2 b" + std::to_string(i - 1));
+    }
+    EXPECT_EQ(describe(pathOf(drawing(blocks, "0 INSERT  2 b" + std::to_string(depth)))),
+              "(0, 0) (1, 0)\n");
+}
+
+} // namespace

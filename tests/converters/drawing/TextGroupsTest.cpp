@@ -1,0 +1,159 @@
+#include "converters/detail/drawing/dxf/TextGroups.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <string>
+#include <vector>
+
+namespace {
+
+using converters::drawing::TextGroups;
+
+/// The groups of a text, "code=value".
+std::vector<std::string> groupsOf(std::string_view text) {
+    std::vector<std::string> found;
+    TextGroups groups(text);
+    while (groups.next()) {
+        found.push_back(std::to_string(groups.code()) + "=" + std::string(groups.text()));
+    }
+    return found;
+}
+
+using Groups = std::vector<std::string>;
+
+TEST(TextGroups, AreACodeLineAndAValueLine) {
+    EXPECT_EQ(groupsOf("0\nLINE\n10\n1.5\n"), (Groups{"0=LINE", "10=1.5"}));
+}
+
+TEST(TextGroups, EndInAnyLineEnd) {
+    for (const std::string end : {"\n", "\r\n", "\r", "\r\r\n"}) {
+        EXPECT_EQ(groupsOf("0" + end + "LINE" + end + "10" + end + "1.5" + end),
+                  (Groups{"0=LINE", "10=1.5"}));
+    }
+}
+
+TEST(TextGroups, MayEndWithoutALineEnd) {
+    EXPECT_EQ(groupsOf("0\nEOF"), (Groups{"0=EOF"}));
+}
+
+TEST(TextGroups, NeedAValueLine) {
+    EXPECT_EQ(groupsOf("0\nLINE\n10"), (Groups{"0=LINE"}));
+    EXPECT_EQ(groupsOf("0\nLINE\n10\n"), (Groups{"0=LINE", "10="}));
+}
+
+TEST(TextGroups, HaveBlanksAroundTheirCodes) {
+    EXPECT_EQ(groupsOf("   0\nLINE\n\t10 \n1\n  +20\n2\n-1\nx\n"),
+              (Groups{"0=LINE", "10=1", "20=2", "-1=x"}));
+}
+
+TEST(TextGroups, KeepTheBlanksOfValues) {
+    EXPECT_EQ(groupsOf("1\n  two words \n"), (Groups{"1=  two words "}));
+}
+
+TEST(TextGroups, StandBehindAByteOrderMark) {
+    EXPECT_EQ(groupsOf("\xEF\xBB\xBF  0\nSECTION\n"), (Groups{"0=SECTION"}));
+}
+
+TEST(TextGroups, MayHoldZeroBytes) {
+    EXPECT_EQ(groupsOf(std::string_view("1\na\0b\n0\nLINE\n", 13)),
+              (Groups{std::string("1=a\0b", 5), "0=LINE"}));
+}
+
+TEST(TextGroups, AreInStepAgainBehindLinesThatAreNoCodes) {
+    const std::string text = "0\nTEXT\n1\none\nline too many\n\n8\nwalls\n";
+    EXPECT_EQ(groupsOf(text), (Groups{"0=TEXT", "1=one", "8=walls"}));
+    TextGroups groups(text);
+    while (groups.next()) {
+    }
+    EXPECT_EQ(groups.skippedLines(), 1U) << "blank lines are not worth a word";
+}
+
+TEST(TextGroups, HaveCodesOfAtMostFiveDigits) {
+    EXPECT_EQ(groupsOf("99999999999\n0\nLINE\n"), (Groups{"0=LINE"}));
+}
+
+TEST(TextGroups, OfNothingAreNone) {
+    EXPECT_EQ(groupsOf(""), Groups{});
+    EXPECT_EQ(groupsOf("\n"), Groups{});
+    EXPECT_EQ(groupsOf("0"), Groups{});
+}
+
+double realOf(const std::string& value) {
+    const std::string text = "10\n" + value + "\n20\n7\n";
+    TextGroups groups(text);
+    EXPECT_TRUE(groups.next());
+    const double number = groups.real();
+    // Whatever the value was, the next group is the next one.
+    EXPECT_TRUE(groups.next());
+    EXPECT_EQ(groups.code(), 20) << value;
+    EXPECT_EQ(groups.real(), 7.0) << value;
+    return number;
+}
+
+TEST(TextGroups, HaveNumbersAsProgramsWriteThem) {
+    EXPECT_EQ(realOf("1.5"), 1.5);
+    EXPECT_EQ(realOf("  -1.5  "), -1.5);
+    EXPECT_EQ(realOf("+1.5"), 1.5);
+    EXPECT_EQ(realOf(".5"), 0.5);
+    EXPECT_EQ(realOf("5."), 5.0);
+    EXPECT_EQ(realOf("1e-005"), 1e-5);
+    EXPECT_EQ(realOf("1.25E+02"), 125.0);
+    EXPECT_EQ(realOf("-0"), 0.0);
+    EXPECT_EQ(realOf("1.5\r"), 1.5);
+    EXPECT_EQ(realOf("12345678901234567890123456789"), 12345678901234567890123456789.0);
+    EXPECT_EQ(realOf("0.1000000000000000055511151231257827"), 0.1);
+    EXPECT_EQ(realOf("1e-400"), 0.0);
+}
+
+TEST(TextGroups, ReadADecimalCommaAsAPoint) {
+    EXPECT_EQ(realOf("1,5"), 1.5);
+    TextGroups groups("10\n1,5\n20\n2.5\n");
+    while (groups.next()) {
+        groups.real();
+    }
+    EXPECT_EQ(groups.decimalCommas(), 1U);
+}
+
+TEST(TextGroups, SayOfWhatIsNoNumberThatItIsNone) {
+    for (const char* const value : {"", "abc", "1.#QNAN", "-1.#IND", "1.#INF", "nan", "1 2", "0x10",
+                                    "1e400", "--1", "1.2.3", "1,2,3"}) {
+        EXPECT_FALSE(std::isfinite(realOf(value))) << value;
+    }
+}
+
+TEST(TextGroups, HaveTheNearestDoubleWhateverTheNumberOfDigits) {
+    for (int digits = 1; digits < 25; ++digits) {
+        for (const double number : {1.0 / 3, 123456.789, 9007199254740993.0, 2.0 / 3e-7}) {
+            std::vector<char> text(64);
+            std::snprintf(text.data(), text.size(), "%.*f", digits, number);
+            EXPECT_EQ(realOf(text.data()), std::strtod(text.data(), nullptr)) << text.data();
+        }
+    }
+}
+
+TEST(TextGroups, HaveWholeNumbersAlsoWhereAPointIsBehindThem) {
+    const std::string text = "70\n     3\n70\n4.0\n70\n-5\n70\nx\n70\n99999999999999999999\n";
+    TextGroups groups(text);
+    std::vector<std::int64_t> numbers;
+    while (groups.next()) {
+        numbers.push_back(groups.integer());
+    }
+    EXPECT_EQ(numbers, (std::vector<std::int64_t>{3, 4, -5, 0, INT64_MAX}));
+}
+
+TEST(TextGroups, AreReadTheSameWhereverTheTextEnds) {
+    const std::string text = "  0\r\nLINE\r\n 10\r\n-12.5e3\r\n";
+    for (std::size_t size = 0; size <= text.size(); ++size) {
+        // A copy of its own size: what is read behind it is found.
+        const std::vector<char> part(text.begin(),
+                                     text.begin() + static_cast<std::ptrdiff_t>(size));
+        TextGroups groups({part.data(), part.size()});
+        while (groups.next()) {
+            groups.real();
+            groups.text();
+        }
+    }
+}
+
+} // namespace

@@ -1,0 +1,159 @@
+#include "tools/cloudconv/DrawingConversion.h"
+
+#include "converters/ScanWriter.h"
+#include "tools/cloudconv/FileError.h"
+#include "tools/cloudconv/InputFile.h"
+#include "tools/cloudconv/LeftOutText.h"
+#include "tools/cloudconv/Notes.h"
+#include "tools/cloudconv/OutputFile.h"
+#include "tools/cloudconv/PathFile.h"
+#include "tools/cloudconv/PointOutput.h"
+#include "tools/cloudconv/Progress.h"
+#include "tools/cloudconv/UsageError.h"
+#include "tools/cloudconv/Wording.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <cstdio>
+#include <vector>
+
+namespace {
+
+using converters::DrawingPath;
+using converters::PathContour;
+using converters::ScalarType;
+using converters::ScanLayout;
+
+/// A point of a text: as exact as the drawing.
+struct ExactPoint {
+    double x;
+    double y;
+    double z;
+    double contour;
+};
+
+const ScanLayout exactLayout = {{{"x", ScalarType::float64, offsetof(ExactPoint, x)},
+                                 {"y", ScalarType::float64, offsetof(ExactPoint, y)},
+                                 {"z", ScalarType::float64, offsetof(ExactPoint, z)},
+                                 {"contour", ScalarType::float64, offsetof(ExactPoint, contour)}},
+                                sizeof(ExactPoint)};
+
+/// Hands each point of the path, with the number of its contour, to the writer, in blocks.
+template <typename Record, typename Make>
+void writePoints(const DrawingPath& path, converters::ScanWriter& writer, Make make) {
+    constexpr std::size_t blockSize = 65536;
+    std::vector<Record> block;
+    block.reserve(blockSize);
+    double number = 0.0;
+    writer.begin(path.points.size());
+    for (const PathContour& contour : path.contours) {
+        number += 1.0;
+        for (std::size_t i = contour.firstPoint; i < contour.endPoint; ++i) {
+            block.push_back(make(path.points[i], number));
+            if (block.size() == blockSize) {
+                static_cast<void>(writer.write(block.data(), block.size()));
+                block.clear();
+            }
+        }
+    }
+    static_cast<void>(writer.write(block.data(), block.size()));
+    static_cast<void>(writer.finish());
+}
+
+/// The most that a coordinate moves for becoming a 32-bit float.
+double farthestMove(const DrawingPath& path) {
+    double farthest = 0.0;
+    for (const cv::Point3_<double>& point : path.points) {
+        for (const double value : {point.x, point.y, point.z}) {
+            farthest = std::max(farthest,
+                                std::abs(value - static_cast<double>(static_cast<float>(value))));
+        }
+    }
+    return farthest;
+}
+
+/// Drawings of other programs end where floats are too coarse: a plan in map coordinates, say.
+void tellWhatRoundingCosts(const DrawingPath& path, Notes& notes) {
+    constexpr double samePlace = 0.001;
+    const double farthest = farthestMove(path);
+    if (farthest >= samePlace) {
+        char text[32];
+        static_cast<void>(std::snprintf(text, sizeof text, "%.2g", farthest));
+        const std::string unit = shortName(path.unit);
+        notes.add("PLY holds coordinates as 32-bit floats: points move by up to " +
+                  std::string(text) + (unit.empty() ? " drawing units" : " " + unit) +
+                  "; .csv and .xyz hold them exactly");
+    }
+}
+
+void tell(const DrawingPath& path, const ConvertOptions& options, FileFormat to, Notes& notes) {
+    if (path.contours.empty()) {
+        notes.add("the drawing holds no points, nor does " + outputName(options.output));
+    } else {
+        notes.add(counted(path.entities.size(), "entity", "entities") + " in " +
+                  counted(path.contours.size(), "contour") + ", " +
+                  counted(path.points.size(), "point"));
+    }
+    for (const std::string& note : path.notes) {
+        notes.add(note);
+    }
+    if (const std::string leftOut = leftOutText(path.leftOut); !leftOut.empty()) {
+        notes.add("left out: " + leftOut);
+    }
+    if (to == FileFormat::Ply) {
+        tellWhatRoundingCosts(path, notes);
+    }
+}
+
+void write(const DrawingPath& path, const ConvertOptions& options, FileFormat to) {
+    OutputFile file(options.output);
+    converters::ScanWriteOptions writing;
+    writing.digits = options.digits;
+    const converters::ScanOutput output = pointOutputOf(to, options.ascii);
+    if (to == FileFormat::Ply) {
+        writing.width = path.points.size();
+        writing.height = writing.width == 0 ? 0 : 1;
+        converters::ScanWriter writer(sinkTo(file), converters::layoutOfPointXYZI(), output,
+                                      writing);
+        writePoints<pcl::PointXYZI>(
+            path, writer, [&options](const cv::Point3_<double>& point, double number) {
+                return pcl::PointXYZI(static_cast<float>(point.x), static_cast<float>(point.y),
+                                      static_cast<float>(point.z),
+                                      options.intensity.value_or(static_cast<float>(number)));
+            });
+    } else {
+        converters::ScanWriter writer(sinkTo(file), exactLayout, output, writing);
+        writePoints<ExactPoint>(
+            path, writer, [&options](const cv::Point3_<double>& point, double number) {
+                const double contour = options.intensity.has_value()
+                                           ? static_cast<double>(*options.intensity)
+                                           : number;
+                return ExactPoint{point.x, point.y, point.z, contour};
+            });
+    }
+    file.commit();
+}
+
+} // namespace
+
+void convertDrawing(const ConvertOptions& options, FileFormat to) {
+    const std::string name = inputName(options.input);
+    Progress progress(options.quiet);
+    Notes notes(name);
+    if (InputFile(options.input).isAlso(options.output) && !options.force) {
+        throw UsageError(options.output + " is the input; --force replaces it");
+    }
+    const DrawingPath path =
+        readPathFile(name, readInputFile(options.input, progress), options.path, progress);
+    if (path.contours.empty() && !path.leftOut.empty()) {
+        throw FileError(name, "nothing is left to follow; left out: " + leftOutText(path.leftOut));
+    }
+    progress.begin("writing " + outputName(options.output));
+    write(path, options, to);
+    progress.end();
+    if (!options.quiet) {
+        tell(path, options, to, notes);
+        notes.print();
+    }
+}
