@@ -26,6 +26,8 @@ function lineOf(drawing, state, index, contents) {
     });
     const swatch = element("span", { class: "swatch", "aria-hidden": "true" });
     swatch.style.background = state.painter.layerColour(index);
+    // Where contours have colours of their own, those of layers mean nothing.
+    swatch.hidden = state.painter.colourBy === "contour";
     const marks = [off ? "off" : "", frozen ? "frozen" : ""].filter(Boolean).join(", ");
     return element(
         "li",

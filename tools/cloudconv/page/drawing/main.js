@@ -52,7 +52,7 @@ class State {
     }
 
     zoomTo(contour) {
-        this.view.fit(this.drawing.boxOf(contour), 80);
+        this.view.fit(this.drawing.boxOf(contour), 90);
         this.stage.viewMoved();
     }
 
@@ -61,7 +61,7 @@ class State {
         const box = boxOfFinding(this.drawing.findings[index]);
         // Near misses are small: what is around them says where they are.
         const room = Math.max(box[2] - box[0], box[3] - box[1], this.view.extent * 1e-7) * 4;
-        this.view.fit([box[0] - room, box[1] - room, box[2] + room, box[3] + room], 40);
+        this.view.fit([box[0] - room, box[1] - room, box[2] + room, box[3] + room]);
         this.stage.viewMoved();
     }
 
@@ -200,7 +200,7 @@ function connectKeys(view, state, player, { zoomBy, fit }) {
     };
     document.addEventListener("keydown", (event) => {
         const onButton = event.target.tagName === "BUTTON" || event.target.type === "checkbox";
-        const action = actions[event.key];
+        const action = actions[event.key.length === 1 ? event.key.toLowerCase() : event.key];
         if (!action || isForField(event) || (onButton && " Enter".includes(event.key))) {
             return;
         }

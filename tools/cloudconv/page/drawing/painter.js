@@ -5,17 +5,17 @@ import { styleColour } from "../shared/frame.js";
 import { SparsePlaces } from "./sparse.js";
 import { Tracer } from "./tracer.js";
 
-/** The cost of one stroke grows faster than its length. */
-const mostSegmentsAtOnce = 1500;
+/** The cost of one stroke grows faster than its length: ten times that of as many short ones. */
+const mostSegmentsAtOnce = 48;
 const arrowSpacing = 120;
 /** Contours smaller than this, in pixels, have no signs of their own. */
 const leastWithSigns = 14;
 
 /** Strokes contours of one colour at a time. */
 class Strokes {
-    constructor(context, view, onSegment) {
+    constructor(context, view) {
         this.context = context;
-        this.tracer = new Tracer(context, view, onSegment);
+        this.tracer = new Tracer(context, view, () => this.#flushWhenLong());
     }
 
     begin(colour) {
@@ -24,9 +24,10 @@ class Strokes {
         this.context.fillStyle = colour;
     }
 
-    flushWhenLong() {
-        if (this.tracer.segments > mostSegmentsAtOnce) {
+    #flushWhenLong() {
+        if (this.tracer.segments >= mostSegmentsAtOnce) {
             this.flush();
+            this.tracer.lift();
         }
     }
 
@@ -78,7 +79,7 @@ export class Painter {
      */
     paintContours(context, end = this.drawing.count, last = undefined) {
         const { drawing, view } = this;
-        const strokes = new Strokes(context, view, null);
+        const strokes = new Strokes(context, view);
         const dots = new SparsePlaces(1.5);
         const byColour = new Map();
         for (let contour = 0; contour < end; ++contour) {
@@ -92,7 +93,8 @@ export class Painter {
         }
         let seen = 0;
         byColour.forEach((contours) => (seen += contours.length));
-        context.lineWidth = seen > 3000 ? 1 : seen > 400 ? 1.3 : 1.7;
+        // Lines of one pixel are painted many times faster than wider ones.
+        context.lineWidth = seen > 400 ? 1 : 1.7;
         context.lineJoin = "round";
         context.lineCap = "round";
         context.beginPath();
@@ -101,7 +103,6 @@ export class Painter {
             for (const contour of contours) {
                 const stop = contour === end - 1 ? last : undefined;
                 this.#paintContour(strokes, contour, stop, dots);
-                strokes.flushWhenLong();
             }
         }
         strokes.flush();
@@ -131,7 +132,7 @@ export class Painter {
     /** The straight ways to the contours from `begin` on, each from the one before it. */
     paintWays(context, begin = 0, end = this.drawing.count) {
         const { drawing, view } = this;
-        const strokes = new Strokes(context, view, null);
+        const strokes = new Strokes(context, view);
         context.save();
         context.setLineDash([4, 4]);
         context.lineWidth = 1;
@@ -146,7 +147,6 @@ export class Painter {
                     view.screenX(drawing.points[to]),
                     view.screenY(drawing.points[to + 1]),
                 );
-                strokes.flushWhenLong();
             }
         }
         strokes.flush();
@@ -235,7 +235,7 @@ export class Painter {
             return;
         }
         for (const [colour, extra] of [[this.paper, 4], [this.accent, 0]]) {
-            const strokes = new Strokes(context, this.view, null);
+            const strokes = new Strokes(context, this.view);
             context.lineJoin = "round";
             context.lineCap = "round";
             context.lineWidth = width + extra;
@@ -261,7 +261,7 @@ export class Painter {
     /** Paints what the tool has walked since it was somewhere before. */
     paintStretch(context, before, tool) {
         const { drawing } = this;
-        const strokes = new Strokes(context, this.view, null);
+        const strokes = new Strokes(context, this.view);
         context.beginPath();
         for (let contour = before.contour; contour <= tool.contour; ++contour) {
             const begin = drawing.begin(contour);
@@ -284,7 +284,7 @@ export class Painter {
     paintReach(context, tool) {
         const { drawing, view } = this;
         const [x, y] = [drawing.points[2 * tool.point], drawing.points[2 * tool.point + 1]];
-        const strokes = new Strokes(context, view, null);
+        const strokes = new Strokes(context, view);
         context.save();
         context.lineWidth = tool.onWay ? 1 : 1.7;
         context.setLineDash(tool.onWay ? [4, 4] : []);

@@ -11,6 +11,12 @@ import { numberText, withUnit } from "../shared/words.js";
 const quickly = 24;
 const pause = 90;
 
+/** Painted by the processor: what takes paths to the graphics card, and there to pieces, is slower
+ *  for ten thousand of them, and nobody can tell how long it will take. */
+function contextOf(canvas) {
+    return canvas.getContext("2d", { willReadFrequently: true });
+}
+
 export class Stage {
     #cost = 0;
     #timer = 0;
@@ -57,14 +63,14 @@ export class Stage {
 
     #resize() {
         const { clientWidth, clientHeight } = this.box;
-        const ratio = Math.min(window.devicePixelRatio || 1, 3);
+        const ratio = Math.min(window.devicePixelRatio || 1, 2);
         if (clientWidth === 0 || clientHeight === 0) {
             return;
         }
         for (const canvas of [this.base, this.trail, this.top]) {
             canvas.width = Math.round(clientWidth * ratio);
             canvas.height = Math.round(clientHeight * ratio);
-            canvas.getContext("2d").setTransform(ratio, 0, 0, ratio, 0, 0);
+            contextOf(canvas).setTransform(ratio, 0, 0, ratio, 0, 0);
         }
         this.view.width = clientWidth;
         this.view.height = clientHeight;
@@ -120,6 +126,8 @@ export class Stage {
         }
         this.#painted = { x: this.view.x, y: this.view.y, scale: this.view.scale };
         this.#paintTrail(false);
+        // Browsers put painting off until somebody looks.
+        context.getImageData(0, 0, 1, 1);
         this.#cost = performance.now() - begin;
         document.documentElement.dataset.paintMilliseconds = this.#cost.toFixed(1);
     }
@@ -139,7 +147,7 @@ export class Stage {
                 (tool.contour === before.contour && tool.point >= before.point));
         const waysBegin = before && isLater ? before.contour + (before.onWay ? 0 : 1) : 0;
         const end = tool.onWay ? tool.contour : tool.contour + 1;
-        const context = goesOn && isLater ? this.trail.getContext("2d") : this.#cleared(this.trail);
+        const context = goesOn && isLater ? contextOf(this.trail) : this.#cleared(this.trail);
         if (this.state.signs.ways) {
             painter.paintWays(context, goesOn && isLater ? waysBegin : 0, end);
         }
@@ -171,7 +179,7 @@ export class Stage {
     }
 
     #cleared(canvas) {
-        const context = canvas.getContext("2d");
+        const context = contextOf(canvas);
         context.clearRect(0, 0, this.view.width, this.view.height);
         if (canvas !== this.top) {
             canvas.style.transform = "";

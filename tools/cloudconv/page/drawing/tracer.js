@@ -28,6 +28,11 @@ export class Tracer {
         this.segments = 0;
     }
 
+    /** What comes next begins a new stretch of the canvas path. */
+    lift() {
+        this.#down = false;
+    }
+
     /** Whether any of a box is on the screen. */
     sees(boxes, index) {
         const { view } = this;

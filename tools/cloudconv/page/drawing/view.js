@@ -48,9 +48,9 @@ export class View {
         this.y = y + (screenY - this.height / 2) / this.scale;
     }
 
-    /** Shows a box, with some room around it. */
-    fit(box = this.whole, margin = 40) {
-        const room = (pixels) => Math.max(pixels - 2 * margin, pixels / 3);
+    /** Shows a box, with some room around it: the page's buttons lie in the corners. */
+    fit(box = this.whole, margin = 58) {
+        const room = (pixels) => Math.max(pixels - 2 * margin, 0.72 * pixels);
         const [width, height] = [box[2] - box[0], box[3] - box[1]];
         const scale = Math.min(room(this.width) / width, room(this.height) / height);
         // What has no extent is shown with a thousandth of the drawing around it.

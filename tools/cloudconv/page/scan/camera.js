@@ -1,6 +1,6 @@
 // Where the scan is seen from: on a sphere around a place that one looks at. Up stays up.
 
-import { cross, perspective, product, sum, viewMatrix } from "./matrix.js";
+import { cross, dot, perspective, product, sum, viewMatrix } from "./matrix.js";
 
 /** The tangent of half the angle of view: some 43 degrees in all. */
 const slope = 0.39;
@@ -42,11 +42,15 @@ export class Camera {
         this.target = [...this.middle];
         const aspect = this.width / this.height;
         const { right, up, back } = this.axes();
-        const reach = (axis) =>
-            axis.reduce((most, part, i) => most + (Math.abs(part) * this.sides[i]) / 2, 0);
-        // The box has to fit in height and in width, where its front side is.
-        const needed = Math.max(reach(up), reach(right) / Math.max(aspect, 0.1)) / slope;
-        this.distance = Math.max(1.06 * needed + reach(back), this.radius * 1e-3);
+        // Each corner has to be inside of the angle of view, upwards and sideways.
+        let needed = this.radius * 1e-3;
+        for (let corner = 0; corner < 8; ++corner) {
+            const place = this.sides.map((side, axis) => ((corner >> axis) & 1 ? 0.5 : -0.5) * side);
+            const aside = Math.abs(dot(place, right)) / Math.max(aspect, 0.1);
+            const across = Math.max(aside, Math.abs(dot(place, up))) / slope;
+            needed = Math.max(needed, dot(place, back) + 1.1 * across);
+        }
+        this.distance = needed;
     }
 
     /** Unit vectors: to the right, up, and from what is looked at towards the eye. */
