@@ -5,9 +5,9 @@
 // Every measurement is a process of its own, so that each has its own peak of memory. All begin
 // with a file and end with points in memory.
 
-#include "tests/support/PathDrawings.h"
 #include "converters/Converters.h"
 #include "converters/DrawingPath.h"
+#include "tests/support/PathDrawings.h"
 
 #include <gdal_priv.h>
 #include <malloc.h>

@@ -1,12 +1,12 @@
 // Small fixed pieces of work, one for each function whose cost matters, counted by callgrind; see
 // counts.py.
 
-#include "tests/support/PathDrawings.h"
 #include "converters/Converters.h"
 #include "converters/DrawingPath.h"
 #include "dxfeditor/DXFDocument.h"
 #include "dxfeditor/DXFReader.h"
 #include "dxfeditor/DXFSpline.h"
+#include "tests/support/PathDrawings.h"
 #include "tests/support/SampleClouds.h"
 #include "tests/support/SampleDrawings.h"
 
