@@ -6,6 +6,16 @@
 
 /// Digits taken eight at a time: words of characters, the first in the lowest byte. Few steps and
 /// no branches that depend on the digits, which would be mispredicted for most numbers.
+///
+/// The token "3.14" on its way through readShortFloat, the first byte on the left:
+///
+///     loadWord        '3'  '.'  '1'  '4'  ' '  ...         behind it stands another token
+///     ^ '0', << 32     0    0    0    0    3   30    1    4  the values, moved to the end
+///     takeOutPoint     0    0    0    0    0    3    1    4  and 2 decimals behind the point
+///     joinDigits       0         0         3        14       each value * 10 + the next
+///                      0                 314                 each * 100 + the next
+///                    314                                     each * 10000 + the next
+///     / 10^2         3.14                                    one rounding of exact numbers
 namespace base {
 
 constexpr std::size_t wordLength = 8;
@@ -35,7 +45,8 @@ inline unsigned countDigits(std::uint64_t word) {
 
 /// Value of eight digits, each as its value, the first in the lowest byte.
 inline std::uint64_t joinDigits(std::uint64_t digits) {
-    // Neighbours are joined: 1, 2, 4 digits each.
+    // Neighbours are joined: 1, 2, 4 digits each. Nothing carries into the next: of two digits the
+    // value is below 100, of four below 10000.
     digits = (digits * 10 + (digits >> 8)) & 0x00FF00FF00FF00FF;
     digits = (digits * 100 + (digits >> 16)) & 0x0000FFFF0000FFFF;
     return (digits * 10000 + (digits >> 32)) & 0xFFFFFFFF;

@@ -25,8 +25,12 @@ public:
     /// may put a link there at any moment.
     bool isCreated() const { return m_descriptor >= 0; }
 
-    /// A path by which to open the very file, whatever is put at its own path meanwhile: nobody can
-    /// have it opened in another's place. The file's own path where there is no /proc.
+    /// The open file, to write to; negative when it could not be created. It is closed with this
+    /// object.
+    int descriptor() const { return m_descriptor; }
+
+    /// A path by which to read the very file, whatever is put at its own path meanwhile: nobody can
+    /// have another one opened in its place. The file's own path where there is no /proc.
     /// Only for a file that was created.
     std::filesystem::path openPath() const;
 

@@ -2,7 +2,6 @@
 
 #include "base/FileReader.h"
 #include "base/TransientFile.h"
-#include "base/UnopenableFile.h"
 #include "converters/PlySerializerDeserializer.h"
 #include "converters/mpaths.h"
 #include "dxfeditor/DXFAdapter.h"
@@ -39,8 +38,10 @@ std::vector<cv::Point3_<double>> widened(const pcl::PointCloud<pcl::PointXYZ>& c
 }
 
 /// Writes the drawing that holds the points alone, and lets go of them.
+/// @param file  descriptor to write to
+/// @param path  the file's name in a message
 /// @return true when every byte of it was written
-bool saveDrawing(const std::string& path, std::shared_ptr<DXFPointVector> points) {
+bool saveDrawing(int file, const std::string& path, std::shared_ptr<DXFPointVector> points) {
     DXFDraw draw(path);
     draw.setupFile();
     draw.entities.push_back(points);
@@ -50,7 +51,7 @@ bool saveDrawing(const std::string& path, std::shared_ptr<DXFPointVector> points
     if (draw.document.addEntity(std::move(points))) {
         draw.document.setup();
     }
-    return draw.saveFile();
+    return draw.writer.saveTo(file, path);
 }
 
 bool writeAndReadBack(std::shared_ptr<DXFPointVector> points, std::vector<unsigned char>& out) {
@@ -61,15 +62,11 @@ bool writeAndReadBack(std::shared_ptr<DXFPointVector> points, std::vector<unsign
     path /= "tmp" + std::to_string(getpid()) + ".dxf";
 
     base::TransientFile file(path);
-    if (!file.isCreated()) {
-        base::reportUnopenableFile(path.string());
+    // Also for a file that could not be created, which the writer reports.
+    if (!saveDrawing(file.descriptor(), path.string(), std::move(points)) || !file.isInPlace()) {
         return false;
     }
-    const std::string openPath = file.openPath().string();
-    if (!saveDrawing(openPath, std::move(points)) || !file.isInPlace()) {
-        return false;
-    }
-    if (!from_file(openPath, out)) {
+    if (!from_file(file.openPath().string(), out)) {
         file.keep();
         return false;
     }

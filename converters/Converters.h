@@ -30,7 +30,7 @@ CONVERTERS_EXPORT bool from_file(const std::string& path, std::vector<unsigned c
 /// Makes a DXF drawing (release R12) with one POINT on layer "0" for each point, in order.
 ///
 /// Coordinates are written as they are, rounded to sixteen decimals; nan and infinities as the
-/// words "nan", "-nan", "inf" and "-inf", which few readers of drawings take. The text does not
+/// words "nan", "-nan", "inf" and "-inf", which fromDxf, for one, reads as 0. The text does not
 /// depend on the locale.
 ///
 /// The drawing passes through the file "tmp<process id>.dxf" in tmpDxfPath, a directory that is
@@ -64,8 +64,9 @@ CONVERTERS_EXPORT bool toDxf(const pcl::PointCloud<pcl::PointXYZ>& cloud,
 ///
 /// @param cloud  the points, missing ones (nan) included. Its width and height go into the file's
 ///               "obj_info" lines and their product says how many points are written; both 0 stand
-///               for one row of all points. Points that the product counts but the cloud does not
-///               hold are written as zeros.
+///               for one row of all points. A product that is not the number of points cuts the
+///               memory of the points into that many equal records: what is written is then no
+///               point of the cloud.
 /// @param out    replaced by the file. For a cloud without points, a header that declares no
 ///               vertices is put in front of what `out` holds, which stays.
 /// @return false for a cloud without points, after a message
@@ -98,9 +99,10 @@ struct PlyReadResult {
 /// @param data   the file
 /// @param cloud  replaced by the points of a complete read; untouched when the file is refused or
 ///               declares no vertices. x, y, z and intensity are taken from 32-bit float properties
-///               of these names; one that the file does not declare has its default, after a
-///               warning of the Point Cloud Library. Width and height come from the file's
-///               "obj_info" lines, or are the number of points and 1; is_dense is false.
+///               of these names. One that the file does not declare is 0, after a warning of the
+///               Point Cloud Library, unless another property is copied there: see
+///               PLYDeserializer::DeserializePlyT. Width and height come from the file's "obj_info"
+///               lines, or are the number of points and 1; is_dense is false.
 /// @return whether the file was accepted, else after a message, and whether it is an empty scene
 /// @throws std::invalid_argument, std::out_of_range for "obj_info num_cols" or "num_rows" with a
 ///         value that is no 32-bit integer; `cloud` is untouched

@@ -76,6 +76,7 @@ struct PathEntity {
     /// Index into DrawingPath::layers: where it is drawn, so that layer "0" in a block is the layer
     /// of the INSERT.
     std::uint32_t layer;
+    /// What it is.
     PathEntityKind kind;
 };
 
@@ -98,19 +99,23 @@ enum class PathCurveKind : std::uint8_t {
 struct PathPiece {
     /// Indexes into DrawingPath::points of the first point and of the last.
     std::size_t firstPoint;
+    /// Index of its last point.
     std::size_t lastPoint;
     /// Index into arcs, ellipticArcs or splines; 0 for points and lines.
     std::uint32_t curve;
     /// Index into DrawingPath::entities.
     std::uint32_t entity;
+    /// What it is.
     PathCurveKind kind;
 };
 
 /// A circular arc in space, walked from its start to its end.
 struct PathArc {
+    /// Of its circle.
     cv::Point3_<double> centre;
     /// Unit vector; the arc turns counter-clockwise about it.
     cv::Point3_<double> normal;
+    /// Above 0.
     double radius;
     /// Radians, above 0 and at most 2 pi (a full circle).
     double sweep;
@@ -118,20 +123,25 @@ struct PathArc {
 
 /// An elliptic arc: centre + cos(t) major + sin(t) minor, for t from `start` to `start` + `sweep`.
 struct PathEllipticArc {
+    /// Of its ellipse.
     cv::Point3_<double> centre;
     /// The two half axes; perpendicular, the longer one first.
     cv::Point3_<double> major;
+    /// The shorter one.
     cv::Point3_<double> minor;
     /// Radians; the sweep is above 0 and at most 2 pi.
     double start;
+    /// How far it goes on.
     double sweep;
 };
 
 /// A B-spline, walked from knots[degree] to knots[controlPoints.size()].
 struct PathSpline {
+    /// At least 1.
     std::size_t degree;
     /// Do not fall; controlPoints.size() + degree + 1 of them.
     std::vector<double> knots;
+    /// More than `degree`.
     std::vector<cv::Point3_<double>> controlPoints;
     /// One for each control point, all positive; empty where all are 1.
     std::vector<double> weights;
@@ -143,7 +153,9 @@ struct PathLayer {
     std::string name;
     /// The AutoCAD colour index, 1 to 255; 7 (black or white) where the drawing has none.
     std::uint16_t colour;
+    /// Whether it is switched off.
     bool off;
+    /// Whether it is frozen.
     bool frozen;
 };
 
@@ -151,12 +163,15 @@ struct PathLayer {
 struct PathContour {
     /// Indexes into DrawingPath::points: the first point, and behind the last one.
     std::size_t firstPoint;
+    /// Behind its last point.
     std::size_t endPoint;
     /// Indexes into DrawingPath::pieces: the first piece, and behind the last one.
     std::size_t firstPiece;
+    /// Behind its last piece.
     std::size_t endPiece;
     /// Indexes into DrawingPath::entities: the first entity, and behind the last one.
     std::size_t firstEntity;
+    /// Behind its last entity.
     std::size_t endEntity;
     /// Along its exact curves, in units of the result.
     double length;
@@ -210,6 +225,7 @@ struct LeftOut {
     /// How many; each one once for each time that it would be drawn, but what an INSERT would have
     /// drawn counts as that INSERT where that is what was left out.
     std::uint64_t number;
+    /// Why.
     LeftOutReason reason;
 };
 
@@ -218,26 +234,37 @@ struct LeftOut {
 struct DrawingPath {
     /// The points of all contours, one contour after another.
     std::vector<cv::Point3_<double>> points;
+    /// In the order in which they are walked.
     std::vector<PathContour> contours;
+    /// Of all contours, one contour after another.
     std::vector<PathPiece> pieces;
+    /// What pieces of that kind name.
     std::vector<PathArc> arcs;
+    /// What pieces of that kind name.
     std::vector<PathEllipticArc> ellipticArcs;
+    /// What pieces of that kind name.
     std::vector<PathSpline> splines;
+    /// Of all contours, one contour after another.
     std::vector<PathEntity> entities;
+    /// All that the drawing names, in the order of its table.
     std::vector<PathLayer> layers;
     /// In the order in which the kinds came up.
     std::vector<LeftOut> leftOut;
+    /// Of the coordinates here.
     /// What the reader had to assume, in words for a person: "the drawing names no unit; its
     /// numbers are taken as millimetres".
     std::vector<std::string> notes;
     /// The unit of the drawing, and that of the coordinates here.
     LengthUnit drawingUnit = LengthUnit::none;
+    /// Of the coordinates here.
     LengthUnit unit = LengthUnit::none;
     /// The smallest box that holds all points; without meaning when there are none.
     cv::Point3_<double> lowest;
+    /// Its other corner.
     cv::Point3_<double> highest;
     /// Of all contours, and of the straight ways from the end of each to the start of the next.
     double length = 0;
+    /// Of the straight ways between contours.
     double wayLength = 0;
 };
 
@@ -277,16 +304,20 @@ struct PathOptions {
     /// Names of layers to take, in UTF-8, and to leave out. Case does not matter; "*" stands for
     /// any text, "?" for a character. No names: all layers.
     std::vector<std::string> layers;
+    /// Names of layers to leave out.
     std::vector<std::string> exceptLayers;
     /// Takes what is invisible and what is on layers that are off or frozen.
     bool hidden = false;
     /// Takes paper space, in its own coordinates.
     bool paperSpace = false;
+    /// How the coordinates of the result lie.
     PathAxes axes = PathAxes::drawing;
+    /// In which order contours are walked.
     PathOrder order = PathOrder::drawn;
     /// More points, or more entities when all blocks are drawn, are refused before memory is asked
     /// for.
     std::size_t maximumPoints = 100'000'000;
+    /// The same for entities.
     std::size_t maximumEntities = 100'000'000;
     /// Called now and then, on the caller's thread, with the part of the work that is done, 0 to 1;
     /// false stops the work, which is then a failure.
@@ -295,9 +326,10 @@ struct PathOptions {
 
 /// Reads the path of a DXF drawing.
 ///
-/// @param bytes  the file, text of any release and line end, or binary; read during the call only
-/// @param size   how many bytes
-/// @param path   replaced by the path; untouched when the result is a failure
+/// @param bytes    the file, text of any release and line end, or binary; read during the call only
+/// @param size     how many bytes
+/// @param path     replaced by the path; untouched when the result is a failure
+/// @param options  what is followed, and how closely
 /// @return success, also of a drawing in which nothing is drawn. A failure, with its reason, for
 ///         what is no DXF file, for a binary file cut short, for options out of range, for more
 ///         points or entities than allowed, and when `progress` stops it.
@@ -307,7 +339,9 @@ CONVERTERS_EXPORT ReadResult readPath(const void* bytes, std::size_t size, Drawi
 
 /// Reads the path of a DXF file.
 ///
-/// @param file  the file's path
+/// @param file     the file's path
+/// @param path     as above
+/// @param options  as above
 /// @return as above; a failure also when the file cannot be read
 CONVERTERS_EXPORT ReadResult readPath(const std::filesystem::path& file, DrawingPath& path,
                                       const PathOptions& options = {});

@@ -86,6 +86,22 @@ std::string sizeLines(std::uint32_t width, std::uint32_t height) {
            std::to_string(height * width);
 }
 
+std::string headerOf(const pcl::PCLPointCloud2& cloud, bool binary) {
+    std::string header = "ply";
+    header += formatLine(binary, cloud.is_bigendian != 0);
+    header += sizeLines(cloud.width, cloud.height);
+    for (const pcl::PCLPointField& field : cloud.fields) {
+        const std::string property = propertyOf(field);
+        if (property.empty()) {
+            deliver(2, __LINE__, "GenerateHeader",
+                    "[PLYSerializer::generateHeader] unknown data field type!");
+            return {};
+        }
+        header += property;
+    }
+    return header + "\nend_header\n";
+}
+
 /// Replaces `out` by the header, with room for the body.
 void restart(Bytes& out, const std::string& header, std::size_t bodySize) {
     converters::detail::restartOutput(out, header.size() + bodySize);
@@ -103,19 +119,7 @@ std::size_t textRoom(const std::vector<PlyColumn>& columns, const PointBytes& po
 } // namespace
 
 std::string PLYSerializer::GenerateHeader(const pcl::PCLPointCloud2& cloud, bool binary) const {
-    std::string header = "ply";
-    header += formatLine(binary, cloud.is_bigendian != 0);
-    header += sizeLines(cloud.width, cloud.height);
-    for (const pcl::PCLPointField& field : cloud.fields) {
-        const std::string property = propertyOf(field);
-        if (property.empty()) {
-            deliver(2, __LINE__, "GenerateHeader",
-                    "[PLYSerializer::generateHeader] unknown data field type!");
-            return {};
-        }
-        header += property;
-    }
-    return header + "\nend_header\n";
+    return headerOf(cloud, binary);
 }
 
 std::string PLYSerializer::GenerateEmptyHeader() const {
@@ -155,15 +159,14 @@ void PLYSerializer::SerializeBinary(const pcl::PCLPointCloud2& layout, const Poi
                                     Bytes& out) {
     const std::size_t bodySize =
         converters::detail::recordSize(PlyColumn::ofFields(layout.fields)) * points.count;
-    restart(out, PLYSerializer().GenerateHeader(layout, true), bodySize);
+    restart(out, headerOf(layout, true), bodySize);
     AppendRecords(layout.fields, points, out);
 }
 
 void PLYSerializer::SerializeASCII(const pcl::PCLPointCloud2& layout, const PointBytes& points,
                                    Bytes& out) {
     const std::vector<PlyColumn> columns = PlyColumn::ofFields(layout.fields);
-    restart(out, PLYSerializer().GenerateHeader(layout, false),
-            textRoom(columns, points, layout.point_step));
+    restart(out, headerOf(layout, false), textRoom(columns, points, layout.point_step));
     const auto write = [&out](const char* text, std::size_t length) {
         const auto* bytes = reinterpret_cast<const unsigned char*>(text);
         out.insert(out.end(), bytes, bytes + length);
@@ -183,15 +186,52 @@ bool fits(std::uint64_t count, std::uint64_t size, std::uint64_t limit) {
     return size == 0 || count <= limit / size;
 }
 
-/// The line's text behind its first word, and that word.
-PlyHeaderLine beginLine(std::string_view text, std::string_view& keyword) {
-    PlyHeaderLine line(text);
-    line.skipBlanks();
-    keyword = line.word();
-    return line;
+/// Whether a line that begins with this word says something of the file.
+bool isKeyword(std::string_view word) {
+    return word == "format" || word == "element" || word == "property" || word == "obj_info";
 }
 
 } // namespace
+
+struct PLYDeserializer::Fault {
+    /// What the log says. Its messages are known to programs that read it: what they do not tell,
+    /// callers learn from refusal().
+    enum class Message { None, Line, LineAndReason, Reason };
+
+    PlyRefusal refusal;
+    Message message;
+};
+
+/// Notes why the file is refused, if it is, and says it in the log in the name of a step.
+/// @return whether there is no fault
+bool PLYDeserializer::Accept(Faults fault, const char* function) {
+    using Message = Fault::Message;
+    constexpr int error = 2;
+    m_refusal = fault ? std::move(fault->refusal) : PlyRefusal();
+    if (!fault || fault->message == Message::None) {
+        return !fault;
+    }
+    const char* const reason = m_refusal.reason.c_str();
+    const int line = forPrint(m_refusal.line);
+    if (fault->message == Message::Line) {
+        deliverOrTerminate(error, __LINE__, function,
+                           "[PlyDeserializer::%s] Error parsing ply, line: %i\n", function, line);
+    } else if (fault->message == Message::LineAndReason) {
+        deliverOrTerminate(error, __LINE__, function,
+                           "[PlyDeserializer::%s] Error parsing ply, line: %i %s\n", function, line,
+                           reason);
+    } else {
+        deliverOrTerminate(error, __LINE__, function,
+                           "[PlyDeserializer::%s] Error parsing ply, %s\n", function, reason);
+    }
+    return false;
+}
+
+/// A fault of the line read last.
+PLYDeserializer::Fault PLYDeserializer::BadLine(std::string reason, bool isLogged) const {
+    return {{std::move(reason), lineNumber},
+            isLogged ? Fault::Message::LineAndReason : Fault::Message::Line};
+}
 
 void PLYDeserializer::Init() {
     stream.str("");
@@ -214,13 +254,8 @@ bool PLYDeserializer::IsVertexCountZero(const std::vector<unsigned char>& data) 
     std::string_view text = textOf(data);
     std::string_view lineText;
     while (takeLine(text, lineText)) {
-        std::string_view word;
-        PlyHeaderLine line = beginLine(lineText, word);
-        if (word != "element") {
-            continue;
-        }
-        line.skipBlanks();
-        if (line.word() == "vertex") {
+        PlyHeaderLine line(lineText);
+        if (line.nextWord() == "element" && line.nextWord() == "vertex") {
             line.skipBlanks();
             return line.count() == 0;
         }
@@ -237,7 +272,7 @@ bool PLYDeserializer::ReadHeader(const std::vector<unsigned char>& data) {
     stream.str(std::string(text));
     stream.clear();
     NeedCloud();
-    const bool isAccepted = ParseHeader(text, data.size(), sizeof(pcl::PointXYZI));
+    const bool isAccepted = TakeHeader(text, data.size(), sizeof(pcl::PointXYZI));
     stream.seekg(static_cast<std::streamoff>(textSize - text.size()));
     if (isAccepted) {
         cloud->data.resize(BlockSize());
@@ -250,64 +285,74 @@ bool PLYDeserializer::ReadHeader(const std::vector<unsigned char>& data) {
 /// @param text       the file's text; left at the first byte of the body
 /// @param inputSize  size of the whole file
 /// @param pointSize  size of a typed point
-bool PLYDeserializer::ParseHeader(std::string_view& text, std::size_t inputSize,
-                                  std::size_t pointSize) {
+bool PLYDeserializer::TakeHeader(std::string_view& text, std::size_t inputSize,
+                                 std::size_t pointSize) {
+    return Accept(ParseHeader(text, inputSize, pointSize), "ReadHeader");
+}
+
+PLYDeserializer::Faults PLYDeserializer::ParseHeader(std::string_view& text, std::size_t inputSize,
+                                                     std::size_t pointSize) {
     lineNumber = 0;
-    if (!ParseMagic(text)) {
-        return false;
+    if (Faults fault = ParseMagic(text)) {
+        return fault;
     }
     Seen seen;
-    std::string_view line;
-    while (takeLine(text, line)) {
+    std::string_view lineText;
+    while (takeLine(text, lineText)) {
         ++lineNumber;
-        std::string_view keyword;
-        beginLine(line, keyword);
+        PlyHeaderLine line(lineText);
+        const std::string_view keyword = line.nextWord();
         if (keyword == "end_header") {
             return FinishHeader(inputSize, pointSize);
         }
-        bool isAccepted = true;
-        if (keyword == "format") {
-            isAccepted = ParseFormat(line, seen);
-        } else if (keyword == "obj_info") {
-            ParseObjInfo(line);
-        } else if (keyword == "element") {
-            isAccepted = ParseElement(line, seen);
-        } else if (keyword == "property") {
-            isAccepted = ParseProperty(line, seen);
-        } else {
-            IgnoreLine(line);
-        }
-        if (!isAccepted) {
-            return false;
+        if (!isKeyword(keyword)) {
+            deliverOrTerminate(1, __LINE__, "ReadHeader",
+                               "[PlyDeserializer::ReadHeader] Ignoring line %i : %s\n",
+                               forPrint(lineNumber), std::string(lineText).c_str());
+        } else if (Faults fault = ParseLine(keyword, line, seen)) {
+            return fault;
         }
     }
-    return false;
+    return Fault{{"the header has no end_header line", 0}, Fault::Message::None};
 }
 
 /// The first line. Its fourth byte is taken whatever it is: a line feed, or a carriage return that
 /// one more byte follows.
-bool PLYDeserializer::ParseMagic(std::string_view& text) {
+PLYDeserializer::Faults PLYDeserializer::ParseMagic(std::string_view& text) {
     ++lineNumber;
     if (text.size() < 4 || text.substr(0, 3) != "ply") {
-        return RefuseLine(__LINE__);
+        return BadLine("the file does not begin with \"ply\"");
     }
     const bool hasReturn = text[3] == '\r';
     text.remove_prefix(std::min<std::size_t>(hasReturn ? 5 : 4, text.size()));
-    return true;
+    return {};
 }
 
-bool PLYDeserializer::ParseFormat(std::string_view text, Seen& seen) {
-    std::string_view keyword;
-    PlyHeaderLine line = beginLine(text, keyword);
+/// A line that begins with one of the known keywords.
+/// @param line  behind the keyword
+PLYDeserializer::Faults PLYDeserializer::ParseLine(std::string_view keyword, Line& line,
+                                                   Seen& seen) {
+    if (keyword == "format") {
+        return ParseFormat(line, seen);
+    }
+    if (keyword == "element") {
+        return ParseElement(line, seen);
+    }
+    if (keyword == "property") {
+        return ParseProperty(line, seen);
+    }
+    ParseObjInfo(line);
+    return {};
+}
+
+PLYDeserializer::Faults PLYDeserializer::ParseFormat(Line& line, Seen& seen) {
     const bool hasFirst = line.separator();
-    line.skipBlanks();
-    const std::string_view word = line.word();
+    const std::string_view word = line.nextWord();
     const bool hasSecond = line.separator();
-    line.skipBlanks();
-    const std::string_view version = line.word();
+    const std::string_view version = line.nextWord();
     line.skipBlanks();
     if (!line.isAtEnd() || !hasFirst || !hasSecond) {
-        return RefuseLine(__LINE__);
+        return BadLine("\"format\" is not followed by a format and a version alone");
     }
     if (word == "ascii") {
         format = PlyFormat::Ascii;
@@ -316,33 +361,24 @@ bool PLYDeserializer::ParseFormat(std::string_view text, Seen& seen) {
     } else if (word == "binary_little_endian") {
         format = PlyFormat::BinaryLittleEndian;
     } else {
-        return RefuseLine(__LINE__);
+        return BadLine("format '" + std::string(word) + "' is unknown");
     }
     if (version != "1.0") {
-        deliverOrTerminate(
-            2, __LINE__, "ReadHeader",
-            "[PlyDeserializer::ReadHeader] Error parsing ply, line: %i version %s is not "
-            "supported\n",
-            forPrint(lineNumber), std::string(version).c_str());
-        return false;
+        return BadLine("version " + std::string(version) + " is not supported", true);
     }
     // Last, when `format` has already changed: the order is part of the observable state.
     if (seen.format) {
-        return RefuseLine(__LINE__);
+        return BadLine("there is a second format line");
     }
     seen.format = true;
-    return true;
+    return {};
 }
 
-void PLYDeserializer::ParseObjInfo(std::string_view text) {
-    std::string_view keyword;
-    PlyHeaderLine line = beginLine(text, keyword);
+void PLYDeserializer::ParseObjInfo(Line& line) {
     line.separator();
-    line.skipBlanks();
-    const std::string_view key = line.word();
+    const std::string_view key = line.nextWord();
     line.separator();
-    line.skipBlanks();
-    const std::string_view value = line.word();
+    const std::string_view value = line.nextWord();
     if (key == "num_cols") {
         cloud->width = static_cast<std::uint32_t>(std::stoi(std::string(value)));
     } else if (key == "num_rows") {
@@ -350,66 +386,45 @@ void PLYDeserializer::ParseObjInfo(std::string_view text) {
     }
 }
 
-bool PLYDeserializer::ParseElement(std::string_view text, Seen& seen) {
-    std::string_view keyword;
-    PlyHeaderLine line = beginLine(text, keyword);
+PLYDeserializer::Faults PLYDeserializer::ParseElement(Line& line, Seen& seen) {
     const bool hasFirst = line.separator();
-    line.skipBlanks();
-    const std::string_view name = line.word();
+    const std::string_view name = line.nextWord();
     const bool hasSecond = line.separator();
     line.skipBlanks();
     const std::uint64_t count = line.count();
     line.skipBlanks();
     if (!line.isAtEnd() || !hasFirst || !hasSecond) {
-        return RefuseLine(__LINE__);
+        return BadLine("\"element\" is not followed by a name and a count alone");
     }
     if (name != "vertex") {
-        deliverOrTerminate(
-            2, __LINE__, "ReadHeader",
-            "[PlyDeserializer::ReadHeader] Error parsing ply, line: %i element type '%s' not "
-            "supported\n",
-            forPrint(lineNumber), std::string(name).c_str());
-        return false;
+        return BadLine("element type '" + std::string(name) + "' not supported", true);
     }
     if (seen.vertex) {
-        deliverOrTerminate(
-            2, __LINE__, "ReadHeader",
-            "[PlyDeserializer::ReadHeader] Error parsing ply, line: %i Only one set of vertices "
-            "supported\n",
-            forPrint(lineNumber));
-        return false;
+        return BadLine("Only one set of vertices supported", true);
     }
     vertexCount = count;
     seen.vertex = true;
-    return true;
+    return {};
 }
 
-bool PLYDeserializer::ParseProperty(std::string_view text, const Seen& seen) {
-    std::string_view keyword;
-    PlyHeaderLine line = beginLine(text, keyword);
-    const bool hasFirst = line.separator();
-    line.skipBlanks();
-    const std::string_view type = line.word();
-    if (!seen.vertex || !hasFirst) {
-        return RefuseLine(__LINE__);
+PLYDeserializer::Faults PLYDeserializer::ParseProperty(Line& line, const Seen& seen) {
+    if (!seen.vertex) {
+        return BadLine("there is a property before any element");
     }
-    if (type == "list") {
-        deliverOrTerminate(
-            2, __LINE__, "ReadHeader",
-            "[PlyDeserializer::ReadHeader] Error parsing ply, line: %i List not supported\n",
-            forPrint(lineNumber));
-        return false;
+    const bool hasFirst = line.separator();
+    const std::string_view type = line.nextWord();
+    if (hasFirst && type == "list") {
+        return BadLine("List not supported", true);
     }
     const bool hasSecond = line.separator();
-    line.skipBlanks();
-    const std::string_view name = line.word();
-    if (!hasSecond) {
-        return RefuseLine(__LINE__);
+    const std::string_view name = line.nextWord();
+    if (!hasFirst || !hasSecond) {
+        return BadLine("\"property\" is not followed by a type and a name");
     }
     pcl::PCLPointField field;
     field.datatype = datatypeOfWord(type);
     if (field.datatype == 0) {
-        return true;
+        return {};
     }
     field.name = name;
     field.offset = cloud->point_step;
@@ -418,12 +433,16 @@ bool PLYDeserializer::ParseProperty(std::string_view text, const Seen& seen) {
     const auto size = static_cast<std::uint32_t>(sizeOfDatatype(field.datatype));
     cloud->point_step += size;
     // Offsets that wrapped would lead outside a record.
-    return cloud->point_step >= size;
+    if (cloud->point_step < size) {
+        return Fault{{"the records have more than 4 GiB", lineNumber}, Fault::Message::None};
+    }
+    return {};
 }
 
 /// Settles width and height, and decides whether the cloud can be held before anything is
 /// allocated: a count is only a claim of the file.
-bool PLYDeserializer::FinishHeader(std::size_t inputSize, std::size_t pointSize) {
+PLYDeserializer::Faults PLYDeserializer::FinishHeader(std::size_t inputSize,
+                                                      std::size_t pointSize) {
     if (cloud->width == 0 || cloud->height == 0) {
         cloud->height = 1;
         cloud->width = static_cast<std::uint32_t>(vertexCount);
@@ -431,111 +450,96 @@ bool PLYDeserializer::FinishHeader(std::size_t inputSize, std::size_t pointSize)
     constexpr std::uint64_t fixedLimit = std::uint64_t{64} << 20;
     constexpr std::uint64_t limitPerByte = 64;
     const std::uint64_t points = std::uint64_t{cloud->width} * cloud->height;
-    return fits(std::max(vertexCount, points), cloud->point_step + pointSize,
-                fixedLimit + limitPerByte * inputSize) &&
-           (points == vertexCount || cloud->point_step == 0);
-}
-
-/// Reports a header line that cannot be parsed.
-bool PLYDeserializer::RefuseLine(int sourceLine) const {
-    deliverOrTerminate(2, sourceLine, "ReadHeader",
-                       "[PlyDeserializer::ReadHeader] Error parsing ply, line: %i\n",
-                       forPrint(lineNumber));
-    return false;
-}
-
-void PLYDeserializer::IgnoreLine(std::string_view line) const {
-    deliverOrTerminate(1, __LINE__, "ReadHeader",
-                       "[PlyDeserializer::ReadHeader] Ignoring line %i : %s\n",
-                       forPrint(lineNumber), std::string(line).c_str());
+    if (!fits(std::max(vertexCount, points), cloud->point_step + pointSize,
+              fixedLimit + limitPerByte * inputSize)) {
+        return Fault{{"the header declares more points than a file of this size can hold", 0},
+                     Fault::Message::None};
+    }
+    if (points != vertexCount && cloud->point_step != 0) {
+        return Fault{{"num_cols times num_rows is not the number of vertices", 0},
+                     Fault::Message::None};
+    }
+    return {};
 }
 
 bool PLYDeserializer::ReadData(const std::vector<unsigned char>& data) {
     NeedCloud();
-    switch (format) {
-    case PlyFormat::Ascii:
-        return ReadAsciiData();
-    case PlyFormat::BinaryLittleEndian: {
-        // From the buffer: at the end of its text the stream itself gives no position.
-        const auto position = static_cast<std::uint64_t>(
-            std::streamoff(stream.rdbuf()->pubseekoff(0, std::ios_base::cur, std::ios_base::in)));
-        const std::size_t bodyStart = std::min<std::uint64_t>(position, data.size());
-        if (!CheckBinarySize(data.size() - bodyStart, cloud->data.size())) {
-            return false;
-        }
+    // From the buffer: at the end of its text the stream itself gives no position.
+    const auto position = static_cast<std::uint64_t>(
+        std::streamoff(stream.rdbuf()->pubseekoff(0, std::ios_base::cur, std::ios_base::in)));
+    const std::size_t bodyStart = std::min<std::uint64_t>(position, data.size());
+    const bool isAccepted = Accept(
+        TakeBody(data.size() - bodyStart, cloud->data.size(), [&] { return ReadAsciiData(); }),
+        "ReadData");
+    if (isAccepted && format == PlyFormat::BinaryLittleEndian) {
         std::copy(data.begin() + static_cast<std::ptrdiff_t>(bodyStart), data.end(),
                   cloud->data.begin());
-        return true;
     }
-    case PlyFormat::BinaryBigEndian:
-        return CheckBody(0, {});
-    }
-    return true;
+    return isAccepted;
 }
 
-/// Decides whether a body is complete, as ReadData does, without reading its values.
+/// Decides as ReadData does whether a body is complete, and leaves the members as if it had been
+/// read, but reads no value of it.
 ///
 /// @param bodySize  size of the file behind the header
 /// @param text      the text behind the header
-bool PLYDeserializer::CheckBody(std::size_t bodySize, std::string_view text) {
-    switch (format) {
-    case PlyFormat::BinaryLittleEndian:
-        return CheckBinarySize(bodySize, BlockSize());
-    case PlyFormat::BinaryBigEndian:
-        deliverOrTerminate(
-            2, __LINE__, "ReadData",
-            "[PlyDeserializer::ReadData] Error parsing ply, Binary Big Endian not implemented\n");
-        return false;
-    case PlyFormat::Ascii: {
+bool PLYDeserializer::PassBody(std::size_t bodySize, std::string_view text) {
+    const auto passLines = [&]() -> Faults {
         const std::uint64_t lines = countLines(text, vertexCount);
         lineNumber += lines;
         m_writePosition = lines * cloud->point_step;
         writeOffset = static_cast<std::uint32_t>(m_writePosition);
         if (lines < vertexCount) {
-            deliverOrTerminate(2, __LINE__, "ReadData",
-                               "[PlyDeserializer::ReadData] Error parsing ply, line: %i\n",
-                               forPrint(lineNumber));
-            return false;
+            return BadLine("the file ends before its last vertex");
         }
-    }
-    }
-    return true;
+        return {};
+    };
+    return Accept(TakeBody(bodySize, BlockSize(), passLines), "ReadData");
 }
 
-bool PLYDeserializer::CheckBinarySize(std::size_t bodySize, std::uint64_t expected) const {
-    if (bodySize == expected) {
-        return true;
+/// What a body has to be in each of the formats.
+///
+/// @param bodySize   size of the file behind the header
+/// @param expected   size of a complete binary body
+/// @param takeLines  takes the lines of an ASCII body and tells its fault
+template <typename TakeLines>
+PLYDeserializer::Faults PLYDeserializer::TakeBody(std::size_t bodySize, std::uint64_t expected,
+                                                  TakeLines takeLines) {
+    switch (format) {
+    case PlyFormat::Ascii:
+        return takeLines();
+    case PlyFormat::BinaryLittleEndian:
+        if (bodySize != expected) {
+            return Fault{{"Binary Data doesn't match expected size", 0}, Fault::Message::Reason};
+        }
+        break;
+    case PlyFormat::BinaryBigEndian:
+        return Fault{{"Binary Big Endian not implemented", 0}, Fault::Message::Reason};
     }
-    deliverOrTerminate(2, __LINE__, "ReadData",
-                       "[PlyDeserializer::ReadData] Error parsing ply, Binary Data doesn't match "
-                       "expected size\n");
-    return false;
+    return {};
 }
 
-bool PLYDeserializer::ReadAsciiData() {
+PLYDeserializer::Faults PLYDeserializer::ReadAsciiData() {
     std::string text;
     const bool wasBad = stream.bad();
     for (std::uint64_t i = 0; i < vertexCount; ++i) {
-        bool isRead = static_cast<bool>(std::getline(stream, text));
+        const bool isThere = static_cast<bool>(std::getline(stream, text));
         // Streams keep exceptions to themselves; in memory there is only this one.
         if (stream.bad() && !wasBad) {
             throw std::bad_alloc();
         }
-        if (isRead) {
-            ++lineNumber;
-            PlyAsciiLine line(text);
-            isRead =
-                std::all_of(cloud->fields.begin(), cloud->fields.end(),
-                            [&](const auto& field) { return ParseValue(field.datatype, line); });
+        if (!isThere) {
+            return BadLine("the file ends before its last vertex");
         }
-        if (!isRead) {
-            deliverOrTerminate(2, __LINE__, "ReadData",
-                               "[PlyDeserializer::ReadData] Error parsing ply, line: %i\n",
-                               forPrint(lineNumber));
-            return false;
+        ++lineNumber;
+        PlyAsciiLine line(text);
+        for (const pcl::PCLPointField& field : cloud->fields) {
+            if (!ParseValue(field.datatype, line)) {
+                return BadLine("a field has an unknown type");
+            }
         }
     }
-    return true;
+    return {};
 }
 
 bool PLYDeserializer::ParseVertices(const unsigned char& type, std::istringstream& line) {

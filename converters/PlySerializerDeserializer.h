@@ -16,6 +16,7 @@
 #include <pcl/point_types.h>
 
 #include <cstdint>
+#include <optional>
 #include <sstream>
 #include <string>
 #include <string_view>
@@ -33,15 +34,15 @@ public:
     /// The fields "normal_x", "normal_y", "normal_z", "rgb" and "rgba" are declared by their
     /// name alone, as floats and 8-bit colours, whatever their datatype and count; the bodies are
     /// written by datatype, so they may not match. The number of vertices is width * height modulo
-    /// 2^32. Readers of these files rely on both.
+    /// 2^32. Both are kept: the headers of a cloud stay the same from release to release.
     ///
     /// @param cloud   its width, height, fields and is_bigendian are read
     /// @param binary  whether a binary body follows; is_bigendian then chooses the format line
     /// @return the header; empty, after an error message, when a field has a datatype outside 1-8
     std::string GenerateHeader(const pcl::PCLPointCloud2& cloud, bool binary) const;
 
-    /// The header of a cloud without points. It has no format line and no properties: that is how
-    /// readers know an empty scene.
+    /// The header of a cloud without points. It has no format line and no properties; its count of
+    /// vertices, 0, is how PLYDeserializer knows an empty scene.
     std::string GenerateEmptyHeader() const;
 
     /// Appends the binary body of a cloud: one packed record per point, fields in their order.
@@ -95,6 +96,13 @@ public:
 private:
     using Fields = std::vector<pcl::PCLPointField>;
 
+    /// Warns, in the name of `function`, of a cloud without points.
+    static void ReportNoPoints(const char* function) {
+        converters::detail::deliverOrTerminate(
+            0, __LINE__, function,
+            "PLYSerializer::SerializePlyBinary] Input point cloud has no data!\n");
+    }
+
     static void SerializeBinary(const pcl::PCLPointCloud2& layout,
                                 const converters::detail::PointBytes& points,
                                 std::vector<unsigned char>& out);
@@ -116,9 +124,7 @@ template <typename PointT>
 bool PLYSerializer::SerializePlyBinaryT(const pcl::PointCloud<PointT>& cloud,
                                         std::vector<unsigned char>& out) const {
     if (cloud.points.empty()) {
-        converters::detail::deliverOrTerminate(
-            0, __LINE__, "SerializePlyBinaryT",
-            "PLYSerializer::SerializePlyBinary] Input point cloud has no data!\n");
+        ReportNoPoints("SerializePlyBinaryT");
         const std::string header = GenerateEmptyHeader();
         out.insert(out.begin(), header.begin(), header.end());
         return false;
@@ -132,9 +138,7 @@ template <typename PointT>
 bool PLYSerializer::SerializePlyASCIIT(const pcl::PointCloud<PointT>& cloud,
                                        std::vector<unsigned char>& out) const {
     if (cloud.points.empty()) {
-        converters::detail::deliverOrTerminate(
-            0, __LINE__, "SerializePlyASCIIT",
-            "PLYSerializer::SerializePlyBinary] Input point cloud has no data!\n");
+        ReportNoPoints("SerializePlyASCIIT");
         return false;
     }
     const pcl::PCLPointCloud2 layout = Layout(cloud);
@@ -172,6 +176,18 @@ enum class PlyFormat : std::uint32_t {
     BinaryLittleEndian = 2,
 };
 
+namespace converters::detail {
+class PlyHeaderLine;
+}
+
+/// Why a PLY file was refused.
+struct PlyRefusal {
+    /// In words for a person, without a full stop; empty when nothing was refused.
+    std::string reason;
+    /// The line of the file that the reason is about, counted from 1; 0 when it is about none.
+    std::uint64_t line = 0;
+};
+
 /// Reads PLY files: a "vertex" element with scalar properties, in ASCII or binary little-endian.
 ///
 /// DeserializePlyT reads a whole file into a typed cloud. The steps can also be made one by one, on
@@ -205,8 +221,8 @@ public:
 
     /// Whether the file declares no vertices: the first line "element vertex ..." of its text has
     /// the count 0 or no readable count, or there is no such line. The line may stand anywhere, and
-    /// nothing else is checked: a text that is no PLY file is an empty scene, too. Callers rely on
-    /// that. Reads and changes no member.
+    /// nothing else is checked: a text that is no PLY file is an empty scene, too, and no error.
+    /// Reads and changes no member.
     bool IsVertexCountZero(const std::vector<unsigned char>& data) const;
 
     /// Returns `emptySceneInTeach`.
@@ -215,11 +231,12 @@ public:
     /// Reads the header: the cloud gets its fields, width, height, point_step and a zero-filled
     /// block of data for all vertices; row_step stays 0.
     ///
-    /// Some details differ from the PLY format; files in use depend on them. The byte behind "ply"
-    /// is not checked. The second name of "double" is "double64": "float64", like any unknown type,
-    /// is skipped in silence. Any element but "vertex" is refused, even an empty one. "comment" is
-    /// an unknown keyword and reported as such. "obj_info num_cols" and "obj_info num_rows" give
-    /// width and height when both are there.
+    /// Some details differ from the PLY format, on purpose: which files are taken, and as what,
+    /// stays the same from release to release. The byte behind "ply" is not checked, nor what
+    /// follows a property's name. The second name of "double" is "double64": "float64", like any
+    /// unknown type, is skipped in silence. Any element but "vertex" is refused, even an empty one.
+    /// "comment" is an unknown keyword and reported as such. "obj_info num_cols" and "obj_info
+    /// num_rows" give width and height when both are there.
     ///
     /// @param data  the file
     /// @return false when the header is refused: after a message, or in silence when the text ends
@@ -262,37 +279,56 @@ public:
     /// it is. The body is decoded straight into points: neither `stream` nor the cloud's `data`
     /// are filled. All other members are as the steps leave them; row_step is that of full rows.
     ///
+    /// The Point Cloud Library says which bytes of a record go where in a point. Fields that lie as
+    /// far apart in the record as in the point are copied in one piece, with what lies between: of
+    /// the properties "float x", "float foo", "float z" a pcl::PointXYZI gets foo as its y, since
+    /// its x and z are eight bytes apart, too.
+    ///
     /// @param data    the file
     /// @param output  replaced, when the read succeeds, by width * height points; fields of the
     ///                point type that the file does not declare have their default, after a warning
-    ///                of the Point Cloud Library. Untouched on failure.
+    ///                of that library, unless they are copied as above. Untouched on failure.
     /// @return false, after a message, when the file is refused
     /// @throws what ReadHeader throws
     template <typename PointT>
     bool DeserializePlyT(const std::vector<unsigned char>& data, pcl::PointCloud<PointT>& output);
 
-private:
-    CONVERTERS_HIDDEN void NeedCloud();
+    /// Why ReadHeader, ReadData or DeserializePlyT, whichever was called last, returned false; no
+    /// reason when it returned true. Valid until the next call. The log tells less: some reasons
+    /// have no message, others only their line.
+    const PlyRefusal& refusal() const { return m_refusal; }
 
+private:
     /// Which lines a header has had so far.
     struct Seen {
         bool format = false;
         bool vertex = false;
     };
+    /// A reason to refuse the file, and what the log says of it.
+    struct Fault;
+    using Faults = std::optional<Fault>;
+    using Line = converters::detail::PlyHeaderLine;
 
-    bool ParseHeader(std::string_view& text, std::size_t inputSize, std::size_t pointSize);
-    CONVERTERS_HIDDEN bool ParseMagic(std::string_view& text);
-    CONVERTERS_HIDDEN bool ParseFormat(std::string_view line, Seen& seen);
-    CONVERTERS_HIDDEN void ParseObjInfo(std::string_view line);
-    CONVERTERS_HIDDEN bool ParseElement(std::string_view line, Seen& seen);
-    CONVERTERS_HIDDEN bool ParseProperty(std::string_view line, const Seen& seen);
-    CONVERTERS_HIDDEN bool FinishHeader(std::size_t inputSize, std::size_t pointSize);
-    CONVERTERS_HIDDEN bool RefuseLine(int sourceLine) const;
-    CONVERTERS_HIDDEN void IgnoreLine(std::string_view line) const;
+    CONVERTERS_HIDDEN void NeedCloud();
+    CONVERTERS_HIDDEN bool Accept(Faults fault, const char* function);
+    CONVERTERS_HIDDEN Fault BadLine(std::string reason, bool isLogged = false) const;
 
-    bool CheckBody(std::size_t bodySize, std::string_view text);
-    CONVERTERS_HIDDEN bool CheckBinarySize(std::size_t bodySize, std::uint64_t expected) const;
-    CONVERTERS_HIDDEN bool ReadAsciiData();
+    bool TakeHeader(std::string_view& text, std::size_t inputSize, std::size_t pointSize);
+    CONVERTERS_HIDDEN Faults ParseHeader(std::string_view& text, std::size_t inputSize,
+                                         std::size_t pointSize);
+    CONVERTERS_HIDDEN Faults ParseMagic(std::string_view& text);
+    CONVERTERS_HIDDEN Faults ParseLine(std::string_view keyword, Line& line, Seen& seen);
+    CONVERTERS_HIDDEN Faults ParseFormat(Line& line, Seen& seen);
+    CONVERTERS_HIDDEN void ParseObjInfo(Line& line);
+    CONVERTERS_HIDDEN Faults ParseElement(Line& line, Seen& seen);
+    CONVERTERS_HIDDEN Faults ParseProperty(Line& line, const Seen& seen);
+    CONVERTERS_HIDDEN Faults FinishHeader(std::size_t inputSize, std::size_t pointSize);
+
+    bool PassBody(std::size_t bodySize, std::string_view text);
+    template <typename TakeLines>
+    CONVERTERS_HIDDEN Faults TakeBody(std::size_t bodySize, std::uint64_t expected,
+                                      TakeLines takeLines);
+    CONVERTERS_HIDDEN Faults ReadAsciiData();
     CONVERTERS_HIDDEN bool ParseValue(std::uint8_t type, converters::detail::PlyAsciiLine& line);
     CONVERTERS_HIDDEN void Store(const unsigned char* value, std::size_t size);
     template <typename PointT>
@@ -300,8 +336,10 @@ private:
 
     std::uint64_t BlockSize() const { return cloud->point_step * vertexCount; }
 
-    /// The whole of which `writeOffset` is the low part.
+    /// The whole of which `writeOffset` is the low part: a body may have more than 4 GiB, while the
+    /// member that callers see and may move has always had 32 bits.
     std::uint64_t m_writePosition = 0;
+    PlyRefusal m_refusal;
 };
 
 template <typename PointT>
@@ -309,10 +347,12 @@ bool PLYDeserializer::DeserializePlyT(const std::vector<unsigned char>& data,
                                       pcl::PointCloud<PointT>& output) {
     using converters::detail::deliverOrTerminate;
     if (data.empty()) {
+        m_refusal = {"the file is empty", 0};
         deliverOrTerminate(2, __LINE__, "DeserializePlyT",
                            "[PLYDeserializer::DeserializePlyT] No Input data!\n");
         return false;
     }
+    m_refusal = {};
     Init();
     if (IsVertexCountZero(data)) {
         emptySceneInTeach = true;
@@ -320,13 +360,13 @@ bool PLYDeserializer::DeserializePlyT(const std::vector<unsigned char>& data,
     }
     std::string_view text = converters::detail::textOf(data);
     const std::size_t textSize = text.size();
-    if (!ParseHeader(text, data.size(), sizeof(PointT))) {
+    if (!TakeHeader(text, data.size(), sizeof(PointT))) {
         deliverOrTerminate(2, __LINE__, "DeserializePlyT",
                            "[PLYDeserializer::DeserializePlyT] Reading Header Failed!\n");
         return false;
     }
     const std::size_t bodyStart = textSize - text.size();
-    if (!CheckBody(data.size() - bodyStart, text)) {
+    if (!PassBody(data.size() - bodyStart, text)) {
         deliverOrTerminate(2, __LINE__, "DeserializePlyT",
                            "[PLYDeserializer::DeserializePlyT] Reading Data Failed!\n");
         return false;
@@ -341,7 +381,7 @@ bool PLYDeserializer::DeserializePlyT(const std::vector<unsigned char>& data,
     return true;
 }
 
-/// The points that conversion by pcl::fromPCLPointCloud2 would give; CheckBody has accepted the
+/// The points that conversion by pcl::fromPCLPointCloud2 would give; PassBody has accepted the
 /// body. row_step plays no part: records follow one another without gaps.
 template <typename PointT>
 auto PLYDeserializer::MakePoints(const unsigned char* body, std::string_view text) const {

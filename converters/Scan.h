@@ -67,23 +67,29 @@ enum class ScanPropertyUse : std::uint8_t {
 
 /// A property, as the header declares it.
 struct ScanProperty {
+    /// As the header has it.
     std::string name;
     /// Of the value; of a list that of its items.
     ScalarType type;
     /// Of the number in front of a list's items; nothing for a single value.
     std::optional<ScalarType> countType;
+    /// What became of it.
     ScanPropertyUse use = ScanPropertyUse::dropped;
 };
 
 /// An element, as the header declares it.
 struct ScanElement {
+    /// As the header has it.
     std::string name;
+    /// How many records it declares.
     std::uint64_t count;
+    /// In the order of the header.
     std::vector<ScanProperty> properties;
 };
 
 /// What was found in the file, and what became of it.
 struct ScanReport {
+    /// How its numbers are stored.
     ScanFormat format = ScanFormat::ascii;
     /// In the order of the file. All but the vertices are stepped over.
     std::vector<ScanElement> elements;
@@ -94,9 +100,11 @@ struct ScanReport {
     /// The file's "obj_info num_cols" and "num_rows" where their product is the number of points;
     /// else the number of points, and 1.
     std::uint64_t width = 0;
+    /// Number of rows.
     std::uint64_t height = 0;
     /// Texts of the lines "comment" and "obj_info", in the order of the file.
     std::vector<std::string> comments;
+    /// Texts of the lines "obj_info".
     std::vector<std::string> objInfo;
     /// Whether a property is used as intensity; without one, all intensities are 0.
     bool hasIntensity = false;
@@ -144,6 +152,7 @@ struct ScanOptions {
 /// @param cloud    replaced by the points, in the order of the file; width and height are those of
 ///                 the report, is_dense says that every point has a place. Untouched when the
 ///                 result is a failure.
+/// @param options  how it is read
 /// @return success, also of a file that declares 0 vertices. A failure, with its reason, for what
 /// is
 ///         no PLY file, a header that contradicts itself or the format, vertices without x, y or z,
@@ -161,16 +170,31 @@ CONVERTERS_EXPORT ScanResult readScan(const void* bytes, std::size_t size,
 /// The fields have the names and types of the file, in its order, without gaps; the values have the
 /// byte order of the processor. Coordinates stay of their type, but whole numbers that are shifted
 /// become float64; int64 and uint64, which a field cannot have, become float64, too.
+///
+/// @param bytes    as above
+/// @param size     as above
+/// @param cloud    replaced by the points, as above
+/// @param options  as above
+/// @return as above
 CONVERTERS_EXPORT ScanResult readScan(const void* bytes, std::size_t size,
                                       pcl::PCLPointCloud2& cloud, const ScanOptions& options = {});
 
 /// Reads a scan from a file, a pipe or a device.
 ///
-/// @param file  its path
+/// @param file     its path
+/// @param cloud    as above
+/// @param options  as above
 /// @return as above; a failure also when it cannot be read
 CONVERTERS_EXPORT ScanResult readScan(const std::filesystem::path& file,
                                       pcl::PointCloud<pcl::PointXYZI>& cloud,
                                       const ScanOptions& options = {});
+
+/// Reads a scan with all its scalar properties from a file, a pipe or a device.
+///
+/// @param file     its path
+/// @param cloud    as above
+/// @param options  as above
+/// @return as above
 CONVERTERS_EXPORT ScanResult readScan(const std::filesystem::path& file, pcl::PCLPointCloud2& cloud,
                                       const ScanOptions& options = {});
 

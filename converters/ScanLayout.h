@@ -11,7 +11,9 @@ namespace converters {
 
 /// A number in each record of a block of points.
 struct ScanField {
+    /// As in the file.
     std::string name;
+    /// Of the number.
     ScalarType type;
     /// Of its first byte from that of the record; need not be aligned.
     std::size_t offset;
@@ -20,6 +22,7 @@ struct ScanField {
 /// How the records of a block of points lie in memory: one behind the other, the numbers in the
 /// byte order of the processor.
 struct ScanLayout {
+    /// The numbers of a record.
     std::vector<ScanField> fields;
     /// Bytes from one record to the next.
     std::size_t recordSize = 0;

@@ -39,15 +39,26 @@ using ByteSource = std::function<std::size_t(void* bytes, std::size_t room)>;
 class CONVERTERS_EXPORT ScanReader {
 public:
     /// Reads a file in memory.
-    /// @param bytes  the file; has to outlive the reader
+    ///
+    /// @param bytes    the file; has to outlive the reader
+    /// @param size     how many bytes
+    /// @param options  how it is read
     ScanReader(const void* bytes, std::size_t size, const ScanOptions& options = {});
     /// Reads a file, a pipe or a device, which open() opens.
+    ///
+    /// @param file     its path
+    /// @param options  how it is read
     explicit ScanReader(const std::filesystem::path& file, const ScanOptions& options = {});
     /// Reads what `source` gives.
-    /// @param size  of the whole file, where known, for progress only; else 0
+    ///
+    /// @param source   asked for the bytes in their order
+    /// @param options  how it is read
+    /// @param size     of the whole file, where known, for progress only; else 0
     explicit ScanReader(ByteSource source, const ScanOptions& options = {}, std::uint64_t size = 0);
     ~ScanReader();
+    /// Takes over from another reader, which is of no use then.
     ScanReader(ScanReader&& other) noexcept;
+    /// Takes over from another reader, which is of no use then.
     ScanReader& operator=(ScanReader&& other) noexcept;
 
     /// Reads the header; to be called once, before all that follows.

@@ -40,6 +40,7 @@ struct ScanWriteOptions {
     std::optional<int> digits;
     /// Rows and columns of a PLY file, for its "obj_info" lines; no such lines when both are 0.
     std::uint64_t width = 0;
+    /// Number of rows.
     std::uint64_t height = 0;
     /// Lines "comment" of a PLY file; line ends in them become blanks.
     std::vector<std::string> comments;
@@ -52,15 +53,17 @@ struct ScanWriteOptions {
 /// names with commas, quotes or line ends in quotes in CSV.
 class CONVERTERS_EXPORT ScanWriter {
 public:
-    /// @param sink    called with blocks of the file, in order, by write() and finish(); what it
-    /// throws
-    ///                leaves the function that called it
-    /// @param layout  of the records to come
-    /// @param output  what is written
+    /// @param sink     called with blocks of the file, in order, by write() and finish(); what it
+    ///                 throws leaves the function that called it
+    /// @param layout   of the records to come
+    /// @param output   what is written
+    /// @param options  how it is written
     ScanWriter(ByteSink sink, ScanLayout layout, ScanOutput output,
                const ScanWriteOptions& options = {});
     ~ScanWriter();
+    /// Takes over from another writer, which is of no use then.
     ScanWriter(ScanWriter&& other) noexcept;
+    /// Takes over from another writer, which is of no use then.
     ScanWriter& operator=(ScanWriter&& other) noexcept;
 
     /// Writes what comes before the points.
@@ -71,7 +74,8 @@ public:
 
     /// Writes points.
     ///
-    /// @param records  `count` records of the layout
+    /// @param records  records of the layout
+    /// @param count    how many
     /// @return false when the sink takes no more
     bool write(const void* records, std::size_t count);
 

@@ -22,7 +22,7 @@
 /// Copies between dxflib's plain records and the model's objects, field by field. No unit is
 /// converted: arc angles are degrees on both sides.
 ///
-/// The functions that take a model object dereference it: it must not be empty.
+/// The functions that take a model object by pointer dereference it: it must not be empty.
 class DXFEDITOR_EXPORT DXFAdapter {
 public:
     DXFAdapter() = delete;
@@ -52,8 +52,8 @@ public:
     static std::shared_ptr<DXFPointVector>
     makePointVector(const std::vector<cv::Point3_<double>>& points);
 
-    /// The record of the attributes, always with line type scale 1 and in model space: R12 has no
-    /// groups for them.
+    /// The record of the attributes, always with line type scale 1 and in model space: what is
+    /// written is neither scaled nor on paper, whatever the entity held.
     static DL_Attributes makeAttributes(std::shared_ptr<DXFAttributes> attributes);
     /// The record of a layer that is not off.
     static DL_LayerData makeLayer(std::shared_ptr<DXFLayer> layer);

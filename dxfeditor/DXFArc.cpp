@@ -9,6 +9,6 @@ int DXFArc::type() const {
 
 void DXFArc::setup() {}
 
-DXFArc* DXFArc::clone() const {
+DXFEntity* DXFArc::clone() const {
     return new DXFArc(*this);
 }

@@ -18,7 +18,7 @@ public:
     int type() const override;
     /// Does nothing.
     void setup() override;
-    DXFArc* clone() const override;
+    DXFEntity* clone() const override;
 
     /// Centre, as given.
     cv::Point3_<double> getCenter() const { return m_center; }

@@ -9,6 +9,6 @@ int DXFCircle::type() const {
 
 void DXFCircle::setup() {}
 
-DXFCircle* DXFCircle::clone() const {
+DXFEntity* DXFCircle::clone() const {
     return new DXFCircle(*this);
 }

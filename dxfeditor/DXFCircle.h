@@ -13,7 +13,7 @@ public:
     int type() const override;
     /// Does nothing.
     void setup() override;
-    DXFCircle* clone() const override;
+    DXFEntity* clone() const override;
 
     /// Centre, as given.
     cv::Point3_<double> getCenter() const { return m_center; }

@@ -10,6 +10,7 @@ struct DXFContour {
     /// Index behind the last point.
     std::size_t end;
     /// Whether the last point is a copy of the first. True for a single finite point; false for a
-    /// circle by itself, whose walk stops a step short of its start.
+    /// circle by itself, whose walk stops a step short of its start, unless that step is shorter
+    /// than 0.001.
     bool closed;
 };

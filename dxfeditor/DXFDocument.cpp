@@ -5,11 +5,11 @@
 #include "dxfeditor/DXFLayer.h"
 #include "dxfeditor/DXFLineType.h"
 #include "dxfeditor/DXFReader.h"
+#include "dxfeditor/WalkNumbers.h"
+#include "dxfeditor/detail/model/EntityList.h"
 #include "dxfeditor/detail/walking/Output.h"
 #include "dxfeditor/detail/walking/Sampling.h"
-#include "dxfeditor/detail/walking/WalkNumbers.h"
 
-#include <iterator>
 #include <utility>
 
 namespace {
@@ -43,28 +43,17 @@ std::shared_ptr<DXFDocument> DXFDocument::load(const std::string& path) {
     return document;
 }
 
-DXFDocument::DXFDocument() = default;
+DXFDocument::DXFDocument() : m_entities(std::make_unique<dxfeditor::EntityList>()) {}
 
 DXFDocument::~DXFDocument() = default;
 
 bool DXFDocument::addEntity(std::shared_ptr<DXFEntity> entity) {
-    const DXFEntity* key = entity.get();
-    m_entities.push_back(std::move(entity));
-    try {
-        m_entityPlaces.emplace(key, std::prev(m_entities.end()));
-    } catch (...) {
-        m_entities.pop_back();
-        throw;
-    }
+    m_entities->add(std::move(entity));
     return true;
 }
 
 bool DXFDocument::deleteEntity(std::shared_ptr<DXFEntity> entity) {
-    const auto [first, last] = m_entityPlaces.equal_range(entity.get());
-    for (auto place = first; place != last; ++place) {
-        m_entities.erase(place->second);
-    }
-    m_entityPlaces.erase(first, last);
+    m_entities->remove(std::move(entity));
     return true;
 }
 
@@ -86,14 +75,14 @@ std::list<std::shared_ptr<DXFLayer>> DXFDocument::layers() const {
 }
 
 std::list<std::shared_ptr<DXFEntity>> DXFDocument::entities() const {
-    return m_entities;
+    return m_entities->copy();
 }
 
 void DXFDocument::setup() {
     if (!m_setupPending) {
         return;
     }
-    for (const std::shared_ptr<DXFEntity>& entity : m_entities) {
+    for (const std::shared_ptr<DXFEntity>& entity : m_entities->slots()) {
         if (entity != nullptr) {
             entity->setup();
         }
@@ -111,12 +100,12 @@ std::vector<cv::Point3_<double>> DXFDocument::getPoints(std::vector<DXFContour>&
 }
 
 std::vector<cv::Point3_<double>> DXFDocument::walk(std::vector<DXFContour>* contours) const {
-    auto [runs, ends, lines] = dxfeditor::runsOf(m_entities);
-    std::vector<cv::Point3_<double>> points = dxfeditor::roomFor(runs);
+    dxfeditor::Runs drawing = dxfeditor::runsOf(m_entities->slots());
+    std::vector<cv::Point3_<double>> points = dxfeditor::roomFor(drawing.runs);
+    const auto hasOnePoint = [&](base::RunNumber run) { return drawing.runs[run].size() == 1; };
     // A statement of its own: at its end the ends are freed, before the points are written.
-    const base::Walk order = base::stitch(
-        std::move(ends), [&runs = runs](base::RunNumber run) { return runs[run].size() == 1; },
-        base::JoinDistance(dxfeditor::joinDistance));
-    dxfeditor::append(order, runs, points, contours);
+    const base::Walk order = base::stitch(std::move(drawing.ends), hasOnePoint,
+                                          base::JoinDistance(dxfeditor::joinDistance));
+    dxfeditor::append(order, drawing.runs, points, contours);
     return points;
 }

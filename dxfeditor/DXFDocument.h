@@ -12,8 +12,11 @@
 #include <map>
 #include <memory>
 #include <string>
-#include <unordered_map>
 #include <vector>
+
+namespace dxfeditor {
+class EntityList;
+}
 
 /// A drawing in memory: layers, line types and entities, each in the order in which they were
 /// added and shared with whoever else holds them.
@@ -22,7 +25,7 @@
 /// thread uses it.
 class DXFEDITOR_EXPORT DXFDocument {
 public:
-    /// Reads a DXF file through DXFReader; setup() is left to the caller.
+    /// Reads a DXF file, up to its first NUL, through DXFReader; setup() is left to the caller.
     ///
     /// @return the drawing, or an empty pointer when the file cannot be opened or read
     /// @throws std::bad_alloc when the drawing does not fit into memory
@@ -92,19 +95,15 @@ public:
     std::vector<cv::Point3_<double>> getPoints(std::vector<DXFContour>& contours) const;
 
 private:
-    using EntityList = std::list<std::shared_ptr<DXFEntity>>;
-
     DXFEDITOR_HIDDEN std::vector<cv::Point3_<double>> walk(std::vector<DXFContour>* contours) const;
 
     std::list<std::shared_ptr<DXFLayer>> m_layers;
     std::list<std::shared_ptr<DXFLineType>> m_lineTypes;
-    EntityList m_entities;
+    std::unique_ptr<dxfeditor::EntityList> m_entities;
     bool m_setupPending = true;
 
-    // Indexes beside the lists: building a drawing of n names or n entities and taking it apart
-    // does not cost n². Names come from files, so theirs are trees: no choice of names makes a tree
-    // slow.
+    // Indexes beside the lists: building a drawing of n names does not cost n². Names come from
+    // files, so these are trees: no choice of names makes a tree slow.
     std::map<std::string, std::shared_ptr<DXFLayer>> m_layerByName;
     std::map<std::string, std::shared_ptr<DXFLineType>> m_lineTypeByName;
-    std::unordered_multimap<const DXFEntity*, EntityList::iterator> m_entityPlaces;
 };

@@ -9,6 +9,6 @@ int DXFLine::type() const {
 
 void DXFLine::setup() {}
 
-DXFLine* DXFLine::clone() const {
+DXFEntity* DXFLine::clone() const {
     return new DXFLine(m_p1, m_p2);
 }

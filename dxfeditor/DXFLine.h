@@ -15,7 +15,7 @@ public:
     void setup() override;
     /// A new line between the same ends, without attributes and of line width 0: alone among the
     /// entities, a line's clone does not take them over. Callers that need them install them again.
-    DXFLine* clone() const override;
+    DXFEntity* clone() const override;
 
     /// Where the line starts.
     cv::Point3_<double> getP1() const { return m_p1; }

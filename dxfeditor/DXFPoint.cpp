@@ -6,6 +6,6 @@ int DXFPoint::type() const {
 
 void DXFPoint::setup() {}
 
-DXFPoint* DXFPoint::clone() const {
+DXFEntity* DXFPoint::clone() const {
     return new DXFPoint(*this);
 }

@@ -11,7 +11,7 @@ public:
     int type() const override;
     /// Does nothing.
     void setup() override;
-    DXFPoint* clone() const override;
+    DXFEntity* clone() const override;
 
     /// Coordinate x, as given.
     double mX() const { return m_x; }

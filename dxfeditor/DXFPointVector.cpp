@@ -8,6 +8,6 @@ int DXFPointVector::type() const {
 
 void DXFPointVector::setup() {}
 
-DXFPointVector* DXFPointVector::clone() const {
+DXFEntity* DXFPointVector::clone() const {
     return new DXFPointVector(*this);
 }

@@ -16,7 +16,7 @@ public:
     int type() const override;
     /// Does nothing.
     void setup() override;
-    DXFPointVector* clone() const override;
+    DXFEntity* clone() const override;
 
     /// A copy of the points, in order.
     std::vector<cv::Point3_<double>> mV() const { return m_points; }

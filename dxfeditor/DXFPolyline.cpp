@@ -10,26 +10,25 @@ int DXFPolyline::type() const {
 }
 
 void DXFPolyline::setup() {
-    if (!m_setupPending) {
-        return;
+    if (m_setupPending) {
+        std::vector<Segment>().swap(m_givenSegments);
+        m_setUpVertices = m_vertices.size();
+        m_setupPending = false;
     }
-    m_segments.clear();
-    m_segments.reserve(m_vertices.size());
-    for (std::size_t i = 1; i < m_vertices.size(); ++i) {
-        const DXFVertex& start = m_vertices[i - 1];
-        const DXFVertex& end = m_vertices[i];
-        m_segments.push_back({start.x(), start.y(), end.x(), end.y()});
-    }
-    if (isClosed() && m_segments.size() > 1) {
-        const Segment& first = m_segments.front();
-        const Segment& last = m_segments.back();
-        m_segments.push_back({first.startX, first.startY, last.endX, last.endY});
-    }
-    m_setupPending = false;
 }
 
-DXFPolyline* DXFPolyline::clone() const {
+DXFEntity* DXFPolyline::clone() const {
     return new DXFPolyline(*this);
+}
+
+std::vector<Segment> DXFPolyline::segments() const {
+    std::vector<Segment> all;
+    const std::size_t count = segmentCount();
+    all.reserve(count);
+    for (std::size_t i = 0; i < count; ++i) {
+        all.push_back(segment(i));
+    }
+    return all;
 }
 
 void DXFPolyline::setSegments(const std::vector<Segment>& segments) {
@@ -44,8 +43,9 @@ void DXFPolyline::setSegments(const std::vector<Segment>& segments) {
             newVertices.emplace_back(segment.endX, segment.endY, 0.0, true, 0.0);
         }
     }
-    m_segments = std::move(newSegments);
+    m_givenSegments = std::move(newSegments);
     m_vertices = std::move(newVertices);
+    m_setUpVertices = 0;
     m_mVertices = 0;
     m_nVertices = 0;
     m_setupPending = true;

@@ -2,6 +2,7 @@
 
 #include "dxfeditor/DXFEntity.h"
 
+#include <cstddef>
 #include <vector>
 
 /// A corner of a polyline, in drawing units.
@@ -44,7 +45,7 @@ struct Segment {
 };
 
 /// A polyline or lightweight polyline: its vertices, and the straight segments that setup()
-/// derives from them.
+/// derives from them. The segments take no memory of their own.
 class DXFEDITOR_EXPORT DXFPolyline : public DXFEntity {
 public:
     /// @param mVertices, nVertices  counts given by the creator; stored and returned only
@@ -59,7 +60,7 @@ public:
     /// chord. A closed polyline of three or more vertices gets one more segment, which runs from
     /// the first vertex to the last and not back: point extraction walks it in that direction.
     void setup() override;
-    DXFPolyline* clone() const override;
+    DXFEntity* clone() const override;
 
     /// The vertices, in drawing order; valid while the polyline lives and is not changed.
     const std::vector<DXFVertex>& vertices() const { return m_vertices; }
@@ -73,11 +74,14 @@ public:
     unsigned nVertices() const { return m_nVertices; }
     /// Polyline flags, as given.
     unsigned flags() const { return m_flags; }
-    /// A copy of the segments that the last setup() or setSegments() left.
-    std::vector<Segment> segments() const { return m_segments; }
+    /// The segments that the last setup() or setSegments() left.
+    std::vector<Segment> segments() const;
 
-    /// Those segments themselves; valid while the entity lives and is not changed.
-    const std::vector<Segment>& pieces() const { return m_segments; }
+    /// Number of those segments.
+    std::size_t segmentCount() const;
+
+    /// One of those segments; `i` is below segmentCount().
+    Segment segment(std::size_t i) const;
 
     /// Appends a vertex. Segments that setup() has already derived stay as they are.
     void appendPoint(const DXFVertex& vertex) { m_vertices.push_back(vertex); }
@@ -87,11 +91,34 @@ public:
     /// nVertices() to 0; the next setup() derives the segments anew.
     void setSegments(const std::vector<Segment>& segments);
 
+    /// Gives back the memory that is there for vertices to come.
+    void shrinkToFit() { m_vertices.shrink_to_fit(); }
+
 private:
-    bool m_setupPending = true;
-    std::vector<Segment> m_segments;
+    std::vector<DXFVertex> m_vertices;
+    /// What setSegments() was given, until the next setup().
+    std::vector<Segment> m_givenSegments;
+    /// The vertices that the segments derive from, at the front.
+    std::size_t m_setUpVertices = 0;
     unsigned m_mVertices;
     unsigned m_nVertices;
     unsigned m_flags;
-    std::vector<DXFVertex> m_vertices;
+    bool m_setupPending = true;
 };
+
+inline std::size_t DXFPolyline::segmentCount() const {
+    if (m_setUpVertices < 2) {
+        return m_givenSegments.size();
+    }
+    return m_setUpVertices - 1 + (isClosed() && m_setUpVertices > 2 ? 1 : 0);
+}
+
+inline Segment DXFPolyline::segment(std::size_t i) const {
+    if (m_setUpVertices == 0) {
+        return m_givenSegments[i];
+    }
+    const bool isClosing = i + 1 == m_setUpVertices;
+    const DXFVertex& start = m_vertices[isClosing ? 0 : i];
+    const DXFVertex& end = m_vertices[isClosing ? i : i + 1];
+    return {start.x(), start.y(), end.x(), end.y()};
+}

@@ -14,6 +14,7 @@
 #include "dxfeditor/DXFPointVector.h"
 #include "dxfeditor/DXFPolyline.h"
 #include "dxfeditor/DXFSpline.h"
+#include "dxfeditor/detail/model/AttributeCache.h"
 #include "dxfeditor/text/DxfParser.h"
 
 #include <string_view>
@@ -30,7 +31,8 @@ Entity* entityOfType(const std::shared_ptr<DXFEntity>& entity, int type) {
 
 } // namespace
 
-DXFReader::DXFReader(DXFDocument& document) : m_document(document) {}
+DXFReader::DXFReader(DXFDocument& document)
+    : m_document(document), m_records(std::make_unique<dxfeditor::AttributeCache>()) {}
 
 DXFReader::~DXFReader() = default;
 
@@ -61,7 +63,7 @@ bool DXFReader::load(const char* bytes, std::size_t size) {
 
 void DXFReader::addLayer(const DL_LayerData& data) {
     const std::shared_ptr<DXFLayer> layer = DXFAdapter::makeLayer(data);
-    layer->setAttributes(DXFAdapter::makeAttributes(getAttributes()));
+    layer->setAttributes(m_records->recordOf(attributes));
     m_document.addLayer(layer);
 }
 
@@ -81,9 +83,11 @@ void DXFReader::addPoint(const DL_PointData& data) {
     if (auto* points = entityOfType<DXFPointVector>(m_current, DXFEntityType::PointVector)) {
         points->addPoint({data.x, data.y, data.z});
     } else if (auto* first = entityOfType<DXFPoint>(m_current, DXFEntityType::Point)) {
-        m_document.deleteEntity(m_current);
-        startSimple(DXFAdapter::makePointVector(
-            {{first->mX(), first->mY(), first->mZ()}, {data.x, data.y, data.z}}));
+        std::shared_ptr<DXFEntity> both = DXFAdapter::makePointVector(
+            {{first->mX(), first->mY(), first->mZ()}, {data.x, data.y, data.z}});
+        // Handed over: the document finds a point that nobody else holds without a search.
+        m_document.deleteEntity(std::move(m_current));
+        startSimple(std::move(both));
     } else {
         startSimple(DXFAdapter::makePoint(data));
     }
@@ -144,6 +148,11 @@ void DXFReader::endEntity() {
         m_current.reset();
         return;
     }
+    if (auto* polyline = entityOfType<DXFPolyline>(m_current, DXFEntityType::Polyline)) {
+        polyline->shrinkToFit();
+    } else if (auto* spline = entityOfType<DXFSpline>(m_current, DXFEntityType::Spline)) {
+        spline->shrinkToFit();
+    }
     importEntity(m_current);
     m_document.addEntity(m_current);
 }
@@ -158,7 +167,7 @@ void DXFReader::endSection() {
 }
 
 void DXFReader::importEntity(std::shared_ptr<DXFEntity> entity) {
-    entity->setAttributes(DXFAdapter::makeAttributes(getAttributes()));
+    entity->setAttributes(m_records->recordOf(attributes));
 }
 
 DXFSpline* DXFReader::currentSpline() const {

@@ -13,6 +13,10 @@
 
 class DXFSpline;
 
+namespace dxfeditor {
+class AttributeCache;
+}
+
 /// Fills a document from a DXF text that dxflib parses.
 ///
 /// Takes layers, line types, and the points, lines, circles, arcs, polylines (of both kinds) and
@@ -36,7 +40,7 @@ public:
     DXFReader(const DXFReader&) = delete;
     DXFReader& operator=(const DXFReader&) = delete;
 
-    /// Reads a DXF file.
+    /// Reads a DXF file, like its bytes up to the first NUL.
     /// @return false when the file cannot be opened or read (a directory, for example)
     /// @throws std::bad_alloc when the file or the drawing does not fit into memory; the document
     ///         keeps what was read so far
@@ -96,7 +100,8 @@ public:
     /// so that a block's points never mix with those before it.
     void endSection() override;
 
-    /// Gives the entity the attributes that dxflib currently reports.
+    /// Gives the entity the attributes that dxflib currently reports. Entities of equal attributes
+    /// may share one record.
     void importEntity(std::shared_ptr<DXFEntity> entity);
 
 private:
@@ -108,6 +113,7 @@ private:
     DXFEDITOR_HIDDEN void startComposite(std::shared_ptr<DXFEntity> entity);
 
     DXFDocument& m_document;
+    std::unique_ptr<dxfeditor::AttributeCache> m_records;
     std::shared_ptr<DXFEntity> m_current;
     bool m_inBlock = false;
     /// The current entity waits for endSection().

@@ -1,5 +1,14 @@
+// De Boor's algorithm: the control points that matter at a parameter, one more than the degree, are
+// interpolated with one another until one is left. On homogeneous coordinates, so that weights need
+// no division before the end.
+//
+// Not done: basis functions, or a division into Bezier curves. Both round otherwise, and the points
+// are defined to the bit by the steps below.
+
 #include "dxfeditor/DXFSpline.h"
 
+#include "dxfeditor/WalkNumbers.h"
+#include "dxfeditor/detail/walking/Spaces.h"
 #include "dxfeditor/detail/walking/SplineSamples.h"
 #include "dxfeditor/detail/walking/TruncatedCount.h"
 
@@ -8,8 +17,6 @@
 #include <cstdint>
 
 namespace {
-
-constexpr int minimumSampleSteps = 4;
 
 /// Knot intervals and weights below this count as zero.
 constexpr double vanishing = 1e-15;
@@ -26,7 +33,7 @@ int DXFSpline::type() const {
 
 void DXFSpline::setup() {}
 
-DXFSpline* DXFSpline::clone() const {
+DXFEntity* DXFSpline::clone() const {
     return new DXFSpline(*this);
 }
 
@@ -38,11 +45,26 @@ void DXFSpline::appendFitPoint(double x, double y, double z) {
     m_fitPoints.emplace_back(x, y, z);
 }
 
+void DXFSpline::shrinkToFit() {
+    m_knots.shrink_to_fit();
+    m_controlPoints.shrink_to_fit();
+    m_fitPoints.shrink_to_fit();
+}
+
 bool DXFSpline::isEvaluable() const {
     const auto degree = static_cast<std::int64_t>(static_cast<std::int32_t>(m_degree));
     const auto controls = static_cast<std::int64_t>(m_controlPoints.size());
     const auto knots = static_cast<std::int64_t>(m_knots.size());
     return degree >= 0 && degree <= controls - 1 && controls + degree < knots;
+}
+
+/// The parameter, moved up to where the curve begins if it lies below: at knots[p], or at knots[n]
+/// where the knots fall. There the last of equal steps may end just below it.
+double DXFSpline::notBelowKnots(double t) const {
+    const double first = m_knots[m_degree];
+    const double last = m_knots[m_controlPoints.size()];
+    const double lowest = last < first ? last : first;
+    return t < lowest ? lowest : t;
 }
 
 /// The index k of the knot span to evaluate t in: p <= k <= n - 1, whatever the knots hold.
@@ -75,23 +97,21 @@ cv::Point_<double> DXFSpline::evaluate(double t) const {
     if (!isEvaluable()) {
         return {0.0, 0.0};
     }
-    std::vector<cv::Point3_<double>> homogeneous;
-    return evaluate(t, homogeneous);
+    std::vector<dxfeditor::HomogeneousPoint> scratch;
+    return evaluate(t, scratch);
 }
 
-/// @param homogeneous  scratch space, kept by the caller from one evaluation to the next
+/// @param scratch  kept by the caller from one evaluation to the next
 cv::Point_<double> DXFSpline::evaluate(double t,
-                                       std::vector<cv::Point3_<double>>& homogeneous) const {
+                                       std::vector<dxfeditor::HomogeneousPoint>& scratch) const {
     const std::size_t degree = m_degree;
-    if (t < m_knots[degree] && !(t >= m_knots[m_controlPoints.size()])) {
-        t = m_knots[degree];
-    }
+    t = notBelowKnots(t);
     const std::size_t span = findSpan(t);
 
-    homogeneous.resize(degree + 1);
+    scratch.resize(degree + 1);
     for (std::size_t j = 0; j <= degree; ++j) {
         const DXFControlPoint& control = m_controlPoints[span - degree + j];
-        homogeneous[j] = {control.x * control.w, control.y * control.w, control.w};
+        scratch[j] = {control.x * control.w, control.y * control.w, control.w};
     }
     for (std::size_t r = 1; r <= degree; ++r) {
         for (std::size_t j = degree; j >= r; --j) {
@@ -99,18 +119,18 @@ cv::Point_<double> DXFSpline::evaluate(double t,
             const double high = m_knots[j + 1 + span - r];
             const double interval = high - low;
             const double alpha = std::fabs(interval) >= vanishing ? (t - low) / interval : 0.0;
-            const cv::Point3_<double>& before = homogeneous[j - 1];
-            cv::Point3_<double>& point = homogeneous[j];
+            const dxfeditor::HomogeneousPoint& before = scratch[j - 1];
+            dxfeditor::HomogeneousPoint& point = scratch[j];
             point.x = (1.0 - alpha) * before.x + alpha * point.x;
             point.y = (1.0 - alpha) * before.y + alpha * point.y;
-            point.z = (1.0 - alpha) * before.z + alpha * point.z;
+            point.w = (1.0 - alpha) * before.w + alpha * point.w;
         }
     }
-    const cv::Point3_<double>& result = homogeneous[degree];
-    if (std::fabs(result.z) < vanishing) {
+    const dxfeditor::HomogeneousPoint& result = scratch[degree];
+    if (std::fabs(result.w) < vanishing) {
         return {0.0, 0.0};
     }
-    const double inverseWeight = 1.0 / result.z;
+    const double inverseWeight = 1.0 / result.w;
     return {result.x * inverseWeight, result.y * inverseWeight};
 }
 
@@ -121,7 +141,7 @@ int DXFSpline::sampleSteps(double step) const {
         const double dy = m_controlPoints[i].y - m_controlPoints[i - 1].y;
         length += std::sqrt(dx * dx + dy * dy);
     }
-    return std::max(dxfeditor::truncatedCount(length / step), minimumSampleSteps);
+    return std::max(dxfeditor::truncatedCount(length / step), dxfeditor::minimumSplineSteps);
 }
 
 std::size_t DXFSpline::sampleCount(double step) const {

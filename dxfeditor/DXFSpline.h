@@ -7,8 +7,9 @@
 #include <vector>
 
 namespace dxfeditor {
+struct HomogeneousPoint;
 class SplineSamples;
-}
+} // namespace dxfeditor
 
 /// A weighted control point, in drawing units.
 struct DXFControlPoint {
@@ -37,7 +38,7 @@ public:
     int type() const override;
     /// Does nothing.
     void setup() override;
-    DXFSpline* clone() const override;
+    DXFEntity* clone() const override;
 
     /// Appends a knot.
     void appendKnot(double knot) { m_knots.push_back(knot); }
@@ -45,6 +46,8 @@ public:
     void appendControlPoint(double x, double y, double z, double w);
     /// Appends a fit point.
     void appendFitPoint(double x, double y, double z);
+    /// Gives back the memory that is there for knots and points to come.
+    void shrinkToFit();
 
     /// Degree of the curve, as given.
     unsigned degree() const { return m_degree; }
@@ -59,9 +62,9 @@ public:
 
     /// The curve's point at parameter t, by de Boor's algorithm on homogeneous coordinates.
     ///
-    /// Below knots[p] the parameter counts as knots[p]; from knots[n] on, the last span is
-    /// extrapolated. (0, 0) when the curve cannot be evaluated or the weight vanishes there.
-    /// Costs p² steps.
+    /// Below knots[p] the parameter counts as knots[p] (below both that and knots[n] as knots[n],
+    /// where the knots fall); from knots[n] on, the last span is extrapolated. (0, 0) when the
+    /// curve cannot be evaluated or the weight vanishes there. Costs p² steps.
     cv::Point_<double> evaluate(double t) const;
 
     /// The curve as a polyline: N + 1 points at equal steps of the parameter, both ends included,
@@ -71,7 +74,8 @@ public:
     /// evaluated gives its fit points instead.
     std::vector<cv::Point_<double>> sample(double step) const;
 
-    /// Number of points that sample(step) returns.
+    /// Number of points that sample(step) returns, for callers that bound their work: what a file
+    /// claims decides it.
     std::size_t sampleCount(double step) const;
 
 private:
@@ -79,9 +83,10 @@ private:
 
     DXFEDITOR_HIDDEN bool isEvaluable() const;
     DXFEDITOR_HIDDEN int sampleSteps(double step) const;
+    DXFEDITOR_HIDDEN double notBelowKnots(double t) const;
     DXFEDITOR_HIDDEN std::size_t findSpan(double t) const;
     DXFEDITOR_HIDDEN cv::Point_<double>
-    evaluate(double t, std::vector<cv::Point3_<double>>& homogeneous) const;
+    evaluate(double t, std::vector<dxfeditor::HomogeneousPoint>& scratch) const;
 
     unsigned m_degree;
     int m_flags;

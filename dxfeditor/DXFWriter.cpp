@@ -1,18 +1,17 @@
 #include "dxfeditor/DXFWriter.h"
 
-#include "base/UnopenableFile.h"
 #include "dxfeditor/DXFAdapter.h"
 #include "dxfeditor/DXFAttributes.h"
 #include "dxfeditor/DXFDocument.h"
 #include "dxfeditor/DXFLayer.h"
 #include "dxfeditor/DXFLineType.h"
-#include "dxfeditor/DXFPoint.h"
-#include "dxfeditor/DXFPointVector.h"
-#include "dxfeditor/DXFPolyline.h"
+#include "dxfeditor/VisitEntity.h"
 #include "dxfeditor/detail/writing/DxfFileWriter.h"
 #include "universal_log_interface/universal_log_interface.h"
 
 #include <dxflib/dl_dxf.h>
+
+#include <exception>
 
 namespace {
 
@@ -31,37 +30,67 @@ DL_Attributes recordOf(const std::shared_ptr<DXFAttributes>& attributes) {
     return DXFAdapter::makeAttributes(attributes ? attributes : defaultAttributes());
 }
 
-/// Ends the process when the log throws.
-void reportUnsupportedEntity() noexcept {
+void reportUnsupportedEntity() {
     p7::deliver(p7::level_info, __LINE__, sourceFile, "fillEntities",
                 "DXFWriter:: attempted writing of unsuported entity");
 }
 
-/// The entity as the class that its type code stands for. Ends the process when it is not of that
-/// class.
-template <class Concrete>
-std::shared_ptr<Concrete> castTo(const std::shared_ptr<DXFEntity>& entity) noexcept {
-    static_cast<void>(dynamic_cast<Concrete&>(*entity));
-    return std::static_pointer_cast<Concrete>(entity);
-}
-
-void writePolyline(DL_Dxf& engine, DL_WriterA& file, const std::shared_ptr<DXFPolyline>& polyline) {
-    engine.writePolyline(file, DXFAdapter::makePolyline(polyline),
-                         recordOf(polyline->attributes()));
-    for (const DXFVertex& vertex : polyline->vertices()) {
-        engine.writeVertex(file, DXFAdapter::makeVertex(vertex));
+/// Writes a table entry as dxflib does, without what it prints on standard error: a layer without a
+/// name is left out, and a colour beyond the 255 of R12 becomes 7.
+void writeLayer(DL_Dxf& engine, DL_WriterA& file, const DL_LayerData& layer,
+                DL_Attributes attributes) {
+    constexpr int firstColorBeyond = 256;
+    constexpr int white = 7;
+    if (layer.name.empty()) {
+        return;
     }
-    engine.writePolylineEnd(file);
+    if (attributes.getColor() >= firstColorBeyond) {
+        attributes.setColor(white);
+    }
+    engine.writeLayer(file, layer, attributes);
 }
 
-/// What dxflib writes for a POINT of these attributes, up to the coordinates. They come last.
-std::string pointHead(DL_Dxf& engine, DL_Codes::version version, const DL_Attributes& attributes) {
-    dxfeditor::DxfTextWriter point(version);
-    engine.writePoint(point, DL_PointData(0.0, 0.0, 0.0), attributes);
-    dxfeditor::DxfTextWriter coordinates(version);
-    coordinates.coord(10, 0.0, 0.0, 0.0);
-    return point.text().substr(0, point.text().size() - coordinates.text().size());
-}
+/// Writes an entity of one of the kinds that can be written.
+class EntityWriter {
+public:
+    EntityWriter(DL_Dxf& engine, dxfeditor::DxfFileWriter& file,
+                 const std::shared_ptr<DXFEntity>& entity)
+        : m_engine(engine), m_file(file), m_entity(entity),
+          m_attributes(recordOf(entity->attributes())) {}
+
+    void operator()(DXFPolyline& polyline) const {
+        m_engine.writePolyline(m_file, DXFAdapter::makePolyline(shared(polyline)), m_attributes);
+        for (const DXFVertex& vertex : polyline.vertices()) {
+            m_engine.writeVertex(m_file, DXFAdapter::makeVertex(vertex));
+        }
+        m_engine.writePolylineEnd(m_file);
+    }
+    void operator()(DXFPoint& point) const {
+        m_engine.writePoint(m_file, DXFAdapter::makePoint(shared(point)), m_attributes);
+    }
+    void operator()(DXFPointVector& vector) const {
+        m_file.writePoints(m_attributes, vector.points());
+    }
+    /// The other kinds.
+    void operator()(DXFEntity&) const {}
+
+    static bool canWrite(int type) {
+        return type == DXFEntityType::Polyline || type == DXFEntityType::Point ||
+               type == DXFEntityType::PointVector;
+    }
+
+private:
+    /// The entity as what it is, for the adapter.
+    template <typename Kind>
+    std::shared_ptr<Kind> shared(Kind& kind) const {
+        return {m_entity, &kind};
+    }
+
+    DL_Dxf& m_engine;
+    dxfeditor::DxfFileWriter& m_file;
+    const std::shared_ptr<DXFEntity>& m_entity;
+    DL_Attributes m_attributes;
+};
 
 } // namespace
 
@@ -76,18 +105,26 @@ bool DXFWriter::hasOpenFile() const {
 bool DXFWriter::save(const std::string& path) {
     // An unfinished file is closed first: it may be the one at `path`.
     m_file.reset();
+    m_file = dxfeditor::DxfFileWriter::create(path, outputVersion);
+    return saveInto(path);
+}
+
+bool DXFWriter::saveTo(int file, const std::string& path) {
+    m_file.reset();
+    m_file = dxfeditor::DxfFileWriter::onFile(file, outputVersion);
+    return saveInto(path);
+}
+
+/// Writes the drawing into the file that was opened, if it was.
+bool DXFWriter::saveInto(const std::string& path) {
     m_engine = std::make_unique<DL_Dxf>();
-    // dxflib creates the file; it stays open until the own writer has it, so that the reader of a
-    // pipe does not see it end.
-    const std::unique_ptr<DL_WriterA> created(m_engine->out(path.c_str(), outputVersion));
-    if (created) {
-        m_file = dxfeditor::DxfFileWriter::open(path, outputVersion);
-        created->close();
-    }
     if (!m_file) {
-        base::reportUnopenableFile(path);
+        p7::deliver(p7::level_info, __LINE__, sourceFile, "save",
+                    "DXFWriter: Cannot open %s for writing.", path.c_str());
         return false;
     }
+    // The only way to tell the engine its version. No file has this name: nothing is opened.
+    const std::unique_ptr<DL_WriterA> none(m_engine->out("", outputVersion));
 
     writeHeader();
     m_file->sectionTables();
@@ -157,7 +194,7 @@ void DXFWriter::writeLAYER_table() {
     }
     beginTable("LAYER", 2, static_cast<int>(layers.size()));
     for (const std::shared_ptr<DXFLayer>& layer : layers) {
-        m_engine->writeLayer(*m_file, DXFAdapter::makeLayer(layer), recordOf(layer->attributes()));
+        writeLayer(*m_engine, *m_file, DXFAdapter::makeLayer(layer), recordOf(layer->attributes()));
     }
     m_file->tableEnd();
 }
@@ -177,25 +214,16 @@ bool DXFWriter::writeEntities_section() {
 }
 
 bool DXFWriter::fillEntities(std::shared_ptr<DXFEntity> entity) {
-    constexpr int noType = -1;
-    const int type = entity ? entity->type() : noType;
-    if (type != DXFEntityType::Polyline && type != DXFEntityType::Point &&
-        type != DXFEntityType::PointVector) {
+    if (!entity || !EntityWriter::canWrite(entity->type())) {
         reportUnsupportedEntity();
         return false;
     }
     if (!hasOpenFile()) {
         return false;
     }
-    if (type == DXFEntityType::Polyline) {
-        writePolyline(*m_engine, *m_file, castTo<DXFPolyline>(entity));
-    } else if (type == DXFEntityType::Point) {
-        m_engine->writePoint(*m_file, DXFAdapter::makePoint(castTo<DXFPoint>(entity)),
-                             recordOf(entity->attributes()));
-    } else {
-        const DL_Attributes attributes = recordOf(entity->attributes());
-        m_file->writePoints(pointHead(*m_engine, m_file->dxfVersion(), attributes),
-                            castTo<DXFPointVector>(entity)->points());
+    if (!dxfeditor::visitEntity(*entity, EntityWriter(*m_engine, *m_file, entity))) {
+        // It is not of the class that its type names: a fault of the program's own.
+        std::terminate();
     }
     return m_file->succeeded();
 }

@@ -2,4 +2,4 @@
 # Fails when a source file is not formatted as .clang-format says.
 set -euo pipefail
 cd "$(dirname "$0")/.."
-git ls-files '*.h' '*.cpp' | xargs --no-run-if-empty clang-format-14 --dry-run --Werror
+scripts/sources.sh | xargs -d '\n' clang-format-14 --dry-run --Werror

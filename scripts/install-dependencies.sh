@@ -24,7 +24,9 @@ aarch64_packages=(
   libpcl-common1.13:arm64 libdxflib-dev:arm64 libboost-filesystem1.74-dev:arm64
   libspdlog-dev:arm64 libcairo2:arm64 libgtest-dev:arm64 libgmock-dev:arm64
 )
-bench_packages=(libbenchmark-dev libvtk9-dev libboost-iostreams-dev libgdal-dev)
+bench_packages=(
+  libbenchmark-dev libvtk9-dev libopen3d-dev libboost-iostreams-dev libgdal-dev
+)
 
 as_root=()
 if [ "$(id -u)" -ne 0 ]; then

@@ -10,7 +10,8 @@ cmake --preset release -DCONVERTERS_BUILD_PYTHON=ON -DCMAKE_EXPORT_COMPILE_COMMA
 
 sources=("$@")
 if [ "${#sources[@]}" -eq 0 ]; then
-  mapfile -t sources < <(git ls-files base converters dxfeditor universal_log_interface tools python |
+  mapfile -t sources < <(scripts/sources.sh base converters dxfeditor universal_log_interface tools \
+    python |
     grep '\.cpp$')
 fi
 # What clang-tidy says of warnings that it keeps to itself goes to standard error.

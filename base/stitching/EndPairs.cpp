@@ -1,3 +1,25 @@
+// A chained hash table. Space is a grid of cells; two ends that meet are in the same cell, or in
+// two neighbouring ones whose common side both are near. An end is compared with those that came
+// before it to its cell and to the cells in reach, 1 to 8 of them, and then put into its own:
+//
+//       m_slots          m_nodes
+//     ┌─────────┐
+//     │  crowd  │        what each end has met, and the end before it in its slot
+//     ├─────────┤      ┌─────┐      ┌─────┐
+//     │ end 17 ─┼────► │ 17 ─┼────► │  4  │
+//     ├─────────┤      └─────┘      └─────┘
+//     │ nothing │
+//     └─────────┘
+//
+// The slots of a square of the spatial index lie together, and the ends come in the order of these
+// squares: the table is walked through rather than jumped about in. A cell of one square may share
+// a slot with another one of that square. That costs comparisons, and is no error: what counts in
+// the end is the distance. A chain of more than 16 ends is given up as a crowd, so that no drawing
+// costs more than 8 times 16 comparisons an end.
+//
+// Not done: sorting the ends by cell, which costs n log n and a second copy of all; and a table of
+// one slot a cell, which needs memory for the extent of the drawing instead of for its ends.
+
 #include "base/stitching/EndPairs.h"
 
 #include "base/LargePages.h"
@@ -30,23 +52,22 @@ struct RowsInReach {
           count(rows[0] == rows[1] ? 1 : 2) {}
 };
 
-/// Finds the pairs among ends that are added one by one. The cells of a square share slots of a
-/// table, by a hash: an end of another cell is one more to compare with.
+/// Finds the pairs among ends that are added one by one.
 class EndGrid {
 public:
     /// A finite end on its way into the grid.
     struct Entry {
-        EndNumber end;
+        RankedEnd end;
         /// The slot of its cell, and those of all cells in reach.
         std::uint32_t ownSlot;
         std::uint32_t slots[8];
         unsigned slotCount;
     };
 
-    EndGrid(const OrderedEnds& ends, const SpatialIndex& index, const JoinDistance& distance)
+    EndGrid(const RankedEnds& ends, const SpatialIndex& index, const JoinDistance& distance)
         : m_ends(ends), m_index(index), m_distance(distance) {
         reserveLarge(m_slots, index.size());
-        m_slots.resize(index.size(), noEnd);
+        m_slots.resize(index.size());
         reserveLarge(m_nodes, ends.size());
         m_nodes.resize(ends.size());
     }
@@ -54,7 +75,7 @@ public:
     // The steps of adding an end: each asks for the memory that the next one needs, which takes as
     // long as some hundred additions.
 
-    void locate(EndNumber end, Entry& entry) const {
+    void locate(RankedEnd end, Entry& entry) const {
         const Point& point = m_ends[end];
         entry.end = end;
         entry.slotCount = 0;
@@ -77,14 +98,14 @@ public:
     }
 
     /// Whether an end meets itself: not where a coordinate is infinite or not a number.
-    bool canMeet(EndNumber end) const { return m_distance.meet(m_ends[end], m_ends[end]); }
+    bool canMeet(RankedEnd end) const { return m_distance.meet(m_ends[end], m_ends[end]); }
 
     void fetch(const Entry& entry) const {
         for (unsigned i = 0; i < entry.slotCount; ++i) {
-            const EndNumber end = m_slots[entry.slots[i]];
-            if (end < noEnd) {
-                m_ends.prefetch(end);
-                __builtin_prefetch(&m_nodes[end]);
+            const EndOrCrowd held = m_slots[entry.slots[i]];
+            if (held.isEnd()) {
+                m_ends.prefetch(held.end());
+                __builtin_prefetch(&m_nodes[held.end().index()]);
             }
         }
     }
@@ -94,39 +115,44 @@ public:
         for (unsigned i = 0; i < entry.slotCount; ++i) {
             compare(entry.end, entry.slots[i]);
         }
-        EndNumber& latest = m_slots[entry.ownSlot];
-        if (latest == crowd) {
-            m_nodes[entry.end].met = crowd;
+        EndOrCrowd& held = m_slots[entry.ownSlot];
+        if (held.isCrowd()) {
+            nodeOf(entry.end).met = EndOrCrowd::crowd();
         } else {
-            m_nodes[entry.end].next = latest;
-            latest = entry.end;
+            nodeOf(entry.end).next = held.end();
+            held = entry.end;
         }
     }
 
     /// Notes that two ends meet.
-    void note(EndNumber a, EndNumber b) {
+    void note(RankedEnd a, RankedEnd b) {
         noteOne(a, b);
         noteOne(b, a);
     }
 
     /// What each end has met. The end of the grid.
-    std::vector<EndNumber> met() && {
-        std::vector<EndNumber>().swap(m_slots);
-        std::vector<EndNumber> met;
+    std::vector<EndOrCrowd> met() && {
+        std::vector<EndOrCrowd>().swap(m_slots);
+        std::vector<EndOrCrowd> met;
         reserveLarge(met, m_nodes.size());
-        for (std::size_t end = 0; end < m_nodes.size(); ++end) {
-            const EndNumber other = m_nodes[end].met;
-            met.push_back(other < noEnd && m_nodes[other].met != end ? crowd : other);
+        for (std::size_t i = 0; i < m_nodes.size(); ++i) {
+            const EndOrCrowd other = m_nodes[i].met;
+            // A pair only if it is one to both.
+            const bool isCrowded =
+                other.isEnd() && nodeOf(other.end()).met != EndOrCrowd(RankedEnd::at(i));
+            met.push_back(isCrowded ? EndOrCrowd::crowd() : other);
         }
         return met;
     }
 
 private:
     struct Node {
-        EndNumber met = noEnd;
+        EndOrCrowd met;
         /// The end added before it to the same slot.
-        EndNumber next = noEnd;
+        RankedEnd next;
     };
+
+    Node& nodeOf(RankedEnd end) { return m_nodes[end.index()]; }
 
     std::uint32_t slotOf(Row x, Row y, Row z) const {
         const SpatialIndex::Range range = m_index.rangeOf(x, z);
@@ -134,18 +160,22 @@ private:
                static_cast<std::uint32_t>(std::uint64_t{hashOf(x, y, z)} * range.size >> 32);
     }
 
-    void noteOne(EndNumber end, EndNumber other) {
-        EndNumber& met = m_nodes[end].met;
-        met = met == noEnd || met == other ? other : crowd;
+    void noteOne(RankedEnd end, RankedEnd other) {
+        EndOrCrowd& met = nodeOf(end).met;
+        met = met == EndOrCrowd() || met == other ? other : EndOrCrowd::crowd();
     }
 
-    void compare(EndNumber end, std::uint32_t slot) {
+    void compare(RankedEnd end, std::uint32_t slot) {
         constexpr int mostEnds = 16;
+        if (m_slots[slot].isCrowd()) {
+            nodeOf(end).met = EndOrCrowd::crowd();
+            return;
+        }
         int count = 0;
-        for (EndNumber other = m_slots[slot]; other != noEnd; other = m_nodes[other].next) {
-            if (other == crowd || ++count > mostEnds) {
+        for (RankedEnd other = m_slots[slot].end(); other.exists(); other = nodeOf(other).next) {
+            if (++count > mostEnds) {
                 makeCrowd(slot);
-                m_nodes[end].met = crowd;
+                nodeOf(end).met = EndOrCrowd::crowd();
                 return;
             }
             if (m_distance.meet(m_ends[end], m_ends[other])) {
@@ -156,76 +186,92 @@ private:
 
     /// Makes the ends in a slot, and all that come, a crowd.
     void makeCrowd(std::uint32_t slot) {
-        for (EndNumber end = m_slots[slot]; end < noEnd; end = m_nodes[end].next) {
-            m_nodes[end].met = crowd;
+        for (RankedEnd end = m_slots[slot].end(); end.exists(); end = nodeOf(end).next) {
+            nodeOf(end).met = EndOrCrowd::crowd();
         }
-        m_slots[slot] = crowd;
+        m_slots[slot] = EndOrCrowd::crowd();
     }
 
-    const OrderedEnds& m_ends;
+    const RankedEnds& m_ends;
     const SpatialIndex& m_index;
     const JoinDistance m_distance;
     std::vector<Node> m_nodes;
     /// The end added last to each slot, or crowd.
-    std::vector<EndNumber> m_slots;
+    std::vector<EndOrCrowd> m_slots;
 };
 
 /// Ends that are added together, after the memory for all of them has been asked for.
-struct Block {
-    static constexpr EndNumber mostEnds = 32;
+struct Batch {
+    static constexpr std::size_t mostEnds = 32;
 
     EndGrid::Entry entries[mostEnds];
-    EndNumber size = 0;
+    std::size_t size = 0;
 
     /// Takes the ends from `begin` on, as many as fit.
-    void locate(const OrderedEnds& ends, std::size_t begin, EndGrid& grid) {
+    void locate(const RankedEnds& ends, std::size_t begin, EndGrid& grid) {
         size = 0;
         const std::size_t behind = std::min(begin + mostEnds, ends.size());
-        // Those of the next block.
+        // Those of the next batch.
         for (std::size_t i = behind; i < std::min(behind + mostEnds, ends.size()); ++i) {
-            ends.prefetch(i);
+            ends.prefetch(RankedEnd::at(i));
         }
         for (std::size_t i = begin; i < behind; ++i) {
-            const auto end = static_cast<EndNumber>(i);
+            const RankedEnd end = RankedEnd::at(i);
             if (!grid.canMeet(end)) {
                 continue; // Meets nothing, not even itself.
             }
             if (ends.isSecondOfEqual(end)) {
-                grid.note(end - 1, end);
+                grid.note(RankedEnd::first(end.run()), end);
             } else {
                 grid.locate(end, entries[size++]);
             }
         }
     }
     void fetch(const EndGrid& grid) const {
-        for (EndNumber i = 0; i < size; ++i) {
+        for (std::size_t i = 0; i < size; ++i) {
             grid.fetch(entries[i]);
         }
     }
     void add(EndGrid& grid) {
-        for (EndNumber i = 0; i < size; ++i) {
+        for (std::size_t i = 0; i < size; ++i) {
             grid.add(entries[i]);
         }
         size = 0;
     }
 };
 
-/// Adds all finite ends.
-void addAll(const OrderedEnds& ends, EndGrid& grid) {
-    Block blocks[3];
-    // Two blocks more than there are, until the last one has been added.
-    const std::size_t behind = ends.size() + std::size_t{2} * Block::mostEnds;
-    for (std::size_t i = 0; i * Block::mostEnds < behind; ++i) {
-        blocks[(i + 1) % 3].add(grid);
-        blocks[i % 3].locate(ends, i * Block::mostEnds, grid);
-        blocks[(i + 2) % 3].fetch(grid);
+/// Adds all finite ends, in three steps that the memory has time between. Each round does one step
+/// with each of three batches:
+///
+///     round   added      located    fetched
+///       0                 0 - 31
+///       1                32 - 63     0 - 31
+///       2      0 - 31    64 - 95    32 - 63
+///       3     32 - 63    96 - 127   64 - 95
+///
+/// The batch that was added has room for the next ends to locate.
+void addAll(const RankedEnds& ends, EndGrid& grid) {
+    Batch batches[3];
+    Batch* located = &batches[0];
+    Batch* fetched = &batches[1];
+    Batch* added = &batches[2];
+    // Two rounds more than there are batches, until the last one has been added.
+    const std::size_t behind = ends.size() + 2 * Batch::mostEnds;
+    for (std::size_t begin = 0; begin < behind; begin += Batch::mostEnds) {
+        added->add(grid);
+        located->locate(ends, begin, grid);
+        fetched->fetch(grid);
+        Batch* const empty = added;
+        added = fetched;
+        fetched = located;
+        located = empty;
     }
 }
 
 } // namespace
 
-std::vector<EndNumber> pairEnds(const OrderedEnds& ends, const SpatialIndex& index,
-                                const JoinDistance& distance) {
+std::vector<EndOrCrowd> pairEnds(const RankedEnds& ends, const SpatialIndex& index,
+                                 const JoinDistance& distance) {
     EndGrid grid(ends, index, distance);
     addAll(ends, grid);
     return std::move(grid).met();

@@ -7,9 +7,6 @@
 
 namespace base {
 
-/// Stands for all that an end meets, where that is not at most one other end.
-constexpr EndNumber crowd = 0x80000000;
-
 /// What each end meets: no end; one other end, which meets no third; or a crowd. What an end of a
 /// crowd meets is of a crowd too, but two crowded ends need not meet.
 ///
@@ -24,7 +21,9 @@ constexpr EndNumber crowd = 0x80000000;
 ///
 /// Equal ends of one run, as of a run of one point, are no different: what they meet is a crowd,
 /// else they are a pair.
-std::vector<EndNumber> pairEnds(const OrderedEnds& ends, const SpatialIndex& index,
-                                const JoinDistance& distance);
+///
+/// @return by RankedEnd::index(); crowds have no indices yet
+std::vector<EndOrCrowd> pairEnds(const RankedEnds& ends, const SpatialIndex& index,
+                                 const JoinDistance& distance);
 
 } // namespace base

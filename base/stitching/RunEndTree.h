@@ -8,7 +8,7 @@
 
 namespace base {
 
-/// Ends of runs, searched by place: which is the lowest one at this place that is still there?
+/// Ends of runs, searched by where they are: which is the lowest one here that is still there?
 ///
 /// A k-d tree, complete down to leaves of a few ends each. A node knows the box around the ends
 /// below it and the lowest of those still there. A search begins at the leaf of the end and climbs
@@ -25,38 +25,38 @@ namespace base {
 /// contrived drawings (many ends just beyond the join distance, all around the one looked from).
 class RunEndTree {
 public:
-    /// Names an end, also after its removal: places begin at 0 and have no gaps.
-    using Place = std::uint32_t;
+    /// Names an end, also after its removal: indices begin at 0 and have no gaps.
+    using Index = std::uint32_t;
 
     struct End {
         /// Finite.
         Point point;
-        EndNumber number;
+        NumberedEnd number;
     };
 
     /// @param ends  in any order
     RunEndTree(std::vector<End> ends, const JoinDistance& distance);
 
-    Place size() const { return static_cast<Place>(m_ends.size()); }
+    Index size() const { return static_cast<Index>(m_ends.size()); }
 
-    /// The end at a place that it has not been removed from.
-    EndNumber at(Place end) const { return m_ends[end].number; }
+    /// An end that has not been removed.
+    NumberedEnd at(Index end) const { return m_ends[end].number; }
 
     /// Whether two ends are one point.
-    bool meet(Place a, Place b) const { return m_distance.meet(m_ends[a].point, m_ends[b].point); }
+    bool meet(Index a, Index b) const { return m_distance.meet(m_ends[a].point, m_ends[b].point); }
 
     /// The lowest end that meets this one, or none.
-    EndNumber lowestAt(Place end) const;
+    NumberedEnd lowestAt(Index end) const;
 
     /// Removes an end; of one that has been removed nothing is left to remove.
-    void remove(Place end);
+    void remove(Index end);
 
 private:
     struct Node {
         Point low;
         Point high;
         /// The lowest end below the node, or none.
-        EndNumber lowest = noEnd;
+        NumberedEnd lowest;
         /// Of a leaf, how many levels above it there may be ends in reach of its own.
         std::uint32_t levelsInReach = 0;
     };

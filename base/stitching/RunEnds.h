@@ -8,48 +8,109 @@
 
 namespace base {
 
+/// A run by its number: the order in which the runs came, which decides what is joined first.
 using RunNumber = std::uint32_t;
 
-/// Twice the number of the run, and 1 more for its last end. Of 31 bits, so that users have one to
-/// spare.
-using EndNumber = std::uint32_t;
-constexpr EndNumber noEnd = 0x7FFFFFFF;
+/// Behind every number of a run.
+constexpr RunNumber noRun = 0xFFFFFFFF;
+
+/// A run by its rank in the spatial order, in which the next run of a contour is mostly near: what
+/// is kept for the runs while they are stitched is in this order. A type of its own, so that
+/// numbers and ranks are not mixed up.
+enum class RunRank : std::uint32_t {};
+
+/// One of the two ends of a run that is given by its number or by its rank; or no end, which
+/// compares greater than all. Takes 31 bits, so that users have one to spare.
+template <typename Run>
+class EndOf {
+public:
+    /// No end.
+    constexpr EndOf() = default;
+
+    static constexpr EndOf first(Run run) { return EndOf(2 * static_cast<std::uint32_t>(run)); }
+    static constexpr EndOf last(Run run) { return EndOf(2 * static_cast<std::uint32_t>(run) + 1); }
+    /// The end that index() names.
+    static constexpr EndOf at(std::size_t index) {
+        return EndOf(static_cast<std::uint32_t>(index));
+    }
+
+    constexpr bool exists() const { return m_index != none; }
+    constexpr Run run() const { return static_cast<Run>(m_index / 2); }
+    constexpr bool isLast() const { return m_index % 2 != 0; }
+    /// The ends counted through: twice the run, and 1 more for its last end.
+    constexpr std::size_t index() const { return m_index; }
+
+    friend constexpr bool operator==(EndOf a, EndOf b) { return a.m_index == b.m_index; }
+    friend constexpr bool operator!=(EndOf a, EndOf b) { return a.m_index != b.m_index; }
+    friend constexpr bool operator<(EndOf a, EndOf b) { return a.m_index < b.m_index; }
+
+    static constexpr std::uint32_t none = 0x7FFFFFFF;
+
+private:
+    constexpr explicit EndOf(std::uint32_t index) : m_index(index) {}
+
+    std::uint32_t m_index = none;
+};
+
+using NumberedEnd = EndOf<RunNumber>;
+using RankedEnd = EndOf<RunRank>;
 
 /// More runs are refused with std::bad_alloc: short numbers keep what is kept for each end small,
 /// and the runs alone would take more than a hundred gigabytes.
-constexpr std::size_t maximumRuns = noEnd / 2;
+constexpr std::size_t maximumRuns = RankedEnd::none / 2;
 
-constexpr EndNumber firstEnd(RunNumber run) {
-    return 2 * run;
-}
-constexpr EndNumber lastEnd(RunNumber run) {
-    return 2 * run + 1;
-}
-constexpr RunNumber runOf(EndNumber end) {
-    return end / 2;
-}
-
-/// The ends of runs, in an order of the runs that need not be theirs.
-class OrderedEnds {
+/// Nothing, one end, or a crowd: what an end meets. In a crowd, ends have indices.
+class EndOrCrowd {
 public:
-    /// @param ends   the first and the last end of each run
-    /// @param order  the runs; both have to outlive this object
-    OrderedEnds(const std::vector<Point>& ends, const std::vector<RunNumber>& order)
+    /// Nothing.
+    constexpr EndOrCrowd() = default;
+    /// One end, or nothing for no end.
+    constexpr EndOrCrowd(RankedEnd end) : m_bits(static_cast<std::uint32_t>(end.index())) {}
+    static constexpr EndOrCrowd crowd(std::uint32_t index = 0) {
+        EndOrCrowd crowd;
+        crowd.m_bits = crowdBit | index;
+        return crowd;
+    }
+
+    constexpr bool isEnd() const { return m_bits < RankedEnd::none; }
+    constexpr bool isCrowd() const { return (m_bits & crowdBit) != 0; }
+
+    /// The end, or no end for nothing. Not for a crowd.
+    constexpr RankedEnd end() const { return RankedEnd::at(m_bits); }
+    /// The index that a crowd was given.
+    constexpr std::uint32_t indexInCrowd() const { return m_bits & ~crowdBit; }
+
+    friend constexpr bool operator==(EndOrCrowd a, EndOrCrowd b) { return a.m_bits == b.m_bits; }
+    friend constexpr bool operator!=(EndOrCrowd a, EndOrCrowd b) { return a.m_bits != b.m_bits; }
+
+private:
+    static constexpr std::uint32_t crowdBit = 0x80000000;
+
+    std::uint32_t m_bits = RankedEnd::none;
+};
+
+/// The ends of runs, by the ranks of the runs.
+class RankedEnds {
+public:
+    /// @param ends   the first and the last end of each run, in the order of their numbers
+    /// @param order  the numbers of the runs, in the order of their ranks; both have to outlive
+    /// this
+    ///               object
+    RankedEnds(const std::vector<Point>& ends, const std::vector<RunNumber>& order)
         : m_ends(ends.data()), m_order(order) {}
 
     std::size_t size() const { return 2 * m_order.size(); }
 
-    /// @param end  numbered by the place of its run in the order
-    const Point& operator[](std::size_t end) const {
-        return m_ends[2 * std::size_t{m_order[end / 2]} + end % 2];
+    const Point& operator[](RankedEnd end) const {
+        return m_ends[NumberedEnd::first(m_order[end.index() / 2]).index() + end.index() % 2];
     }
 
     /// Whether the end is the last one of a run with two equal ends, as a run of one point has.
-    bool isSecondOfEqual(std::size_t end) const {
-        return end % 2 != 0 && (*this)[end] == (*this)[end - 1];
+    bool isSecondOfEqual(RankedEnd end) const {
+        return end.isLast() && (*this)[end] == (*this)[RankedEnd::first(end.run())];
     }
 
-    void prefetch(std::size_t end) const { __builtin_prefetch(&(*this)[end]); }
+    void prefetch(RankedEnd end) const { __builtin_prefetch(&(*this)[end]); }
 
 private:
     const Point* m_ends;

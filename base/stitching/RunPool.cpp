@@ -1,3 +1,10 @@
+// Who meets whom does not change while runs are stitched, so it is known before the first is
+// joined: for most ends as a pair, for the others by the tree. What changes is which runs are left:
+// a bit for each run, and what is taken out of the tree.
+//
+// Not done: one tree for all ends. It would be right, at log n for each search and each removal;
+// but where contours do not touch, no end needs a search.
+
 #include "base/stitching/RunPool.h"
 
 #include "base/LargePages.h"
@@ -18,14 +25,14 @@ const std::vector<Point>& checked(const std::vector<Point>& ends) {
     return ends;
 }
 
-std::vector<RunNumber> inverseOf(const std::vector<RunNumber>& order) {
-    std::vector<RunNumber> places;
-    reserveLarge(places, order.size());
-    places.resize(order.size());
-    for (std::size_t place = 0; place < order.size(); ++place) {
-        places[order[place]] = static_cast<RunNumber>(place);
+std::vector<RunRank> ranksOf(const std::vector<RunNumber>& numbers) {
+    std::vector<RunRank> ranks;
+    reserveLarge(ranks, numbers.size());
+    ranks.resize(numbers.size());
+    for (std::size_t rank = 0; rank < numbers.size(); ++rank) {
+        ranks[numbers[rank]] = static_cast<RunRank>(rank);
     }
-    return places;
+    return ranks;
 }
 
 } // namespace
@@ -35,55 +42,55 @@ RunPool::RunPool(const std::vector<Point>& ends, const JoinDistance& distance)
 
 RunPool::RunPool(const std::vector<Point>& ends, const SpatialIndex& index,
                  const JoinDistance& distance)
-    : m_order(index.runs()), m_places(inverseOf(m_order)), m_isRemoved(m_order.size()),
-      m_met(pairEnds(OrderedEnds(ends, m_order), index, distance)),
-      m_crowd(treeOf(OrderedEnds(ends, m_order), distance)) {
-    const OrderedEnds ordered(ends, m_order);
-    for (RunEndTree::Place place = 0; place < m_crowd.size(); ++place) {
-        const EndNumber end = endOf(m_crowd.at(place));
-        m_met[end] = crowd | place;
-        if (end % 2 == 0 && ordered.isSecondOfEqual(end + 1)) {
-            m_met[end + 1] = crowd | place;
+    : m_numbers(index.runs()), m_ranks(ranksOf(m_numbers)), m_isRemoved(m_numbers.size()),
+      m_met(pairEnds(RankedEnds(ends, m_numbers), index, distance)),
+      m_crowd(treeOf(RankedEnds(ends, m_numbers), distance)) {
+    const RankedEnds ranked(ends, m_numbers);
+    for (std::uint32_t i = 0; i < m_crowd.size(); ++i) {
+        const RankedEnd end = rankedOf(m_crowd.at(i));
+        m_met[end.index()] = EndOrCrowd::crowd(i);
+        const RankedEnd last = RankedEnd::last(end.run());
+        if (!end.isLast() && ranked.isSecondOfEqual(last)) {
+            m_met[last.index()] = EndOrCrowd::crowd(i);
         }
     }
 }
 
-RunEndTree RunPool::treeOf(const OrderedEnds& ends, const JoinDistance& distance) const {
+RunEndTree RunPool::treeOf(const RankedEnds& ends, const JoinDistance& distance) const {
     std::vector<RunEndTree::End> crowded;
     // Room for all at once: growing would hold them twice.
-    const auto count = std::count(m_met.begin(), m_met.end(), crowd);
+    const auto count = std::count(m_met.begin(), m_met.end(), EndOrCrowd::crowd());
     reserveLarge(crowded, static_cast<std::size_t>(count));
-    for (std::size_t end = 0; end < m_met.size(); ++end) {
-        if (m_met[end] == crowd && !ends.isSecondOfEqual(end)) {
-            const auto numbered =
-                static_cast<EndNumber>(std::size_t{2} * m_order[end / 2] + end % 2);
-            crowded.push_back({ends[end], numbered});
+    for (std::size_t i = 0; i < m_met.size(); ++i) {
+        const RankedEnd end = RankedEnd::at(i);
+        if (m_met[i].isCrowd() && !ends.isSecondOfEqual(end)) {
+            crowded.push_back({ends[end], numberedOf(end)});
         }
     }
     return {std::move(crowded), distance};
 }
 
-void RunPool::remove(RunNumber place) {
-    m_isRemoved[place] = true;
-    for (const EndNumber end : {firstEnd(place), lastEnd(place)}) {
-        if (isCrowded(end)) {
-            m_crowd.remove(inCrowd(end));
+void RunPool::remove(RunRank run) {
+    m_isRemoved[indexOf(run)] = true;
+    for (const RankedEnd end : {RankedEnd::first(run), RankedEnd::last(run)}) {
+        if (metBy(end).isCrowd()) {
+            m_crowd.remove(metBy(end).indexInCrowd());
         }
     }
 }
 
-EndNumber RunPool::lowestAt(EndNumber end) const {
-    if (isCrowded(end)) {
-        const EndNumber lowest = m_crowd.lowestAt(inCrowd(end));
-        return lowest == noEnd ? noEnd : endOf(lowest);
+RankedEnd RunPool::lowestAt(RankedEnd end) const {
+    const EndOrCrowd met = metBy(end);
+    if (met.isCrowd()) {
+        const NumberedEnd lowest = m_crowd.lowestAt(met.indexInCrowd());
+        return lowest.exists() ? rankedOf(lowest) : RankedEnd();
     }
-    const EndNumber met = m_met[end];
-    if (met == noEnd || !contains(runOf(met))) {
-        return noEnd;
+    if (!met.isEnd() || !contains(met.end().run())) {
+        return {};
     }
     // It is joined soon.
-    __builtin_prefetch(&m_met[met]);
-    return met;
+    __builtin_prefetch(&m_met[met.end().index()]);
+    return met.end();
 }
 
 } // namespace base

@@ -9,48 +9,57 @@
 namespace base {
 
 /// The runs that are still to be stitched, searched by their ends. Begins with all runs.
-///
-/// Runs go by their places here, and ends by those of their runs: in a spatial order, where the
-/// next run of a contour is mostly near in memory.
 class RunPool {
 public:
     /// @param ends  the first and the last end of each run
     RunPool(const std::vector<Point>& ends, const JoinDistance& distance);
 
-    /// The number of the run at a place, and the place of a run.
-    RunNumber runAt(RunNumber place) const { return m_order[place]; }
-    RunNumber placeOf(RunNumber run) const { return m_places[run]; }
+    RunNumber numberOf(RunRank run) const { return m_numbers[indexOf(run)]; }
+    RunRank rankOf(RunNumber run) const { return m_ranks[run]; }
 
-    bool contains(RunNumber place) const { return !m_isRemoved[place]; }
-    void remove(RunNumber place);
+    bool contains(RunRank run) const { return !m_isRemoved[indexOf(run)]; }
+    void remove(RunRank run);
 
     /// Whether two ends, of whatever runs, are one point.
-    bool meet(EndNumber a, EndNumber b) const {
-        return isCrowded(a) ? isCrowded(b) && m_crowd.meet(inCrowd(a), inCrowd(b)) : m_met[a] == b;
+    bool meet(RankedEnd a, RankedEnd b) const {
+        const EndOrCrowd met = metBy(a);
+        return met.isCrowd()
+                   ? metBy(b).isCrowd() && m_crowd.meet(met.indexInCrowd(), metBy(b).indexInCrowd())
+                   : met == b;
     }
 
     /// Whether two ends are known to be equal, as both ends of a run of one point are wherever it
     /// meets another.
-    bool areEqual(EndNumber a, EndNumber b) const { return isCrowded(a) && m_met[a] == m_met[b]; }
+    bool areEqual(RankedEnd a, RankedEnd b) const {
+        return metBy(a).isCrowd() && metBy(a) == metBy(b);
+    }
 
-    /// An end that meets this one, which is of a run that has been removed: of the lowest run of
-    /// the pool, by number, that has one. noEnd when there is none.
-    EndNumber lowestAt(EndNumber end) const;
+    /// An end that meets this one, which is of a run that has been removed: of the run of the pool
+    /// with the lowest number that has one. No end when there is none.
+    RankedEnd lowestAt(RankedEnd end) const;
 
 private:
     RunPool(const std::vector<Point>& ends, const SpatialIndex& index,
             const JoinDistance& distance);
-    RunEndTree treeOf(const OrderedEnds& ends, const JoinDistance& distance) const;
-    bool isCrowded(EndNumber end) const { return (m_met[end] & crowd) != 0; }
-    RunEndTree::Place inCrowd(EndNumber end) const { return m_met[end] & ~crowd; }
-    EndNumber endOf(EndNumber numbered) const { return 2 * m_places[numbered / 2] + numbered % 2; }
+    RunEndTree treeOf(const RankedEnds& ends, const JoinDistance& distance) const;
 
-    std::vector<RunNumber> m_order;
-    std::vector<RunNumber> m_places;
+    static std::size_t indexOf(RunRank run) { return static_cast<std::size_t>(run); }
+    EndOrCrowd metBy(RankedEnd end) const { return m_met[end.index()]; }
+    RankedEnd rankedOf(NumberedEnd end) const {
+        const RunRank run = rankOf(end.run());
+        return end.isLast() ? RankedEnd::last(run) : RankedEnd::first(run);
+    }
+    NumberedEnd numberedOf(RankedEnd end) const {
+        const RunNumber run = numberOf(end.run());
+        return end.isLast() ? NumberedEnd::last(run) : NumberedEnd::first(run);
+    }
+
+    /// The numbers of the runs by their ranks, and the ranks by the numbers.
+    std::vector<RunNumber> m_numbers;
+    std::vector<RunRank> m_ranks;
     std::vector<bool> m_isRemoved;
-    /// What each end meets; for one of a crowd with its place among all those.
-    std::vector<EndNumber> m_met;
-    /// Its ends are numbered by the runs' own numbers.
+    /// What each end meets; for one of a crowd with its index in the tree.
+    std::vector<EndOrCrowd> m_met;
     RunEndTree m_crowd;
 };
 

@@ -1,3 +1,16 @@
+// Two counting sorts. The square of an end is known from its coordinates alone; how many ends each
+// square has is counted, and the prefix sums of the counts say where its range begins:
+//
+//     ends of squares      2  0  3  1
+//     ranges begin at   0  3  4  8  10      each has one number more than ends
+//
+// The runs are ordered in the same way, by the squares of their first ends: where a square's runs
+// begin is the sum of the runs before it, and each run goes to the next free index of its square.
+//
+// Not done: sorting by square, which gives the same order at n log n; and an order along a curve
+// that fills space, which keeps neighbours closer together. Squares are near enough as they are:
+// what is kept for the ends of one square fits the fastest cache.
+
 #include "base/stitching/SpatialIndex.h"
 
 #include "base/LargePages.h"
@@ -43,7 +56,7 @@ Extent extentOf(const std::vector<Point>& ends, Coordinate coordinate, double ro
 SpatialIndex::SpatialIndex(const std::vector<Point>& ends, const JoinDistance& distance)
     : m_ends(ends), m_rowsPerUnit(distance.rowsPerUnit()) {
     layOut(ends);
-    // How many numbers there are for each square, one place ahead; then, where they begin.
+    // How many ends each square has, entered for the one behind it; then, where its range begins.
     for (const Point& end : ends) {
         ++m_begins[squareOf(end) + 1];
     }
@@ -68,7 +81,7 @@ void SpatialIndex::layOut(const std::vector<Point>& ends) {
 std::vector<RunNumber> SpatialIndex::runs() const {
     std::vector<std::uint32_t> squares;
     reserveLarge(squares, m_ends.size() / 2);
-    // How many runs are in the squares before each; then, where the next run of the square goes.
+    // How many runs each square has, entered for the one behind it; then, where its first run goes.
     std::vector<RunNumber> next(m_begins.size());
     for (std::size_t end = 0; end < m_ends.size(); end += 2) {
         squares.push_back(squareOf(m_ends[end]));

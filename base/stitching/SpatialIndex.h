@@ -8,8 +8,8 @@
 
 namespace base {
 
-/// The place of a coordinate in one direction of a grid whose cells are fifteen to thirty times as
-/// wide as the join distance.
+/// Which cell of a grid a coordinate is in, counted along one direction. The cells are fifteen to
+/// thirty times as wide as the join distance.
 using Row = std::int64_t;
 
 /// The row of a coordinate. Never decreases from one coordinate to a greater one, not even by
@@ -23,8 +23,8 @@ inline Row rowOf(double coordinate, double rowsPerUnit) {
     return static_cast<Row>(inside + 0.5); // NOLINT(bugprone-incorrect-roundings)
 }
 
-/// Where the ends of runs lie, coarsely: by squares over the plane of x and z, of some 16 runs
-/// each.
+/// Where the ends of runs lie, coarsely: by squares over the plane of x and z, of sixteen runs each
+/// on average.
 ///
 /// Whatever order the entities are in, contours are walked without going back and forth in a large
 /// memory when what is kept for runs and ends is ordered by their squares. Nothing else depends on

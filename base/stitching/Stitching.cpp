@@ -1,3 +1,18 @@
+// The procedure of the header, without its search through the pool after every join: a chain can
+// only grow at its two tips, and what fits at a tip stays the same until the tip moves or the run
+// is gone. So each tip keeps its candidate, the run of the lowest number that fits there; the lower
+// of the two candidates is the run that the procedure would come to first.
+//
+//           front tip                          back tip
+//               ▼                                  ▼
+//     run 5 ····●────────────●────────────●────────●···· run 2     joins run 2, then looks for a
+//               │   run 7    │   run 9    │  run 3 │               new candidate at the back alone
+//               └─── joined in front ──┘  start  └─ joined behind
+//
+// Not done: joining all pairs first, each contour by itself, whatever the order. It would be
+// simpler, but which runs are joined, and which run a chain begins with, would differ wherever
+// three ends meet.
+
 #include "base/stitching/Stitching.h"
 
 #include "base/LargePages.h"
@@ -12,15 +27,15 @@ namespace {
 
 /// One of the two ends of the chain that grows.
 struct Tip {
-    EndNumber end = noEnd;
+    RankedEnd end;
     /// The end of the lowest run of the pool that fits here, and the number of that run.
-    EndNumber candidate = noEnd;
-    RunNumber lowest = noEnd;
+    RankedEnd candidate;
+    RunNumber lowest = noRun;
     /// The pieces joined on this side, from the inside outwards.
     std::vector<Piece> pieces;
 };
 
-/// Builds a walk, chain by chain. Runs go by their places in the pool.
+/// Builds a walk, chain by chain.
 class Stitcher {
 public:
     Stitcher(const std::vector<Point>& ends, const std::function<bool(RunNumber)>& hasOnePoint,
@@ -32,13 +47,13 @@ public:
     Walk walk() &&;
 
 private:
-    void addChain(RunNumber start);
-    void join(RunNumber place);
-    void extend(Tip& tip, const Piece& piece, EndNumber joined, EndNumber other);
-    void finishChain(RunNumber start);
+    void addChain(RunRank start);
+    void join(RunRank joined);
+    void extend(Tip& tip, const Piece& piece, RankedEnd joined, RankedEnd other);
+    void finishChain(RunRank start);
     void search(Tip& tip) {
         tip.candidate = m_pool.lowestAt(tip.end);
-        tip.lowest = tip.candidate != noEnd ? m_pool.runAt(runOf(tip.candidate)) : noEnd;
+        tip.lowest = tip.candidate.exists() ? m_pool.numberOf(tip.candidate.run()) : noRun;
     }
 
     std::size_t m_runCount;
@@ -51,37 +66,37 @@ private:
 
 Walk Stitcher::walk() && {
     for (std::size_t run = m_runCount; run > 0; --run) {
-        const RunNumber place = m_pool.placeOf(static_cast<RunNumber>(run - 1));
-        if (m_pool.contains(place)) {
-            addChain(place);
+        const RunRank last = m_pool.rankOf(static_cast<RunNumber>(run - 1));
+        if (m_pool.contains(last)) {
+            addChain(last);
         }
     }
     return std::move(m_walk);
 }
 
 /// Adds the chain that grows from `start`, a run in the pool.
-void Stitcher::addChain(RunNumber start) {
-    m_front.end = firstEnd(start);
-    m_back.end = lastEnd(start);
+void Stitcher::addChain(RunRank start) {
+    m_front.end = RankedEnd::first(start);
+    m_back.end = RankedEnd::last(start);
     m_pool.remove(start);
     search(m_front);
     search(m_back);
     for (;;) {
         const Tip& tip = m_front.lowest < m_back.lowest ? m_front : m_back;
-        if (tip.candidate == noEnd) {
+        if (!tip.candidate.exists()) {
             break;
         }
-        join(runOf(tip.candidate));
+        join(tip.candidate.run());
     }
     finishChain(start);
 }
 
 /// Joins a run that fits, in the first of the ways that hold.
-void Stitcher::join(RunNumber place) {
-    const EndNumber first = firstEnd(place);
-    const EndNumber last = lastEnd(place);
-    const RunNumber run = m_pool.runAt(place);
-    m_pool.remove(place);
+void Stitcher::join(RunRank joined) {
+    const RankedEnd first = RankedEnd::first(joined);
+    const RankedEnd last = RankedEnd::last(joined);
+    const RunNumber run = m_pool.numberOf(joined);
+    m_pool.remove(joined);
     if (m_pool.meet(m_back.end, first)) {
         extend(m_back, {run, Direction::Forwards, Dropped::First, false, false}, first, last);
     } else if (m_pool.meet(m_back.end, last)) {
@@ -100,7 +115,7 @@ void Stitcher::join(RunNumber place) {
     }
 }
 
-void Stitcher::extend(Tip& tip, const Piece& piece, EndNumber joined, EndNumber other) {
+void Stitcher::extend(Tip& tip, const Piece& piece, RankedEnd joined, RankedEnd other) {
     tip.pieces.push_back(piece);
     // Of a run of one point nothing is left once it is dropped: the chain ends where it did.
     if (!m_pool.areEqual(joined, other) || !m_hasOnePoint(piece.run)) {
@@ -108,9 +123,9 @@ void Stitcher::extend(Tip& tip, const Piece& piece, EndNumber joined, EndNumber 
     }
 }
 
-void Stitcher::finishChain(RunNumber start) {
+void Stitcher::finishChain(RunRank start) {
     m_walk.insert(m_walk.end(), m_front.pieces.rbegin(), m_front.pieces.rend());
-    m_walk.push_back({m_pool.runAt(start), Direction::Forwards, Dropped::Nothing, false, false});
+    m_walk.push_back({m_pool.numberOf(start), Direction::Forwards, Dropped::Nothing, false, false});
     m_walk.insert(m_walk.end(), m_back.pieces.begin(), m_back.pieces.end());
     m_walk.back().endsChain = true;
     m_walk.back().closesChain = m_pool.meet(m_front.end, m_back.end);

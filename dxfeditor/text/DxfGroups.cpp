@@ -36,21 +36,17 @@ int dxfInteger(std::string_view text) {
     return static_cast<std::int32_t>(lowerHalf);
 }
 
-bool DxfGroups::next(DxfGroup& group) {
-    const std::size_t codeLength = m_rest.find('\n');
-    if (codeLength == std::string_view::npos) {
-        m_rest = {};
+/// Reads any code line.
+/// @return false at the end of the text
+bool DxfGroups::readCode(DxfGroup& group) {
+    const char* const lineEnd = base::findLineEnd(m_next, m_end);
+    if (lineEnd == m_end) {
+        m_next = m_end;
         return false;
     }
-    group.code = dxfInteger(m_rest.substr(0, std::min(codeLength, longestDxfLine)));
-    m_rest.remove_prefix(codeLength + 1);
-
-    const std::size_t valueLength = std::min(m_rest.find('\n'), m_rest.size());
-    group.value = m_rest.substr(0, std::min(valueLength, longestDxfLine));
-    m_rest.remove_prefix(std::min(valueLength + 1, m_rest.size()));
-    while (!group.value.empty() && group.value.back() == '\r') {
-        group.value.remove_suffix(1);
-    }
+    const auto length = static_cast<std::size_t>(lineEnd - m_next);
+    group.code = dxfInteger({m_next, std::min(length, longestDxfLine)});
+    m_next = lineEnd + 1;
     return true;
 }
 

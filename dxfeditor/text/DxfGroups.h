@@ -1,6 +1,10 @@
 #pragma once
 
+#include "base/LineEnd.h"
+
+#include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <string_view>
 
 namespace dxfeditor {
@@ -28,17 +32,67 @@ int dxfInteger(std::string_view text);
 /// A code line needs a line end; a value line also ends with the text, and may be missing then.
 class DxfGroups {
 public:
-    explicit DxfGroups(std::string_view text) : m_rest(text) {}
+    explicit DxfGroups(std::string_view text)
+        : m_next(text.data()), m_end(text.data() + text.size()) {}
 
     /// Reads the next group.
     /// @return false at the end of the text; `group` is then as it was
     bool next(DxfGroup& group);
 
     /// The text after the last group read.
-    std::string_view rest() const { return m_rest; }
+    std::string_view rest() const { return {m_next, static_cast<std::size_t>(m_end - m_next)}; }
 
 private:
-    std::string_view m_rest;
+    bool readShortCode(DxfGroup& group);
+    bool readCode(DxfGroup& group);
+
+    const char* m_next;
+    const char* m_end;
 };
+
+/// Reads a code line as programs write it: blanks, digits, line end.
+/// @return false for any other, of which nothing is read
+inline bool DxfGroups::readShortCode(DxfGroup& group) {
+    constexpr std::ptrdiff_t mostBytes = 16; // fewer digits than a 64-bit number has
+    if (m_end - m_next <= mostBytes) {
+        return false;
+    }
+    const char* next = m_next;
+    const char* const limit = m_next + mostBytes;
+    while (*next == ' ' && next != limit) {
+        ++next;
+    }
+    const char* const digits = next;
+    std::uint64_t code = 0;
+    for (; *next >= '0' && *next <= '9' && next != limit; ++next) {
+        code = code * 10 + static_cast<unsigned char>(*next - '0');
+    }
+    if (next == digits) {
+        return false;
+    }
+    if (*next == '\r' && next != limit) {
+        ++next;
+    }
+    if (*next != '\n') {
+        return false;
+    }
+    group.code = static_cast<std::int32_t>(static_cast<std::uint32_t>(code));
+    m_next = next + 1;
+    return true;
+}
+
+inline bool DxfGroups::next(DxfGroup& group) {
+    if (!readShortCode(group) && !readCode(group)) {
+        return false;
+    }
+    const char* const lineEnd = base::findLineEnd(m_next, m_end);
+    std::size_t length = std::min(static_cast<std::size_t>(lineEnd - m_next), longestDxfLine);
+    while (length > 0 && m_next[length - 1] == '\r') {
+        --length;
+    }
+    group.value = {m_next, length};
+    m_next = lineEnd == m_end ? m_end : lineEnd + 1;
+    return true;
+}
 
 } // namespace dxfeditor

@@ -44,17 +44,55 @@ public:
 
     /// Reads the next object.
     /// @return false at the end of the text; `object` is then as it was
-    bool next(DxfObject& object);
+    bool next(DxfObject& object) {
+        return next(object, [](const DxfGroup&) {});
+    }
+
+    /// The same, and hands each group of the object to `take`: what finds the object's end has all
+    /// of them in its hands.
+    template <typename Take>
+    bool next(DxfObject& object, Take take);
+
+    /// The kind of the next object; Other at the end of the text.
+    DxfObjectKind nextKind() const { return m_found ? m_kind : DxfObjectKind::Other; }
 
 private:
-    /// Passes over groups up to the next one that begins an object, which goes to m_begin.
-    /// @return the text passed over
-    std::string_view skipToObject();
+    /// As dxflib compares names: to the byte, blanks included.
+    static DxfObjectKind kindOf(std::string_view name);
 
     DxfGroups m_groups;
-    /// The group that begins the next object; meaningful while m_found.
-    DxfGroup m_begin;
+    /// The next object; meaningful while m_found.
+    std::string_view m_name;
+    DxfObjectKind m_kind = DxfObjectKind::Other;
     bool m_found = false;
 };
+
+template <typename Take>
+bool DxfObjects::next(DxfObject& object, Take take) {
+    if (!m_found) {
+        return false;
+    }
+    object.kind = m_kind;
+    object.name = m_name;
+    m_found = false;
+    // Of its own, so that it stays in registers.
+    DxfGroups groups = m_groups;
+    const std::string_view text = groups.rest();
+    std::size_t passed = 0;
+    for (DxfGroup group; groups.next(group);) {
+        if (group.beginsObject()) {
+            m_found = true;
+            m_name = group.value;
+            m_kind = kindOf(group.value);
+            break;
+        }
+        take(group);
+        passed = text.size() - groups.rest().size();
+    }
+    m_groups = groups;
+    object.groups = text.substr(0, passed);
+    object.complete = m_found;
+    return true;
+}
 
 } // namespace dxfeditor

@@ -65,10 +65,13 @@ void parseDxf(std::string_view text, DL_CreationInterface& reader, DxfDecoding d
     DxfIntake intake(text);
     DxfEntityDecoder decoder;
     DxfObjects objects(text);
-    for (DxfObject object; objects.next(object);) {
-        if (decoding == DxfDecoding::Ours && decoder.decode(object, objects)) {
+    const auto next = [&](DxfObject& object) {
+        return decoding == DxfDecoding::Ours ? decoder.next(objects, object) : objects.next(object);
+    };
+    for (DxfObject object; next(object);) {
+        if (decoder.hasDecoded()) {
             parsePiece(intake, reader);
-            decoder.report(reader, objects);
+            decoder.report(reader);
             continue;
         }
         if (hasCounts(object)) {

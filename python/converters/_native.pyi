@@ -1,4 +1,4 @@
-from typing import Any
+from typing import Any, Callable, Optional
 
 import numpy as np
 import numpy.typing as npt
@@ -28,3 +28,54 @@ class DrawingModel:
     def walk(
         self,
     ) -> tuple[npt.NDArray[np.float64], list[tuple[int, int, bool]]]: ...
+
+def read_scan(
+    data: ReadableBuffer,
+    intensity: str,
+    shift: Optional[tuple[float, ...]],
+    automatic_shift: bool,
+    progress: Optional[Callable[[float], Any]],
+) -> tuple[
+    Optional[tuple[str, int]],
+    npt.NDArray[np.uint8],
+    list[tuple[str, int, int]],
+    int,
+    dict[str, Any],
+]: ...
+def write_points(
+    records: npt.NDArray[np.uint8],
+    fields: list[tuple[str, int, int]],
+    record_size: int,
+    format: str,
+    digits: Optional[int],
+    width: int,
+    height: int,
+    comments: list[str],
+) -> bytes: ...
+def read_path(
+    data: ReadableBuffer,
+    options: dict[str, Any],
+    progress: Optional[Callable[[float], Any]],
+) -> tuple[Optional[tuple[str, int]], PathModel]: ...
+
+class PathModel:
+    def points(self) -> npt.NDArray[np.float64]: ...
+    def contours(
+        self,
+    ) -> list[
+        tuple[
+            tuple[int, int],
+            tuple[int, int],
+            tuple[int, int],
+            float,
+            int,
+            bool,
+            int,
+            Optional[int],
+        ]
+    ]: ...
+    def entity(self, index: int) -> tuple[str, int, int, int]: ...
+    def piece(self, index: int) -> tuple[str, int, int, int, dict[str, Any]]: ...
+    def layers(self) -> list[tuple[str, int, bool, bool]]: ...
+    def left_out(self) -> list[tuple[str, str, int, str]]: ...
+    def summary(self) -> dict[str, Any]: ...

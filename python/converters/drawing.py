@@ -4,13 +4,18 @@ import os
 from dataclasses import dataclass
 from functools import cached_property
 from pathlib import Path
-from typing import Any, Callable, ClassVar, Union
+from typing import TYPE_CHECKING, Any, Callable, ClassVar, Iterator, Optional, Sequence, Union
 
 import numpy as np
 import numpy.typing as npt
 
 from converters import _native
 from converters._buffers import ReadableBuffer, contiguous
+from converters._sources import Progress, Source, bytes_of
+from converters.path import DrawingPath, LeftOut, path_of
+
+if TYPE_CHECKING:
+    from matplotlib.axes import Axes
 
 Coordinates = tuple[float, float, float]
 Array = npt.NDArray[np.float64]
@@ -32,6 +37,11 @@ class Layer:
     line_type: str
     width: int
     """Line weight."""
+
+    @property
+    def off(self) -> bool:
+        """Whether the layer is switched off."""
+        return self.colour < 0
 
 
 @dataclass(frozen=True, eq=False)
@@ -189,9 +199,10 @@ class Drawing:
            [0., 1., 3.]])
     """
 
-    def __init__(self, model: _native.DrawingModel) -> None:
-        """Not for callers: use :meth:`load` or :meth:`from_bytes`."""
-        self._model = model
+    def __init__(self, data: ReadableBuffer) -> None:
+        """Not for callers: use :func:`converters.read_drawing`."""
+        # A copy, so that what the caller does with the buffer does not matter.
+        self._data = bytes(data)
 
     @staticmethod
     def load(path: Union[str, "os.PathLike[str]"]) -> "Drawing":
@@ -206,16 +217,115 @@ class Drawing:
     def from_bytes(data: ReadableBuffer) -> "Drawing":
         """Reads the bytes of a DXF file, which may lie in any buffer.
 
-        Text that is not DXF counts as a drawing without entities.
+        Text that is not DXF counts as a drawing without entities; :func:`converters.read_drawing`
+        refuses it.
 
         :raises ValueError: when there are no data at all
         """
-        return Drawing(_native.DrawingModel.from_bytes(contiguous(data)))
+        drawing = Drawing(contiguous(data))
+        drawing._model  # refuses what it has to
+        return drawing
+
+    @cached_property
+    def _model(self) -> _native.DrawingModel:
+        return _native.DrawingModel.from_bytes(self._data)
+
+    @cached_property
+    def _default_path(self) -> DrawingPath:
+        return self.path()
 
     def __repr__(self) -> str:
         return f"Drawing({_count(self.entities, 'entity', 'entities')}, " + (
             f"{_count(self.layers, 'layer', 'layers')})"
         )
+
+    def __len__(self) -> int:
+        return len(self.entities)
+
+    def __iter__(self) -> Iterator[Entity]:
+        return iter(self.entities)
+
+    def __bool__(self) -> bool:
+        return True
+
+    def path(
+        self,
+        *,
+        tolerance: Optional[float] = None,
+        step: Optional[float] = None,
+        join: Optional[float] = None,
+        unit: Optional[str] = None,
+        scale: float = 1.0,
+        layers: Union[None, str, Sequence[str]] = None,
+        except_layers: Union[None, str, Sequence[str]] = None,
+        hidden: bool = False,
+        paper_space: bool = False,
+        axes: str = "drawing",
+        order: str = "drawn",
+        maximum_points: Optional[int] = None,
+        progress: Optional[Progress] = None,
+    ) -> DrawingPath:
+        """The true geometry of the drawing, blocks included, as contours to follow with a tool.
+
+        Lengths are in units of the result.
+
+        :param tolerance: the most that a chord may leave its curve; by default 0.01 mm, or 0.01
+            where no unit is known
+        :param step: the most between neighbouring points, of straight lines, too
+        :param join: ends nearer than this are joined; by default 0.001 units of the drawing
+        :param unit: of the result, such as "mm"; by default that of the drawing
+        :param scale: multiplies coordinates, after units
+        :param layers: names of the layers to take; * and ? stand for others
+        :param except_layers: names of layers to leave out
+        :param hidden: takes what is invisible, and layers that are off or frozen
+        :param paper_space: takes paper space, too
+        :param axes: "drawing" for (x, y, z), "plain" for (x, 0, y)
+        :param order: "drawn", "nearest" for short ways between contours, or "inside-first"
+        :param maximum_points: more are refused before memory is asked for
+        :param progress: called with the part that is done, 0 to 1, or a bar as of tqdm
+        :raises converters.ReadError: with the reason
+        """
+        return path_of(
+            self._data,
+            tolerance=tolerance,
+            step=step,
+            join=join,
+            unit=unit,
+            scale=scale,
+            layers=layers,
+            except_layers=except_layers,
+            hidden=hidden,
+            paper_space=paper_space,
+            axes=axes,
+            order=order,
+            maximum_points=maximum_points,
+            progress=progress,
+        )
+
+    @property
+    def left_out(self) -> tuple[LeftOut, ...]:
+        """What the drawing holds and its path does not."""
+        return self._default_path.left_out
+
+    @property
+    def unit(self) -> str:
+        """The unit of the drawing: "mm"; empty where it names none."""
+        return self._default_path.drawing_unit
+
+    def walk(self) -> Array:
+        """The walk by the rules of :func:`converters.from_dxf`, an array of shape (N, 3)."""
+        return self.points()
+
+    def save(self, path: Union[str, "os.PathLike[str]"]) -> None:
+        """Writes the drawing to a file, as it was read."""
+        Path(path).write_bytes(self._data)
+
+    def plot(self, ax: Optional["Axes"] = None) -> "Axes":
+        """Draws the path with matplotlib, as :meth:`converters.DrawingPath.plot` does."""
+        return self._default_path.plot(ax)
+
+    def _repr_svg_(self) -> str:
+        return self._default_path._repr_svg_()
 
     @cached_property
     def layers(self) -> tuple[Layer, ...]:
@@ -225,7 +335,7 @@ class Drawing:
     @cached_property
     def entities(self) -> tuple[Entity, ...]:
         """The entities that walks follow, in the order of the file. Entities of other kinds, and
-        those inside blocks, are not read."""
+        those inside blocks, are not among them; :meth:`path` follows these, too."""
         return tuple(_entity(*row) for row in self._model.entities())
 
     def points(self) -> Array:
@@ -244,6 +354,28 @@ class Drawing:
         """
         points, spans = self._model.walk()
         return [Contour(points[begin:end], closed) for begin, end, closed in spans]
+
+
+def read_drawing(source: Source, *, progress: Optional[Progress] = None) -> Drawing:
+    r"""Reads a DXF file of any program, text or binary.
+
+    >>> lines = "0 SECTION 2 ENTITIES 0 LINE 8 cut 10 0 20 0 11 3 21 4 0 ENDSEC 0 EOF"
+    >>> drawing = read_drawing(lines.replace(" ", "\n").encode() + b"\n")
+    >>> drawing.path()
+    DrawingPath(1 contour, 2 points)
+    >>> drawing.path(step=1).length
+    5.0
+
+    What is no drawing is refused with the reason.
+
+    :param source: a path, the bytes of a file in any buffer, or an open file
+    :param progress: as for :meth:`Drawing.path`
+    :raises converters.ReadError: with the reason
+    :raises OSError: when a file cannot be opened or read
+    """
+    drawing = Drawing(bytes_of(source))
+    drawing.__dict__["_default_path"] = drawing.path(progress=progress)
+    return drawing
 
 
 #: The classes of the library's type codes.

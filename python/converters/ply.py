@@ -125,8 +125,9 @@ def from_ply(data: ReadableBuffer) -> PlyCloud:
     >>> from_ply(b"ply")
     PlyCloud(0 points, width=0, height=0, empty_scene=True)
 
-    The Point Cloud Library, which fills in the numbers, prints a line on standard error for each of
-    x, y, z and intensity that the file lacks.
+    The Point Cloud Library, which says where the numbers go, prints a line on standard error for each
+    of x, y, z and intensity that the file lacks. Such a one is 0, unless another property stands in
+    its place: of ``float x``, ``float foo`` and ``float z`` the cloud has foo as y.
 
     :param data: bytes, bytearray, memoryview, mmap, array of bytes or any other buffer
     :raises ValueError: with the logged reason when the file is broken, or has what the reader does

@@ -4,6 +4,7 @@
 
 #include <pybind11/pybind11.h>
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -48,6 +49,9 @@ public:
         const auto* begin = static_cast<const Byte*>(m_buffer.buf);
         return std::vector<Byte>(begin, begin + m_buffer.len);
     }
+
+    const void* data() const { return m_buffer.buf; }
+    std::size_t size() const { return static_cast<std::size_t>(m_buffer.len); }
 
 private:
     Py_buffer m_buffer;

@@ -3,6 +3,7 @@
 #include "python/native/Conversion.h"
 #include "python/native/DrawingModel.h"
 #include "python/native/Memory.h"
+#include "python/native/Reading.h"
 
 #include <opencv2/core/types.hpp>
 #include <pybind11/pybind11.h>
@@ -175,6 +176,7 @@ PYBIND11_MODULE(_native, module) {
     module.def("from_ply", fromPly, py::arg("data"));
     module.def("to_dxf", toDxf, py::arg("x"), py::arg("y"), py::arg("z"));
     module.def("from_dxf", fromDxf, py::arg("data"));
+    addReaders(module);
 
     // Local to this module: another copy of it in the same process has its own.
     py::class_<DrawingModel>(module, "DrawingModel", py::module_local())

@@ -67,9 +67,20 @@ def test_callers_are_checked(tmp_path):
 def test_stubs_name_what_the_module_has():
     names = {name for name in dir(_native) if not name.startswith("__")}
     stub = (PACKAGE / "_native.pyi").read_text()
-    assert names == {"DrawingModel", "from_dxf", "from_ply", "to_dxf", "to_ply"}
+    assert names == {
+        "DrawingModel",
+        "PathModel",
+        "from_dxf",
+        "from_ply",
+        "read_path",
+        "read_scan",
+        "to_dxf",
+        "to_ply",
+        "write_points",
+    }
     methods = {name for name in dir(_native.DrawingModel) if not name.startswith("_")}
-    for name in names - {"DrawingModel"} | methods:
+    methods |= {name for name in dir(_native.PathModel) if not name.startswith("_")}
+    for name in names - {"DrawingModel", "PathModel"} | methods:
         assert f"def {name}(" in stub
     assert stub.count("def ") == len(names) - 1 + len(methods)
 

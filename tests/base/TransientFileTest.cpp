@@ -39,12 +39,13 @@ TEST_F(TransientFileTest, IsForItsOwnerAlone) {
     EXPECT_EQ(status.st_mode & 0077U, 0U);
 }
 
-TEST_F(TransientFileTest, OpenPathLeadsToTheFileWhateverIsPutInItsPlace) {
+TEST_F(TransientFileTest, IsWrittenAndReadWhateverIsPutInItsPlace) {
     m_file = std::make_unique<TransientFile>(m_path);
     writeContent(m_directory.file("victim"), "precious");
     std::filesystem::rename(m_path, m_directory.file("moved"));
     std::filesystem::create_symlink(m_directory.file("victim"), m_path);
-    writeContent(m_file->openPath(), "text");
+    ASSERT_EQ(write(m_file->descriptor(), "text", 4), 4);
+    EXPECT_EQ(contentOf(m_file->openPath()), "text");
     EXPECT_EQ(contentOf(m_directory.file("victim")), "precious");
     EXPECT_EQ(contentOf(m_directory.file("moved")), "text");
 }

@@ -1,9 +1,8 @@
 // What cloudconv preview draws, without the drawing: axes, scale, colours, paths, labels, scenes.
 
-#include "dxfeditor/DXFDocument.h"
-#include "dxfeditor/DXFLine.h"
-#include "dxfeditor/DXFPointVector.h"
+#include "converters/DrawingPath.h"
 #include "tests/support/PlyClouds.h"
+#include "tests/support/SimpleDrawing.h"
 #include "tools/cloudconv/Wording.h"
 #include "tools/cloudconv/preview/CloudScene.h"
 #include "tools/cloudconv/preview/DrawingScene.h"
@@ -331,23 +330,22 @@ constexpr float nanf = std::numeric_limits<float>::quiet_NaN();
 constexpr float inff = std::numeric_limits<float>::infinity();
 
 TEST(CloudScene, LeavesOutPointsWithoutAPlaceAndValuesThatAreNone) {
-    PlyContents contents;
+    PreviewScan contents;
     contents.cloud.push_back(point(1, 2, 3, 4));
     contents.cloud.push_back(point(nanf, 2, 3, 400));
     contents.cloud.push_back(point(1, 2, inff, 400));
     contents.cloud.push_back(point(-5, 7, 9, nanf));
     contents.cloud.push_back(point(0, 0, 0, -2));
-    const CloudScene scene(contents);
+    const CloudScene scene(contents, CloudView::Top, CloudColour::Intensity);
     EXPECT_EQ(scene.pointsWithoutPlace(), 2U);
     EXPECT_EQ(scene.bounds().x.low, -5);
     EXPECT_EQ(scene.bounds().y.high, 7);
     EXPECT_EQ(scene.values().low, -2);
     EXPECT_EQ(scene.values().high, 4);
-    contents.hasIntensity = false;
-    const CloudScene byHeight(contents);
-    EXPECT_TRUE(byHeight.isColouredByHeight());
+    const CloudScene byHeight(contents, CloudView::Top, CloudColour::Height);
     EXPECT_EQ(byHeight.values().high, 9);
-    EXPECT_TRUE(CloudScene(PlyContents()).bounds().isEmpty());
+    const PreviewScan none;
+    EXPECT_TRUE(CloudScene(none, CloudView::Top, CloudColour::Height).bounds().isEmpty());
 }
 
 std::uint32_t cellAt(const Image& image, const PlotScale& scale, const Place& place) {
@@ -360,13 +358,13 @@ std::uint32_t cellAt(const Image& image, const PlotScale& scale, const Place& pl
 }
 
 TEST(CloudScene, ShowsTheHighestPointOfEachPlace) {
-    PlyContents contents;
+    PreviewScan contents;
     for (const float height : {1.0F, 3.0F, 2.0F}) {
         contents.cloud.push_back(point(0, 0, height, height));
     }
     contents.cloud.push_back(point(10, 5, -9, 1));
     contents.cloud.push_back(point(10, 0, -9, nanf));
-    const CloudScene scene(contents);
+    const CloudScene scene(contents, CloudView::Top, CloudColour::Intensity);
     for (const unsigned fineness : {1U, 3U}) {
         const PlotScale scale(scene.bounds(), frame, 20);
         const Image image = scene.view(scale, fineness);
@@ -380,11 +378,11 @@ TEST(CloudScene, ShowsTheHighestPointOfEachPlace) {
 }
 
 TEST(CloudScene, ShowsEveryPointOfAThinCloud) {
-    PlyContents contents;
+    PreviewScan contents;
     for (int i = 0; i < 1000; ++i) {
         contents.cloud.push_back(point(static_cast<float>(i), static_cast<float>(i % 7), 0, 1));
     }
-    const CloudScene scene(contents);
+    const CloudScene scene(contents, CloudView::Top, CloudColour::Intensity);
     const PlotScale scale(scene.bounds(), frame, 2);
     const Image image = scene.view(scale, 1);
     for (const pcl::PointXYZI& point : contents.cloud) {
@@ -393,32 +391,24 @@ TEST(CloudScene, ShowsEveryPointOfAThinCloud) {
     }
 }
 
-DxfContents contentsOf(const std::vector<std::shared_ptr<DXFEntity>>& entities) {
-    DxfContents contents;
-    contents.document = std::make_shared<DXFDocument>();
-    for (const std::shared_ptr<DXFEntity>& entity : entities) {
-        contents.document->addEntity(entity);
-    }
-    contents.document->setup();
-    contents.points = contents.document->getPoints(contents.contours);
-    return contents;
-}
-
-std::shared_ptr<DXFEntity> lineOf(double x1, double y1, double x2, double y2) {
-    return std::make_shared<DXFLine>(cv::Point3_<double>(x1, y1, 0),
-                                     cv::Point3_<double>(x2, y2, 0));
+converters::DrawingPath pathOf(const Groups& entities) {
+    const std::string text = drawing(entities);
+    converters::DrawingPath path;
+    EXPECT_TRUE(converters::readPath(text.data(), text.size(), path));
+    return path;
 }
 
 TEST(DrawingScene, HasTheContoursInThePlaneOfTheDrawing) {
-    const DrawingScene scene = sceneOf(contentsOf({lineOf(0, 0, 1, 0), lineOf(1, 0, 1, 1),
-                                                   lineOf(1, 1, 0, 0), lineOf(5, 5, 6, 7)}),
-                                       0.1);
+    const DrawingScene scene = sceneOf(
+        pathOf(line(0, 0, 1, 0) + line(1, 0, 1, 1) + line(1, 1, 0, 0) + line(5, 5, 6, 7)), 0.1);
     ASSERT_EQ(scene.contours.size(), 2U);
+    EXPECT_EQ(scene.contours[0].kind, ContourKind::Closed);
+    EXPECT_EQ(scene.contours[1].kind, ContourKind::Open);
     EXPECT_EQ(scene.bounds.x.high, 6);
     EXPECT_EQ(scene.bounds.y.high, 7);
-    EXPECT_TRUE(scene.hasLines);
     EXPECT_TRUE(scene.gaps.empty());
     EXPECT_EQ(scene.pointsWithoutPlace, 0U);
+    EXPECT_THAT(scene.layers, ElementsAre("0"));
     std::size_t points = 0;
     for (const DrawnContour& contour : scene.contours) {
         points += contour.places.size();
@@ -427,42 +417,36 @@ TEST(DrawingScene, HasTheContoursInThePlaneOfTheDrawing) {
 }
 
 TEST(DrawingScene, HasPointsAtTheirXAndY) {
-    using Points = std::vector<cv::Point3_<double>>;
-    const auto vector = std::make_shared<DXFPointVector>(Points{{1, 2, 3}, {4, 5, 6}});
-    const auto single = std::make_shared<DXFPointVector>(Points{{-7, -8, 9}});
-    const DrawingScene scene = sceneOf(contentsOf({vector, lineOf(20, 30, 20, 40), single}), 0.1);
+    const DrawingScene scene =
+        sceneOf(pathOf(pointAt(1, 2, 3) + line(20, 30, 20, 40) + pointAt(-7, -8, 9)), 0.1);
+    EXPECT_EQ(scene.contours[0].kind, ContourKind::Points);
     EXPECT_EQ(scene.bounds.x.low, -7);
     EXPECT_EQ(scene.bounds.y.low, -8);
     EXPECT_EQ(scene.bounds.x.high, 20);
     EXPECT_EQ(scene.bounds.y.high, 40);
-    EXPECT_TRUE(scene.hasLines);
-    EXPECT_FALSE(sceneOf(contentsOf({single}), 0.1).hasLines);
-    EXPECT_TRUE(sceneOf(contentsOf({lineOf(0, 3, 0.01, 3)}), 0.1).hasLines);
-    EXPECT_EQ(sceneOf(contentsOf({lineOf(0, 3, 0.01, 3)}), 0.1).bounds.y.high, 3);
 }
 
 TEST(DrawingScene, CountsPointsThatCannotBeShown) {
-    using Points = std::vector<cv::Point3_<double>>;
-    const DrawingScene scene =
-        sceneOf(contentsOf({std::make_shared<DXFPointVector>(
-                    Points{{1, 2, 3}, {nan, 5, 6}, {1, infinity, 6}, {1e301, 0, 0}})}),
-                0.1);
-    EXPECT_EQ(scene.pointsWithoutPlace, 3U);
-    EXPECT_EQ(scene.points, 4U);
+    converters::DrawingPath path = pathOf(pointAt(1, 2, 3) + pointAt(4, 5, 6) + pointAt(7, 8, 9));
+    path.points[1].x = nan;
+    path.points[2].y = infinity;
+    const DrawingScene scene = sceneOf(path, 0.1);
+    EXPECT_EQ(scene.pointsWithoutPlace, 2U);
+    EXPECT_EQ(scene.points, 3U);
     EXPECT_EQ(scene.bounds.x.high, 1);
 }
 
 TEST(DrawingScene, HasTheGapsUpToADistance) {
-    const DxfContents drawing =
-        contentsOf({lineOf(0, 0, 10, 0), lineOf(10, 0, 10, 10), lineOf(10, 10, 0, 0.002)});
-    const DrawingScene scene = sceneOf(drawing, 0.1);
+    const converters::DrawingPath path =
+        pathOf(line(0, 0, 10, 0) + line(10, 0, 10, 10) + line(10, 10, 0, 0.002));
+    const DrawingScene scene = sceneOf(path, 0.1);
     ASSERT_EQ(scene.gaps.size(), 1U);
     EXPECT_NEAR(scene.gaps[0].distance, 0.002, 1e-9);
     EXPECT_NEAR(scene.gaps[0].first.y + scene.gaps[0].second.y, 0.002, 1e-12);
     ASSERT_EQ(scene.contours.size(), 1U);
     EXPECT_EQ(scene.contours[0].kind, ContourKind::Open);
     EXPECT_NEAR(scene.contours[0].gap, 0.002, 1e-9);
-    EXPECT_TRUE(sceneOf(drawing, 0.0015).gaps.empty());
+    EXPECT_TRUE(sceneOf(path, 0.0015).gaps.empty());
 }
 
 } // namespace

@@ -317,6 +317,42 @@ TEST_F(ToDxf, FileThatCannotBeReadBackGivesFalseAndIsKept) {
     EXPECT_EQ(status, 0);
 }
 
+TEST_F(ToDxf, UmaskThatTakesTheOwnersWritePermissionAwayDoesNoHarm) {
+    const std::string expected = dxflibDrawing({{1.0, 2.0, 3.0}});
+    const int status = inChildProcess([&] {
+        if (!mountOwnDirectory("mode=777") || setuid(nobody) != 0) {
+            return notPermitted;
+        }
+        umask(0222);
+        const bool result = converters::toDxf(Points{{1.0, 2.0, 3.0}}, m_out);
+        const bool isLeft = !std::filesystem::is_empty(converters::tmpDxfPath);
+        return (result ? 0 : 1) + (textOf(m_out) == expected ? 0 : 2) + (isLeft ? 4 : 0);
+    });
+    if (status == notPermitted) {
+        GTEST_SKIP() << "no permission to mount a file system and to become another user";
+    }
+    EXPECT_EQ(status, 0);
+}
+
+TEST_F(ToDxf, MessageNamesThePathWhenTheProcessMayOpenNoFurtherFile) {
+    for (const rlim_t further : {0U, 1U}) {
+        const int status = inChildProcess([&] {
+            const int next = dup(0);
+            close(next);
+            const rlimit limits = {static_cast<rlim_t>(next) + further,
+                                   static_cast<rlim_t>(next) + further};
+            setrlimit(RLIMIT_NOFILE, &limits);
+            const CapturedLog log;
+            const bool result = converters::toDxf(Points{{1.0, 2.0, 3.0}}, m_out);
+            const bool isReported =
+                log.messages() == std::vector<LogMessage>{cannotOpenTransientFile()};
+            return (result ? 1 : 0) + (m_out.empty() ? 0 : 2) + (isReported ? 0 : 4) +
+                   (std::filesystem::exists(transientFile()) ? 8 : 0);
+        });
+        EXPECT_EQ(status, 0) << further;
+    }
+}
+
 TEST_F(ToDxf, LeftOverThatCannotBeRemovedGivesFalseAndIsNotFollowed) {
     const int status = inChildProcess([&] {
         // In a sticky directory users cannot remove each other's files.

@@ -111,11 +111,12 @@ std::string dxf(const std::vector<std::string>& lines) {
 
 void CallbackRecorder::record(const std::string& name, const std::vector<double>& numbers) {
     const DL_Attributes a = getAttributes();
-    calls.push_back(name + text(numbers) + " {" + a.getLayer() + ' ' +
-                    std::to_string(a.getColor()) + ' ' + std::to_string(a.getColor24()) + ' ' +
-                    std::to_string(a.getWidth()) + ' ' + a.getLinetype() + ' ' +
-                    text(a.getLinetypeScale()) + ' ' + std::to_string(a.getHandle()) +
-                    (a.isInPaperSpace() ? " paper}" : "}"));
+    const double* const direction = getExtrusion()->getDirection();
+    calls.push_back(
+        name + text(numbers) + " {" + a.getLayer() + ' ' + std::to_string(a.getColor()) + ' ' +
+        std::to_string(a.getColor24()) + ' ' + std::to_string(a.getWidth()) + ' ' +
+        a.getLinetype() + ' ' + text(a.getLinetypeScale()) + ' ' + std::to_string(a.getHandle()) +
+        (a.isInPaperSpace() ? " paper}" : "}") + text({direction[0], direction[1], direction[2]}));
 }
 
 void CallbackRecorder::addLayer(const DL_LayerData& data) {
@@ -155,7 +156,7 @@ void CallbackRecorder::addArc(const DL_ArcData& data) {
 void CallbackRecorder::addPolyline(const DL_PolylineData& data) {
     // Not the number of vertices: for a POLYLINE dxflib reports what an earlier entity left there.
     record("polyline", {static_cast<double>(data.m), static_cast<double>(data.n),
-                        static_cast<double>(data.flags)});
+                        static_cast<double>(data.flags), data.elevation});
 }
 
 void CallbackRecorder::addVertex(const DL_VertexData& data) {
@@ -163,6 +164,7 @@ void CallbackRecorder::addVertex(const DL_VertexData& data) {
 }
 
 void CallbackRecorder::addSpline(const DL_SplineData& data) {
+    // Not the tangents: for a blank dxflib reports a number that was never set.
     record("spline", {static_cast<double>(data.degree), static_cast<double>(data.nKnots),
                       static_cast<double>(data.nControl), static_cast<double>(data.nFit),
                       static_cast<double>(data.flags)});

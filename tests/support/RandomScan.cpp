@@ -85,9 +85,10 @@ double anyNumber(Random& random, ScalarType type) {
     case ScalarType::uint64:
         return anyInteger<std::uint64_t>(random);
     case ScalarType::float32: {
-        const auto value = random.oneIn(3)
-                               ? ofBits<float>(random())
-                               : static_cast<float>(random.below(2000000) / 1000.0 - 1000);
+        const auto value =
+            random.oneIn(3)
+                ? ofBits<float>(random())
+                : static_cast<float>(static_cast<double>(random.below(2000000)) / 1000.0 - 1000);
         return std::isnan(value) ? std::nan("") : static_cast<double>(value);
     }
     default: {

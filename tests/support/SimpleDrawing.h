@@ -37,3 +37,9 @@ inline std::string drawing(const Groups& entities) {
     return dxf(Groups{"0", "SECTION", "2", "ENTITIES"} + entities + Groups{"0", "ENDSEC"} +
                Groups{"0", "EOF"});
 }
+
+/// The same of a drawing that says that its unit is a millimetre.
+inline std::string inMillimetres(const Groups& entities) {
+    return dxf({"0", "SECTION", "2", "HEADER", "9", "$INSUNITS", "70", "4", "0", "ENDSEC"}) +
+           drawing(entities);
+}

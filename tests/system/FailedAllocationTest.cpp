@@ -447,6 +447,23 @@ struct DocumentBuilt {
     }
 };
 
+/// Deleting succeeds without memory.
+struct EntityDeleted {
+    DXFDocument document;
+    std::shared_ptr<DXFEntity> a = std::make_shared<DXFPoint>(1.0, 2.0, 3.0);
+    std::shared_ptr<DXFEntity> b = std::make_shared<DXFPoint>(1.0, 2.0, 3.0);
+    EntityDeleted() {
+        for (const auto& entity : {a, b, std::shared_ptr<DXFEntity>(), a, b}) {
+            document.addEntity(entity);
+        }
+    }
+    bool call() { return document.deleteEntity(a); }
+    bool isComplete() const {
+        return document.entities() == std::list<std::shared_ptr<DXFEntity>>{b, nullptr, b};
+    }
+    bool isAfterFailure() const { return false; }
+};
+
 struct Entities {
     std::vector<std::unique_ptr<DXFEntity>> clones;
     bool call() {
@@ -582,6 +599,10 @@ TEST(FailedAllocation, OfDocumentLoadGivesNoDocument) {
 
 TEST(FailedAllocation, LeavesADocumentConsistent) {
     failEachAllocation<DocumentBuilt>();
+}
+
+TEST(FailedAllocation, OfDeletingAnEntityDeletesIt) {
+    failEachAllocation<EntityDeleted>();
 }
 
 TEST(FailedAllocation, OfEntities) {

@@ -102,19 +102,6 @@ double distanceOf(const cv::Point3_<double>& a, const cv::Point3_<double>& b) {
     return std::hypot(a.x - b.x, a.y - b.y, a.z - b.z);
 }
 
-const char* nameOf(ContourKind kind) {
-    switch (kind) {
-    case ContourKind::Open:
-        return "open";
-    case ContourKind::Closed:
-        return "closed";
-    case ContourKind::Circle:
-        return "circle";
-    default:
-        return "points";
-    }
-}
-
 std::vector<Contour> contoursOf(const DxfContents& drawing) {
     const Classification classification(drawing);
     std::vector<Contour> contours;

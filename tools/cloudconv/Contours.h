@@ -1,23 +1,12 @@
 #pragma once
 
+#include "tools/cloudconv/ContourKind.h"
 #include "tools/cloudconv/DxfFile.h"
 
 #include <opencv2/core/types.hpp>
 
 #include <cstddef>
 #include <vector>
-
-/// What a joined stretch of a drawing's walk is.
-enum class ContourKind {
-    /// Two ends apart from each other.
-    Open,
-    /// Returns to its start.
-    Closed,
-    /// A circle by itself, whose walk stops a step short of its start.
-    Circle,
-    /// Points of the drawing, or a line too short to have a direction.
-    Points,
-};
 
 /// A stretch of the walk: the points from `begin` up to, not including, `end`.
 struct Contour {
@@ -36,9 +25,6 @@ bool hasPlace(const cv::Point3_<double>& point);
 
 /// How far apart two points of the walk are.
 double distanceOf(const cv::Point3_<double>& a, const cv::Point3_<double>& b);
-
-/// The name of a kind: "open", "closed", "circle", "points".
-const char* nameOf(ContourKind kind);
 
 /// The contours of a drawing, in the order of its walk.
 std::vector<Contour> contoursOf(const DxfContents& drawing);

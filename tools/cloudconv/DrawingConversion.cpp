@@ -3,6 +3,7 @@
 #include "converters/ScanWriter.h"
 #include "tools/cloudconv/FileError.h"
 #include "tools/cloudconv/InputFile.h"
+#include "tools/cloudconv/LeftOutText.h"
 #include "tools/cloudconv/Notes.h"
 #include "tools/cloudconv/OutputFile.h"
 #include "tools/cloudconv/PathFile.h"
@@ -97,8 +98,8 @@ void tell(const DrawingPath& path, const ConvertOptions& options, FileFormat to,
     for (const std::string& note : path.notes) {
         notes.add(note);
     }
-    if (const std::string left = leftOutText(path); !left.empty()) {
-        notes.add(left);
+    if (const std::string leftOut = leftOutText(path.leftOut); !leftOut.empty()) {
+        notes.add("left out: " + leftOut);
     }
     if (to == FileFormat::Ply) {
         tellWhatRoundingCosts(path, notes);
@@ -146,7 +147,7 @@ void convertDrawing(const ConvertOptions& options, FileFormat to) {
     const DrawingPath path =
         readPathFile(name, readInputFile(options.input, progress), options.path, progress);
     if (path.contours.empty() && !path.leftOut.empty()) {
-        throw FileError(name, "nothing is left to follow: " + leftOutText(path));
+        throw FileError(name, "nothing is left to follow; left out: " + leftOutText(path.leftOut));
     }
     progress.begin("writing " + outputName(options.output));
     write(path, options, to);

@@ -1,7 +1,9 @@
 #include "tools/cloudconv/InfoCommand.h"
 
-#include "tools/cloudconv/Info.h"
+#include "tools/cloudconv/PathArguments.h"
 #include "tools/cloudconv/StandardOutput.h"
+#include "tools/cloudconv/info/Info.h"
+#include "tools/cloudconv/info/InfoText.h"
 
 #include <nlohmann/json.hpp>
 
@@ -9,20 +11,16 @@
 
 namespace {
 
-struct InfoOptions {
-    std::string input;
-    std::optional<FileFormat> from;
-    bool json = false;
-    bool quiet = false;
-};
-
 constexpr char footer[] =
-    R"(Of a scan: its encoding, size, fields and what becomes of each, whether it is
-organised, bounds, points without a place (nan), and why it is refused if it is.
+    R"(Of a scan: its encoding, size, elements, properties and what becomes of each,
+whether it is organised, bounds, intensities, points without a place (nan), and
+why it is refused if it is. Scans of any size are described in constant memory.
 
-Of a drawing: layers, entities by kind, those too that are passed over, the
-contours of its walk with their lengths, its points, and its bounds in the
-drawing and in the cloud.
+Of a drawing: its unit, layers (off or frozen ones, too), what its path holds by
+kind of entity and contour by contour, lengths, bounds with heights, and what is
+left out and why. Options of the path apply.
+
+With --plain both as the library's fromPly and fromDxf read them.
 
 Examples:
   cloudconv info scan.ply
@@ -30,8 +28,7 @@ Examples:
 
 ExitStatus info(const InfoOptions& options) {
     constexpr int indent = 2;
-    const nlohmann::ordered_json description =
-        describeFile(options.input, options.from, options.quiet);
+    const nlohmann::ordered_json description = describeFile(options);
     // Names in old drawings are not UTF-8.
     printToStandardOutput(options.json
                               ? description.dump(indent, ' ', false,
@@ -50,8 +47,11 @@ void addInfoCommand(CLI::App& app, Command& chosen) {
     command.add_option("FILE", options->input, "file to describe; - is standard input")->required();
     command.add_flag("--json", options->json, "as JSON, in full")->disable_flag_override();
     addInputFormatOption(command, options->from);
+    addPathOptions(command, options->path);
+    addPlainFlag(command, options->plain);
     addQuietFlag(command, options->quiet);
-    command.callback([options, &chosen] {
+    command.callback([options, &command, &chosen] {
+        options->pathOption = givenPathOption(command);
         chosen.input = options->input;
         chosen.run = [options] { return info(*options); };
     });

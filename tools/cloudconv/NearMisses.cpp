@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cmath>
 #include <iterator>
+#include <limits>
 #include <set>
 #include <tuple>
 #include <utility>
@@ -22,48 +23,64 @@ using Tree = geometry::index::rtree<End, geometry::index::rstar<16>>;
 
 constexpr std::size_t none = static_cast<std::size_t>(-1);
 
-/// A cell so small that all in it are within the joining distance: of the ends in it, one stands
-/// for all. Without that, a thousand lines from one place would be compared each with each.
-std::tuple<double, double, double> cellOf(const Point& point) {
-    constexpr double side = joiningDistance / 2;
-    return {std::floor(point.x / side), std::floor(point.y / side), std::floor(point.z / side)};
-}
+/// An end of a contour.
+struct ContourEnd {
+    Point place;
+    std::size_t contour;
+    /// Of the contour.
+    double length;
+};
 
-std::vector<Point> endsOf(const DxfContents& drawing, const std::vector<Contour>& contours) {
-    std::vector<Point> ends;
-    std::set<std::tuple<double, double, double>> seen;
-    for (const Contour& contour : contours) {
-        if (contour.kind != ContourKind::Open) {
-            continue;
-        }
-        for (const std::size_t i : {contour.begin, contour.end - 1}) {
-            const Point& end = drawing.points[i];
-            if (hasPlace(end) && seen.insert(cellOf(end)).second) {
-                ends.push_back(end);
-            }
+/// Ends of contours, those that are joined to an earlier one but once.
+class Ends {
+public:
+    explicit Ends(double joining) : m_side(joining / 2) {}
+
+    void add(const ContourEnd& end) {
+        if (hasPlace(end.place) && m_seen.insert(cellOf(end.place)).second) {
+            m_ends.push_back(end);
         }
     }
-    return ends;
-}
+    const std::vector<ContourEnd>& all() const { return m_ends; }
 
-Tree treeOf(const std::vector<Point>& ends) {
+private:
+    /// A cell so small that all in it are within the joining distance: of the ends in it, one
+    /// stands for all. Without that, a thousand lines from one place would be compared each with
+    /// each.
+    std::tuple<double, double, double> cellOf(const Point& point) const {
+        return {std::floor(point.x / m_side), std::floor(point.y / m_side),
+                std::floor(point.z / m_side)};
+    }
+
+    double m_side;
+    std::vector<ContourEnd> m_ends;
+    std::set<std::tuple<double, double, double>> m_seen;
+};
+
+Tree treeOf(const std::vector<ContourEnd>& ends) {
     std::vector<End> entries;
     entries.reserve(ends.size());
-    for (const Point& end : ends) {
-        entries.emplace_back(Place(end.x, end.y, end.z), entries.size());
+    for (const ContourEnd& end : ends) {
+        entries.emplace_back(Place(end.place.x, end.place.y, end.place.z), entries.size());
     }
     return Tree(entries);
+}
+
+/// Whether two ends are those of a contour that hardly does more than to lead from one to the
+/// other: a short line has no gap between its ends.
+bool areOfShortContour(const ContourEnd& a, const ContourEnd& b, double distance) {
+    return a.contour == b.contour && a.length <= 2.0 * distance;
 }
 
 /// The end nearest to end `i` that is not joined to it; none when it is too far.
 ///
 /// Few others are joined to it, at most one for each cell around: asking for ever more of the
 /// nearest ends soon finds the one behind them.
-std::size_t nearestOf(const std::vector<Point>& ends, const Tree& tree, std::size_t i,
-                      double distance) {
+std::size_t nearestOf(const std::vector<ContourEnd>& ends, const Tree& tree, std::size_t i,
+                      double joining, double distance) {
     constexpr unsigned few = 4;
     constexpr unsigned growth = 8;
-    const Place place(ends[i].x, ends[i].y, ends[i].z);
+    const Place place(ends[i].place.x, ends[i].place.y, ends[i].place.z);
     std::vector<End> nearest;
     for (unsigned count = few; nearest.size() < ends.size(); count *= growth) {
         nearest.clear();
@@ -72,9 +89,10 @@ std::size_t nearestOf(const std::vector<Point>& ends, const Tree& tree, std::siz
         double bestDistance = distance;
         double farthest = 0.0;
         for (const auto& [unused, other] : nearest) {
-            const double found = distanceOf(ends[i], ends[other]);
+            const double found = distanceOf(ends[i].place, ends[other].place);
             farthest = std::max(farthest, found);
-            if (found >= joiningDistance && found <= bestDistance) {
+            if (found >= joining && found <= bestDistance &&
+                !areOfShortContour(ends[i], ends[other], found)) {
                 best = other;
                 bestDistance = found;
             }
@@ -86,15 +104,12 @@ std::size_t nearestOf(const std::vector<Point>& ends, const Tree& tree, std::siz
     return none;
 }
 
-} // namespace
-
-std::vector<NearMiss> nearMissesOf(const DxfContents& drawing, const std::vector<Contour>& contours,
-                                   double distance) {
-    const std::vector<Point> ends = endsOf(drawing, contours);
+std::vector<NearMiss> nearMissesAmong(const std::vector<ContourEnd>& ends, double joining,
+                                      double distance) {
     const Tree tree = treeOf(ends);
     std::set<std::pair<std::size_t, std::size_t>> pairs;
     for (std::size_t i = 0; i < ends.size(); ++i) {
-        const std::size_t other = nearestOf(ends, tree, i, distance);
+        const std::size_t other = nearestOf(ends, tree, i, joining, distance);
         if (other != none) {
             pairs.insert(std::minmax(i, other));
         }
@@ -102,7 +117,37 @@ std::vector<NearMiss> nearMissesOf(const DxfContents& drawing, const std::vector
     std::vector<NearMiss> misses;
     misses.reserve(pairs.size());
     for (const auto& [first, second] : pairs) {
-        misses.push_back({ends[first], ends[second], distanceOf(ends[first], ends[second])});
+        const Point& one = ends[first].place;
+        const Point& other = ends[second].place;
+        misses.push_back({one, other, distanceOf(one, other)});
     }
     return misses;
+}
+
+} // namespace
+
+std::vector<NearMiss> nearMissesOf(const DxfContents& drawing, const std::vector<Contour>& contours,
+                                   double distance) {
+    Ends ends(joiningDistance);
+    for (const Contour& contour : contours) {
+        if (contour.kind == ContourKind::Open) {
+            constexpr double any = std::numeric_limits<double>::infinity();
+            ends.add({drawing.points[contour.begin], contour.begin, any});
+            ends.add({drawing.points[contour.end - 1], contour.begin, any});
+        }
+    }
+    return nearMissesAmong(ends.all(), joiningDistance, distance);
+}
+
+std::vector<NearMiss> nearMissesOf(const converters::DrawingPath& path, double distance,
+                                   double joining) {
+    Ends ends(joining);
+    for (const converters::PathContour& contour : path.contours) {
+        // A point by itself ends nowhere.
+        if (!contour.closed && contour.endPoint - contour.firstPoint > 1) {
+            ends.add({path.points[contour.firstPoint], contour.firstPoint, contour.length});
+            ends.add({path.points[contour.endPoint - 1], contour.firstPoint, contour.length});
+        }
+    }
+    return nearMissesAmong(ends.all(), joining, distance);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "converters/DrawingPath.h"
 #include "tools/cloudconv/Contours.h"
 
 #include <opencv2/core/types.hpp>
@@ -24,3 +25,10 @@ constexpr double defaultNearness = 0.1;
 /// walk.
 std::vector<NearMiss> nearMissesOf(const DxfContents& drawing, const std::vector<Contour>& contours,
                                    double distance);
+
+/// The same among the ends of a path's open contours, in the order of its contours. The two ends of
+/// a contour that is hardly longer than the way between them are no near miss.
+///
+/// @param joining  ends within this distance are joined; above 0
+std::vector<NearMiss> nearMissesOf(const converters::DrawingPath& path, double distance,
+                                   double joining = joiningDistance);

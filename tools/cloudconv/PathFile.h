@@ -16,9 +16,5 @@ converters::DrawingPath readPathFile(const std::string& name,
                                      const std::vector<unsigned char>& bytes,
                                      converters::PathOptions options, Progress& progress);
 
-/// What was left out of a path, by reason: "left out: 24 TEXT, 3 MTEXT (annotation); 12 of layer
-/// aux (on a frozen layer)". Empty when nothing was.
-std::string leftOutText(const converters::DrawingPath& path);
-
 /// The name of a unit as the command line has it: "mm"; of others, and none, empty.
 std::string shortName(converters::LengthUnit unit);

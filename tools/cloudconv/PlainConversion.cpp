@@ -109,7 +109,7 @@ Cloud cloudOf(const DxfContents& drawing) {
     return cloud;
 }
 
-/// The scan's points, without those that have no place: "nan" in a drawing stops most readers.
+/// The scan's points, without those that have no place: as numbers of a drawing they would read 0.
 Points pointsOf(const Cloud& cloud, Report& report) {
     Points points;
     points.reserve(cloud.size());

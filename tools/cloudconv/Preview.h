@@ -2,11 +2,15 @@
 
 #include "tools/cloudconv/FileFormat.h"
 #include "tools/cloudconv/NearMisses.h"
+#include "tools/cloudconv/preview/CloudView.h"
+#include "tools/cloudconv/preview/DrawingStyle.h"
 #include "tools/cloudconv/preview/PictureFormat.h"
 #include "tools/cloudconv/preview/PictureSize.h"
 
+#include <cstddef>
 #include <optional>
 #include <string>
+#include <vector>
 
 /// What is to be drawn.
 struct PreviewOptions {
@@ -17,13 +21,26 @@ struct PreviewOptions {
     std::optional<FileFormat> from;
     std::optional<PictureFormat> to;
     PictureSize size;
-    /// Open ends that are this near each other are marked as a gap.
+    /// The walk of fromDxf() in place of the path of a drawing, and what fromPly() takes of a scan.
+    bool plain = false;
+
+    /// Of drawings: open ends that are this near each other are marked as a gap.
     double distance = defaultNearness;
+    /// Names of layers to take, with "*" and "?"; all when there are none.
+    std::vector<std::string> layers;
+    DrawingMarks marks;
+
+    /// Of scans.
+    std::optional<CloudView> view;
+    std::optional<CloudColour> colour;
+    /// Points that a page shows at most.
+    std::optional<std::size_t> pagePoints;
+
     /// Nothing on standard error but failures.
     bool quiet = false;
 };
 
-/// Draws a file. Says on standard error what the picture does not show.
+/// Draws a file, or makes a page of it. Says on standard error what that does not show.
 ///
 /// @throws FileError when that fails, or there is nothing to draw; the output is then as it was
 /// @throws UsageError when the options contradict each other

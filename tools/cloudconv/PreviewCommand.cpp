@@ -3,27 +3,36 @@
 #include "tools/cloudconv/Preview.h"
 
 #include <cstdlib>
+#include <map>
 #include <memory>
 
 namespace {
 
 constexpr int smallest = 400;
 constexpr int largest = 5000;
+/// Browsers give up beyond.
+constexpr std::size_t mostPointsAsked = 50'000'000;
 
 constexpr char footer[] =
-    R"(Of a drawing: its walk, contour by contour in colours, with the start of each,
-arrows in the direction of the walk and a box on each open end. Ends that are
-near and not joined have a ring with the width of the gap.
+    R"(Of a drawing: its path, contour by contour in colours, with the start of each,
+arrows in its direction and a box on each open end. Ends that are near and not
+joined have a ring with the width of the gap. With more than twenty contours the
+colours are those of layers, and signs get fewer and smaller. --plain draws the
+walk of fromDxf.
 
-Of a scan: its points from above, coloured by intensity, or by z where it has
-none.
+Of a scan: its points, coloured by intensity, by the file's colours or by z, what
+it has first.
 
-One unit is as long in x as in y. Points without a place (nan) are left out, and
-counted in the picture.
+A page (.html) opens in any browser and asks no network for anything: a drawing
+whose layers and contours are listed and whose walk is played, or a scan that
+turns.
+
+One unit is as long in x as in y. What is left out is said.
 
 Examples:
   cloudconv preview drawing.dxf drawing.svg
-  cloudconv preview scan.ply scan.png --size 1600x1200)";
+  cloudconv preview drawing.dxf drawing.html
+  cloudconv preview scan.ply scan.png --size 1600x1200 --view iso)";
 
 /// A number of pixels; 0 when the text is none, or one out of range.
 int sideOf(const std::string& text) {
@@ -46,16 +55,69 @@ PictureSize sizeOf(const std::string& text) {
     return size;
 }
 
+/// Adds an option whose values have names.
+template <typename Value>
+void addNamedOption(CLI::App& command, const std::string& name, std::optional<Value>& value,
+                    const std::string& description, const std::string& typeName,
+                    const std::map<std::string, Value>& names) {
+    CLI::CheckedTransformer known(names, CLI::ignore_case);
+    known.description("");
+    command.add_option(name, value, description)->type_name(typeName)->transform(known);
+}
+
+void addDrawingOptions(CLI::App& command, PreviewOptions& options) {
+    addDistanceOption(command, options.distance);
+    command
+        .add_option("--layer", options.layers,
+                    "of a drawing, draw this layer only; * and ? stand for any text and letter; "
+                    "may come again")
+        ->type_name("NAME")
+        ->take_all()
+        ->allow_extra_args(false);
+    command
+        .add_flag_callback(
+            "--no-marks", [&options] { options.marks.marks = false; },
+            "draw the lines of a drawing without starts, arrows, ends and ways")
+        ->disable_flag_override();
+    command.add_flag("--ways", options.marks.ways, "draw the ways between contours, however many")
+        ->disable_flag_override();
+    command
+        .add_flag("--plain", options.plain,
+                  "draw the walk of fromDxf, or what fromPly takes of a scan")
+        ->disable_flag_override();
+}
+
+void addScanOptions(CLI::App& command, PreviewOptions& options) {
+    addNamedOption<CloudView>(command, "--view", options.view,
+                              "from where to see a scan: top, front, side or iso", "SIDE",
+                              {{"top", CloudView::Top},
+                               {"front", CloudView::Front},
+                               {"side", CloudView::Side},
+                               {"iso", CloudView::Iso}});
+    addNamedOption<CloudColour>(command, "--colour", options.colour,
+                                "what colours a scan: intensity, height or rgb", "WHAT",
+                                {{"intensity", CloudColour::Intensity},
+                                 {"height", CloudColour::Height},
+                                 {"rgb", CloudColour::Rgb}});
+    command
+        .add_option("--points", options.pagePoints,
+                    "points of a scan that a page shows at most, evenly picked")
+        ->type_name("NUMBER")
+        ->check(CLI::Range(std::size_t(1), mostPointsAsked))
+        ->default_str("5000000");
+}
+
 } // namespace
 
 void addPreviewCommand(CLI::App& app, Command& chosen) {
     const auto options = std::make_shared<PreviewOptions>();
-    CLI::App& command = *app.add_subcommand("preview", "Draw a picture of a file");
+    CLI::App& command =
+        *app.add_subcommand("preview", "Draw a picture of a file, or make a page of it");
     command.footer(footer);
     command.add_option("FILE", options->input, "file to draw; - is standard input")->required();
     command
         .add_option("PICTURE", options->output,
-                    "file to write: .png, .svg or .pdf; - is standard output")
+                    "file to write: .png, .svg, .pdf or .html; - is standard output")
         ->required();
     command
         .add_option_function<std::string>(
@@ -63,11 +125,12 @@ void addPreviewCommand(CLI::App& app, Command& chosen) {
             "width and height in pixels, in PDF in points")
         ->type_name("WIDTHxHEIGHT")
         ->default_str("1000x700");
-    addDistanceOption(command, options->distance);
+    addDrawingOptions(command, *options);
+    addScanOptions(command, *options);
     addInputFormatOption(command, options->from);
     CLI::CheckedTransformer known(pictureFormatNames(), CLI::ignore_case);
     known.description("");
-    command.add_option("--to", options->to, "format of PICTURE: png, svg or pdf")
+    command.add_option("--to", options->to, "format of PICTURE: png, svg, pdf or html")
         ->type_name("FORMAT")
         ->transform(known);
     addQuietFlag(command, options->quiet);

@@ -13,8 +13,9 @@ namespace converters::drawing {
 
 namespace {
 
-using base::EndNumber;
+using base::RankedEnd;
 using base::RunNumber;
+using base::RunRank;
 
 /// What an entity is to joining.
 enum class Role : std::uint8_t { alone, closed, open, dot };
@@ -63,7 +64,7 @@ struct Runs {
     }
 };
 
-/// Joins runs, chain by chain. Runs go by their places in the pool.
+/// Joins runs, chain by chain.
 class ChainBuilder {
 public:
     /// @param runs  those that are dots come first: they join wherever they are
@@ -72,7 +73,7 @@ public:
           m_pool(runs.ends, joinDistanceOf(joinDistance)) {}
 
     /// Whether the run is in a chain already.
-    bool isJoined(RunNumber run) const { return !m_pool.contains(m_pool.placeOf(run)); }
+    bool isJoined(RunNumber run) const { return !m_pool.contains(m_pool.rankOf(run)); }
 
     /// Appends the chain that grows from a run.
     void append(RunNumber run, std::vector<ChainLink>& links);
@@ -82,11 +83,12 @@ private:
         RunNumber run;
         bool reversed;
     };
-    const base::Point& pointOf(EndNumber end) const {
-        return m_runs.ends[2 * std::size_t{m_pool.runAt(base::runOf(end))} + end % 2];
+    const base::Point& pointOf(RankedEnd end) const {
+        const std::size_t run = m_pool.numberOf(end.run());
+        return m_runs.ends[2 * run + (end.isLast() ? 1 : 0)];
     }
-    bool closes(EndNumber front, EndNumber back) const;
-    std::optional<Joined> extend(EndNumber& tip);
+    bool closes(RankedEnd front, RankedEnd back) const;
+    std::optional<Joined> extend(RankedEnd& tip);
 
     const Runs& m_runs;
     std::size_t m_dots;
@@ -98,10 +100,10 @@ private:
 };
 
 void ChainBuilder::append(RunNumber run, std::vector<ChainLink>& links) {
-    const RunNumber place = m_pool.placeOf(run);
-    EndNumber front = base::firstEnd(place);
-    EndNumber back = base::lastEnd(place);
-    m_pool.remove(place);
+    const RunRank rank = m_pool.rankOf(run);
+    RankedEnd front = RankedEnd::first(rank);
+    RankedEnd back = RankedEnd::last(rank);
+    m_pool.remove(rank);
     m_length = m_runs.lengths[run];
     m_front.clear();
     const std::size_t begin = links.size();
@@ -131,24 +133,24 @@ void ChainBuilder::append(RunNumber run, std::vector<ChainLink>& links) {
 }
 
 /// Whether a chain with these ends is back at its start.
-bool ChainBuilder::closes(EndNumber front, EndNumber back) const {
+bool ChainBuilder::closes(RankedEnd front, RankedEnd back) const {
     return m_pool.meet(back, front) &&
            (m_length > m_leastLength || pointOf(back) == pointOf(front));
 }
 
 /// Joins the first run that has an end at the tip of the chain, by its first end when both are
 /// there. Of dots, which stand before all others, the tip stays where it is.
-std::optional<ChainBuilder::Joined> ChainBuilder::extend(EndNumber& tip) {
-    const EndNumber met = m_pool.lowestAt(tip);
-    if (met == base::noEnd) {
+std::optional<ChainBuilder::Joined> ChainBuilder::extend(RankedEnd& tip) {
+    const RankedEnd met = m_pool.lowestAt(tip);
+    if (!met.exists()) {
         return std::nullopt;
     }
-    const RunNumber place = base::runOf(met);
-    const RunNumber run = m_pool.runAt(place);
-    m_pool.remove(place);
-    const bool reversed = !m_pool.meet(tip, base::firstEnd(place));
+    const RunRank rank = met.run();
+    const RunNumber run = m_pool.numberOf(rank);
+    m_pool.remove(rank);
+    const bool reversed = !m_pool.meet(tip, RankedEnd::first(rank));
     if (run >= m_dots) {
-        tip = reversed ? base::firstEnd(place) : base::lastEnd(place);
+        tip = reversed ? RankedEnd::first(rank) : RankedEnd::last(rank);
         m_length += m_runs.lengths[run];
     }
     return Joined{run, reversed};

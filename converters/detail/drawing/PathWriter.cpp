@@ -1,5 +1,6 @@
 #include "converters/detail/drawing/PathWriter.h"
 
+#include "base/LargePages.h"
 #include "converters/detail/drawing/Refusal.h"
 #include "converters/detail/drawing/dxf/EntityCurves.h"
 #include "converters/detail/drawing/dxf/Saturating.h"
@@ -268,13 +269,13 @@ void writeContours(const JoinedDrawing& joined, const PathSettings& settings, Dr
     Counter counter(settings.limits);
     constexpr double endOfCounting = 0.4;
     followAll(joined, settings.limits.tolerance, counter, progress.part(0, endOfCounting));
-    path.points.reserve(counter.points);
-    path.contours.reserve(counter.contours);
-    path.pieces.reserve(counter.pieces);
-    path.entities.reserve(counter.entities);
-    path.arcs.reserve(counter.arcs);
-    path.ellipticArcs.reserve(counter.ellipticArcs);
-    path.splines.reserve(counter.splines);
+    base::reserveLarge(path.points, counter.points);
+    base::reserveLarge(path.contours, counter.contours);
+    base::reserveLarge(path.pieces, counter.pieces);
+    base::reserveLarge(path.entities, counter.entities);
+    base::reserveLarge(path.arcs, counter.arcs);
+    base::reserveLarge(path.ellipticArcs, counter.ellipticArcs);
+    base::reserveLarge(path.splines, counter.splines);
     Writer writer(joined.layers, settings.limits, path);
     followAll(joined, settings.limits.tolerance, writer, progress.part(endOfCounting, 1));
 }

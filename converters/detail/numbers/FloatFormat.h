@@ -7,6 +7,8 @@
 #include <cstdint>
 #include <cstring>
 
+// %g for floats, the numbers of most clouds. (For doubles there is NumberFormat.)
+//
 // A float is an integer of 24 bits times a power of two. From a billionth to a million, its product
 // with the power of ten that brings it to six digits before the point fits 64 bits exactly, as a
 // number with a fraction of 43 bits: what follows is one multiplication and one rounding of

@@ -1,3 +1,7 @@
+// A number is taken before it is converted, as streams do it: all characters that can belong to it,
+// whatever comes of them. Then the first of the ways below that is proven to round right converts
+// it; PlyAsciiBody.cpp lists them all, from a line at once to the C library.
+
 #include "converters/detail/numbers/NumberExtraction.h"
 
 #include "base/Blank.h"
@@ -136,10 +140,15 @@ bool convertFast(const Decimal& decimal, double& value) {
     return true;
 }
 
-/// By way of a double that is rounded twice: significand, then product or quotient. Each rounding
-/// is off by at most 2^-53 of the value, which is at most one unit in the double's last place.
-/// Narrowed, the double gives the nearest float unless it lies within these units of a tie between
-/// two floats: ties are doubles themselves, so they are told by the bits that narrowing drops.
+/// By way of a double that is rounded twice: significand, then product or quotient. Narrowed, the
+/// double gives the nearest float unless a tie between two floats lies between it and the number.
+/// Ties are doubles themselves, told by the 29 bits that narrowing drops: only the first is set.
+///
+/// How far off is the double? The significand is rounded by 2^-53 of itself at most, so the exact
+/// product or quotient is off by 2^-53 of itself, which is at most one unit of its last place (the
+/// value is below 2^53 units). Its own rounding adds half a unit. A margin of four units is more
+/// than twice these one and a half. Of 2^29 doubles between two floats, nine are within it: one
+/// number in some sixty million is left to the next stage for nothing.
 bool convertFast(const Decimal& decimal, float& value) {
     if (!hasExactPower(decimal)) {
         return false;

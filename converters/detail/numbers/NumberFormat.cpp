@@ -9,10 +9,18 @@
 #include <cstdint>
 #include <cstring>
 
+// %g for doubles. (For floats there is FloatFormat.h, which needs no margin: a float times its
+// power of ten fits an integer. What it cannot take comes here.)
+//
 // Most numbers are scaled by an exact power of ten to a number with six digits before its point and
-// rounded there. The scaling rounds once, by less than 2^-33 of a unit, so the digits are proven
-// unless the fraction is that close to one half: those numbers, and the very small and large ones,
-// are left to std::to_chars, which calculates exactly.
+// rounded there. How far off is the scaled number? It is below 10^6 < 2^20, where doubles are 2^-33
+// apart, and one operation on exact operands rounds by half of that: 2^-34 of a unit. So its digits
+// are proven unless its fraction is that close to one half; 2^-32 is asked for, four times as much.
+// The fraction itself is exact: whole numbers and halves are doubles, and their difference to a
+// number near them is one.
+//
+// Of random fractions, one in two thousand million is closer to one half than 2^-32. Those numbers,
+// and the very small and large ones, are left to std::to_chars, which calculates exactly.
 
 namespace converters::detail {
 namespace {

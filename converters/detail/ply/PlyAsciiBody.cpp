@@ -1,3 +1,19 @@
+// How the text of a value becomes a number. Each stage takes what it can prove to be right, and
+// leaves the rest to the next; all give what a stream in the classic locale would give.
+//
+//   1. takeShortFloats takes a whole line of floats of at most eight characters, one blank apart:
+//      the usual line. No branch depends on a digit.
+//   2. takeShortDigits (DigitWords.h), where a line is not like that, takes up to seven digits of
+//      one value in one step, whatever stands behind them.
+//   3. takeLongDigits (NumberExtraction.cpp) takes any digits, one by one.
+//   4. convertFast makes a number of them in one exact operation, or one whose error is known.
+//   5. std::from_chars converts what is left: many digits, large exponents, ties.
+//   6. strtod_l of the C library converts what std::from_chars calls out of range.
+//
+// Not done: one decoder of digits for 1 and 2. The first knows the length of its token before it
+// looks at a digit, so that processors work on several tokens at a time; the second finds out by
+// decoding where the digits end.
+
 #include "converters/detail/ply/PlyAsciiBody.h"
 
 #include "base/Blank.h"

@@ -26,7 +26,7 @@ public:
     /// Takes the next value and stores its bytes.
     ///
     /// Values of 8-bit datatypes are single characters, not numbers: of "255" the first one takes
-    /// "2" and leaves "55". Existing readers of these files do so.
+    /// "2" and leaves "55". That is how streams read characters, and meant to stay so.
     ///
     /// @param datatype  a known field datatype
     /// @param out       room for a value of it

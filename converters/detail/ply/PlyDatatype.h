@@ -17,8 +17,8 @@ constexpr std::size_t sizeOfDatatype(unsigned datatype) {
 /// The word that declares a datatype in the headers we write; empty for an unknown datatype.
 std::string_view wordOfDatatype(unsigned datatype);
 
-/// The datatype that a word in a header declares; 0 for an unknown word. "float64" is unknown:
-/// files in use name this type "double" or "double64".
+/// The datatype that a word in a header declares; 0 for an unknown word. "float64" is unknown, on
+/// purpose: the names of this type are "double" and "double64".
 std::uint8_t datatypeOfWord(std::string_view word);
 
 } // namespace converters::detail

@@ -24,6 +24,12 @@ public:
     /// Takes a run of characters up to whitespace; empty when there is none.
     std::string_view word();
 
+    /// Takes whitespace, then a word.
+    std::string_view nextWord() {
+        skipBlanks();
+        return word();
+    }
+
     /// Takes a decimal number: 0 when there is none, the largest one when it is too large.
     std::uint64_t count();
 

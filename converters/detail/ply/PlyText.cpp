@@ -1,3 +1,10 @@
+// Two loops. Lines of plain floats, the usual cloud, are written value behind value into a block
+// that goes out when it is full. All other lines are built one by one, element by element: counts
+// go out before the line that they belong to, colours are several numbers, values may lie outside
+// the bytes.
+//
+// Not done: one loop that asks all this of every value.
+
 #include "converters/detail/ply/PlyText.h"
 
 #include "converters/detail/numbers/FloatFormat.h"
@@ -52,7 +59,7 @@ char* writeElement(char* out, const PlyColumn& column, const unsigned char* byte
         return writeGeneralFloat(out, valueOf<float>(bytes));
     case Field::FLOAT64:
         return writeGeneral(out, valueOf<double>(bytes));
-    case Field::INT8: // without its sign: readers of these files know 8-bit values as unsigned
+    case Field::INT8: // without its sign, on purpose
     case Field::UINT8:
         return writeInteger(out, static_cast<unsigned>(*bytes));
     case Field::INT16:

@@ -20,7 +20,7 @@ using WarnOfDatatype = std::function<void(unsigned datatype)>;
 /// the blank behind it stays.
 ///
 /// The counts of columns with several elements go out before the line that is being built, so they
-/// stand ahead of all its values: readers of these files expect them there.
+/// stand ahead of all its values. That is the layout of these files, odd as it is.
 void writeLines(const std::vector<PlyColumn>& columns, const PointBytes& points,
                 const WriteText& write, const WarnOfDatatype& warn);
 

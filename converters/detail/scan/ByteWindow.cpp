@@ -13,14 +13,16 @@ constexpr std::size_t usualCapacity = std::size_t{1} << 18;
 } // namespace
 
 void LineCount::add(const char* begin, const char* end) {
-    std::uint64_t lines = 0;
-    bool isBehindReturn = m_isBehindReturn;
-    for (const char* c = begin; c != end; ++c) {
-        lines += *c == '\r' || (*c == '\n' && !isBehindReturn) ? 1 : 0;
-        isBehindReturn = *c == '\r';
+    const auto size = static_cast<std::size_t>(end - begin);
+    const bool hasReturns = size != 0 && std::memchr(begin, '\r', size) != nullptr;
+    if (!hasReturns && !m_isBehindReturn) {
+        m_line += static_cast<std::uint64_t>(std::count(begin, end, '\n'));
+        return;
     }
-    m_line += lines;
-    m_isBehindReturn = isBehindReturn;
+    for (const char* c = begin; c != end; ++c) {
+        m_line += *c == '\r' || (*c == '\n' && !m_isBehindReturn) ? 1 : 0;
+        m_isBehindReturn = *c == '\r';
+    }
 }
 
 ByteWindow::ByteWindow(const void* bytes, std::size_t size)

@@ -78,6 +78,7 @@ void Decoder::open() {
     guarded([&] {
         refuseTextAsBinary();
         if (m_report.format == ScanFormat::ascii) {
+            m_window.countLinesFrom(m_header.bodyLine);
             m_text.emplace(m_window);
         }
         for (std::size_t i = 0; i < m_report.vertexElement; ++i) {

@@ -41,7 +41,7 @@ public:
                 refuse("the file ends within its header: 'end_header' is missing");
             }
         } while (takeLine(line));
-        m_window.countLinesFrom(m_lines.number() + 1);
+        m_header.bodyLine = m_lines.number() + 1;
         return std::move(m_header);
     }
 

@@ -31,6 +31,8 @@ struct Header {
     /// Of "obj_info num_cols" and "num_rows"; 0 when not given.
     std::uint64_t columns = 0;
     std::uint64_t rows = 0;
+    /// The number of the line behind the header.
+    std::uint64_t bodyLine = 1;
     /// The first one. A file with such a line is taken as long as its body is just what the other
     /// lines declare: the line may have been meant to declare more.
     std::optional<OddLine> oddLine;

@@ -8,9 +8,14 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <limits>
+#include <type_traits>
 
 namespace converters::scan {
 namespace {
+
+/// Longer ones are left to takeAnyRecord().
+constexpr std::ptrdiff_t longestNumber = 1024;
 
 /// What a person may have meant by a token that is no number.
 std::string hintAt(std::string_view token) {
@@ -20,11 +25,53 @@ std::string hintAt(std::string_view token) {
     return isDecimal ? "; a decimal comma?" : commas > 0 ? "; commas between values?" : "";
 }
 
+const char* skipSpaces(const char* c, const char* last) {
+    while (*c == ' ' && c < last) {
+        ++c;
+    }
+    return c;
+}
+
+/// Takes at most a space and then a line end; null when there is none.
+const char* takeLineEnd(const char* c) {
+    c += *c == ' ' ? 1 : 0;
+    if (*c == '\r') {
+        return c + (c[1] == '\n' ? 2 : 1);
+    }
+    return *c == '\n' ? c + 1 : nullptr;
+}
+
+/// The largest count that a type holds, or that is usual.
+std::int64_t mostUsualItems(ScalarType countType) {
+    return withType(countType, [](auto number) -> std::int64_t {
+        using Number = decltype(number);
+        return sizeof(Number) == 1 ? static_cast<std::int64_t>(std::numeric_limits<Number>::max())
+                                   : 32767;
+    });
+}
+
+/// Takes a floating number that is not a usual one and ends before a blank; null when it does not.
+template <typename Number>
+const char* takeOther(const char* c, const char* end, Number& number) {
+    if constexpr (std::is_floating_point_v<Number>) {
+        const char* const limit = c + std::min(end - c, longestNumber);
+        if (detail::extractNumber(c, limit, limit, number) && c != limit && base::isBlank(*c)) {
+            return c;
+        }
+    }
+    return nullptr;
+}
+
 } // namespace
 
 void TextRecords::begin(const ScanElement& element) {
     m_element = &element;
     m_taken = 0;
+    m_values.clear();
+    for (const ScanProperty& property : element.properties) {
+        m_values.push_back({property.type, sizeOf(property.type), property.countType.has_value(),
+                            property.countType.value_or(ScalarType::uint8)});
+    }
 }
 
 void TextRecords::beginRecord() {
@@ -42,7 +89,66 @@ void TextRecords::skipWithin() {
     }
 }
 
+/// Takes a list as takeUsualRecord() takes a record.
+const char* TextRecords::takeUsualList(const char* c, const Value& value) const {
+    std::int64_t items = 0;
+    c = takeUsual(c, items);
+    if (items < 0 || items > mostUsualItems(value.countType)) {
+        return nullptr;
+    }
+    return withType(value.type, [&](auto number) {
+        for (std::int64_t i = 0; c != nullptr && i < items; ++i) {
+            c = skipSpaces(c, lastUsual());
+            c = c < lastUsual() ? takeUsual(c, number) : nullptr;
+        }
+        return c;
+    });
+}
+
+/// Takes a record that is spelled as most are: a line of its own, usual numbers, only spaces
+/// between.
+///
+/// @param c  the end of the record before
+/// @return the end of the record; null, and nothing has happened, when it is not of that kind or
+///         perhaps not wholly in memory
+const char* TextRecords::takeUsualRecord(const char* c, unsigned char* scalars) const {
+    const char* const last = lastUsual();
+    c = c < last ? takeLineEnd(c) : nullptr;
+    for (const Value& value : m_values) {
+        if (c == nullptr) {
+            return nullptr;
+        }
+        c = skipSpaces(c, last);
+        if (c >= last) {
+            return nullptr;
+        }
+        if (value.isList) {
+            c = takeUsualList(c, value);
+            continue;
+        }
+        withType(value.type, [&](auto number) {
+            const char* const end = takeUsual(c, number);
+            c = end != nullptr ? end : takeOther(c, m_tokens.end(), number);
+            std::memcpy(scalars, &number, sizeof number);
+        });
+        scalars += value.size;
+    }
+    return c;
+}
+
 void TextRecords::take(unsigned char* scalars) {
+    const bool mayBeUsual = base::canUseWords && !m_isFirst && !m_values.empty();
+    if (const char* const end =
+            mayBeUsual ? takeUsualRecord(m_tokens.position(), scalars) : nullptr;
+        end != nullptr) {
+        m_tokens.moveTo(end);
+        ++m_taken;
+        return;
+    }
+    takeAnyRecord(scalars);
+}
+
+void TextRecords::takeAnyRecord(unsigned char* scalars) {
     bool isWithin = false;
     for (const ScanProperty& property : m_element->properties) {
         if (isWithin) {

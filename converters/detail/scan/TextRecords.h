@@ -2,6 +2,7 @@
 
 #include "converters/Scan.h"
 #include "converters/detail/scan/TextTokens.h"
+#include "converters/detail/scan/UsualNumbers.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -40,6 +41,18 @@ public:
     void settle() { m_tokens.settle(); }
 
 private:
+    /// A property, with what is needed at each record at hand.
+    struct Value {
+        ScalarType type;
+        std::size_t size;
+        bool isList;
+        ScalarType countType;
+    };
+
+    const char* takeUsualRecord(const char* c, unsigned char* scalars) const;
+    const char* takeUsualList(const char* c, const Value& value) const;
+    const char* lastUsual() const { return m_tokens.end() - usualRoom; }
+    void takeAnyRecord(unsigned char* scalars);
     void beginRecord();
     void takeList(const ScanProperty& property);
     void takeValue(const ScanProperty& property, unsigned char* to);
@@ -50,6 +63,7 @@ private:
 
     TextTokens m_tokens;
     const ScanElement* m_element = nullptr;
+    std::vector<Value> m_values;
     std::uint64_t m_taken = 0;
     bool m_isFirst = true;
     /// The first line in which a record begins behind the end of another.

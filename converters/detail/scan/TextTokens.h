@@ -44,6 +44,12 @@ public:
     /// The line of the next token.
     std::uint64_t line() { return m_window.lineAt(m_position); }
 
+    /// What is in memory of the text that is left.
+    const char* position() const { return m_position; }
+    const char* end() const { return m_end; }
+    /// Takes what is before `position`.
+    void moveTo(const char* position) { m_position = position; }
+
     /// Bytes up to here are taken from the window.
     void settle() { m_window.take(m_position); }
 

@@ -6,9 +6,6 @@ namespace dxfeditor {
 
 namespace {
 
-/// dxflib computes four times a count as an int.
-constexpr std::size_t greatestCount = std::size_t{1} << 28;
-
 /// The least bytes that a group needs: two digits, a line end, no value, a line end.
 constexpr std::size_t leastGroupSize = 4;
 
@@ -29,7 +26,7 @@ DxfCountedList::DxfCountedList(const DxfListCodes& codes, std::string_view entit
             ++m_values;
         }
     }
-    m_values = std::min(m_values, greatestCount);
+    m_values = std::min(m_values, greatestDxfCount);
 }
 
 bool DxfCountedList::takes(const DxfGroup& group) const {
@@ -53,7 +50,7 @@ int DxfCountedList::count(const char* textEnd, std::size_t& padding) const {
     }
     // The last group of a text needs no line end, hence the one byte more.
     const auto bytesLeft = static_cast<std::size_t>(textEnd - endOf(m_count->value)) + 1;
-    const std::size_t most = std::min(bytesLeft / leastGroupSize, greatestCount);
+    const std::size_t most = std::min(bytesLeft / leastGroupSize, greatestDxfCount);
     const std::size_t bounded =
         std::max(std::min(static_cast<std::size_t>(stated()), most), m_values);
     const std::size_t promised = std::min(bounded - m_values, padding);

@@ -9,6 +9,9 @@
 
 namespace dxfeditor {
 
+/// No list gets more elements: dxflib computes four times a count as an int.
+constexpr std::size_t greatestDxfCount = std::size_t{1} << 28;
+
 /// How an entity announces and gives a list of values.
 struct DxfListCodes {
     /// The code of the count.

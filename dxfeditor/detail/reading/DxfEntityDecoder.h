@@ -1,13 +1,15 @@
 #pragma once
 
+#include "dxfeditor/detail/reading/DxfLastValues.h"
+#include "dxfeditor/detail/reading/DxfListOf.h"
 #include "dxfeditor/text/DxfObjects.h"
 
 #include <dxflib/dl_attributes.h>
 #include <dxflib/dl_entities.h>
 
 #include <array>
-#include <bitset>
-#include <cstddef>
+#include <cstdint>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -15,55 +17,116 @@ class DL_CreationInterface;
 
 namespace dxfeditor {
 
-/// Decodes points, lines, circles, arcs and polylines in dxflib's place, at many times its speed,
-/// as long as their numbers are plain: digits with at most a sign, a point and an exponent, within
-/// the range of a double. Anything else is dxflib's business.
+/// Decodes entities, layers and the ends of blocks in dxflib's place, at many times its speed, as
+/// long as their numbers are plain: digits, a point and an exponent, with no sign but a minus,
+/// within the range of a double; and their lists are as long as they say. Anything else is dxflib's
+/// business.
 ///
-/// What decode() accepts, report() reports as dxflib does: the same callbacks with the same records
-/// and attributes in the same order.
+/// What it decodes it reports as dxflib does: the same callbacks with the same records and
+/// attributes in the same order.
+///
+/// Each group is looked at once. While the end of an object is searched, its values are noted, and
+/// of lists converted; at the end the record is made of them. Attributes are made anew only where
+/// they differ from those of the object before.
 class DxfEntityDecoder {
 public:
-    /// Whether report() can be called for the object; `following` are the objects behind it. Of a
-    /// POLYLINE this looks at the vertices too, up to its SEQEND.
-    bool decode(const DxfObject& object, const DxfObjects& following);
+    DxfEntityDecoder();
 
-    /// Reports the object decoded last; a POLYLINE with its vertices, which are taken from the
-    /// `following` objects.
-    void report(DL_CreationInterface& reader, DxfObjects& following);
+    /// Reads the next object, and decodes it if it can. Decoding a POLYLINE takes the vertices
+    /// behind it from `objects`; if it cannot be decoded, they stay there.
+    /// @return false at the end of the text
+    bool next(DxfObjects& objects, DxfObject& object);
+
+    /// Whether the object read last is decoded, so that report() may be called.
+    bool hasDecoded() const { return m_hasDecoded; }
+
+    /// Reports what is decoded.
+    void report(DL_CreationInterface& reader);
 
 private:
-    /// The last value of each group, in the slots of slotOf().
-    static constexpr std::size_t slots = 96;
-    static std::size_t slotOf(int code);
+    /// Attributes without the handle, and the direction of extrusion: what many entities have in
+    /// common.
+    struct Style {
+        DL_Attributes attributes;
+        std::array<double, 3> direction{};
+    };
 
-    bool decodeOne(const DxfObject& object);
-    bool decodeSequence(DxfObjects following);
-    void reportOne(DL_CreationInterface& reader) const;
-    void collect(std::string_view groups);
-    bool has(int code) const { return m_has[slotOf(code)]; }
-    double real(int code, double fallback = 0.0);
-    /// Reads the number at the start of `text`; one that is not plain makes the object not plain.
+    /// A VERTEX behind a POLYLINE.
+    struct SequenceVertex {
+        DL_VertexData data;
+        int handle;
+        /// Index into the styles of the sequence.
+        std::uint32_t style;
+        /// The vertex carries a face of a mesh and no point: dxflib does not report it.
+        bool isFace;
+    };
+
+    bool read(DxfObjects& objects, DxfObject& object);
+    void takeOfLwPolyline(const DxfGroup& group);
+    void takeOfSpline(const DxfGroup& group);
+
+    bool decode(const DxfObject& object);
+    bool decodeSequence(DxfObjects& objects);
+    void decodeSpline();
+    void setWeights();
+    void decodeStyle();
+    DL_PolylineData polyline(int vertexCount);
+
+    static void report(DL_CreationInterface& reader, Style& style, int handle, double elevation);
+    void reportSequence(DL_CreationInterface& reader);
+    void reportLwPolyline(DL_CreationInterface& reader) const;
+    void reportSpline(DL_CreationInterface& reader) const;
+
+    /// Reads a number; one that is not plain makes the object not plain.
     double real(std::string_view text);
-    int integer(int code, int fallback) const;
     int handle();
-    void decodeAttributes(int elevationCode);
-    void decodePolyline(int vertexCount);
-    void decodeVertices(std::string_view groups);
 
-    std::array<std::string_view, slots> m_values;
-    std::bitset<slots> m_has;
-    bool m_plain = true;
+    // The last value of a group, or the fallback where there is none.
+
+    template <int code>
+    double real(double fallback = 0.0) {
+        return m_values.has<code>() ? real(m_values.get<code>()) : fallback;
+    }
+    template <int code>
+    int integer(int fallback) const {
+        return m_values.has<code>() ? dxfInteger(m_values.get<code>()) : fallback;
+    }
+    template <int code>
+    std::string text(const char* fallback) const {
+        return m_values.has<code>() ? std::string(m_values.get<code>()) : fallback;
+    }
+
+    /// The object that is read.
+    DxfLastValues m_values;
+    DxfListOf<DL_VertexData> m_vertices;
+    DxfListOf<DL_KnotData> m_knots;
+    DxfListOf<DL_ControlPointData> m_controlPoints;
+    std::vector<double> m_weights;
+    DxfListOf<DL_FitPointData> m_fitPoints;
+    /// Whether all its numbers so far are plain.
+    bool m_isPlain = true;
+    bool m_hasDecoded = false;
+
+    /// The style of the object, and the values that it was made of, of this object or of one before
+    /// it with the same ones.
+    Style m_style;
+    DxfLastValues m_styleValues;
+    bool m_isStylePlain = true;
+    /// Grows with each style made.
+    unsigned m_styleNumber = 0;
 
     DxfObjectKind m_kind = DxfObjectKind::Other;
-    DL_Attributes m_attributes;
-    /// Extrusion direction and elevation.
-    std::array<double, 4> m_extrusion{};
-    /// What the entity's record has, in the order of its constructor.
+    int m_handle = -1;
+    double m_elevation = 0.0;
+    /// What the record has, in the order of its constructor.
     std::array<double, 6> m_numbers{};
-    /// The vertex carries a face of a mesh and no point: dxflib does not report it.
-    bool m_isFace = false;
     DL_PolylineData m_polyline{0, 0, 0, 0};
-    std::vector<DL_VertexData> m_vertices;
+    DL_SplineData m_spline{0, 0, 0, 0, 0};
+
+    /// The vertices of a POLYLINE, and the styles that they and the POLYLINE, which has the first,
+    /// have.
+    std::vector<SequenceVertex> m_sequence;
+    std::vector<Style> m_sequenceStyles;
 };
 
 } // namespace dxfeditor

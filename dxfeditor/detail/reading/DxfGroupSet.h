@@ -10,6 +10,9 @@ namespace dxfeditor {
 /// A set of group codes from 0 to 447: all that dxflib makes records of, apart from extended data.
 class DxfGroupSet {
 public:
+    /// All codes are below.
+    static constexpr int endOfCodes = 448;
+
     constexpr DxfGroupSet(std::initializer_list<int> codes) {
         for (const int code : codes) {
             m_bits[static_cast<std::size_t>(code) / 64] |= std::uint64_t{1} << (code % 64);
@@ -17,7 +20,7 @@ public:
     }
 
     constexpr bool contains(int code) const {
-        return code >= 0 && code < 448 &&
+        return code >= 0 && code < endOfCodes &&
                ((m_bits[static_cast<std::size_t>(code) / 64] >> (code % 64)) & 1) != 0;
     }
 
@@ -31,7 +34,7 @@ public:
     }
 
 private:
-    std::array<std::uint64_t, 7> m_bits{};
+    std::array<std::uint64_t, endOfCodes / 64> m_bits{};
 };
 
 } // namespace dxfeditor

@@ -1,5 +1,7 @@
 #include "dxfeditor/detail/reading/DxfIntake.h"
 
+#include "dxfeditor/detail/reading/DxfRecordGroups.h"
+
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -7,23 +9,6 @@
 namespace dxfeditor {
 
 namespace {
-
-/// What dxflib makes of every object: attributes, extrusion, elevation.
-constexpr DxfGroupSet attributeGroups = {5, 6, 8, 39, 48, 62, 67, 370, 420};
-constexpr DxfGroupSet commonGroups = attributeGroups | DxfGroupSet{30, 210, 220, 230};
-
-constexpr DxfGroupSet layerGroups = commonGroups | DxfGroupSet{2, 70};
-constexpr DxfGroupSet lineTypeGroups = commonGroups | DxfGroupSet{2, 3, 40, 70, 73};
-constexpr DxfGroupSet blockGroups = commonGroups | DxfGroupSet{2, 10, 20, 70};
-constexpr DxfGroupSet pointGroups = commonGroups | DxfGroupSet{10, 20};
-constexpr DxfGroupSet lineGroups = pointGroups | DxfGroupSet{11, 21, 31};
-constexpr DxfGroupSet circleGroups = pointGroups | DxfGroupSet{40};
-constexpr DxfGroupSet arcGroups = circleGroups | DxfGroupSet{50, 51};
-constexpr DxfGroupSet polylineGroups = commonGroups | DxfGroupSet{38, 70, 71, 72};
-constexpr DxfGroupSet vertexGroups = pointGroups | DxfGroupSet{42, 70};
-constexpr DxfGroupSet lwPolylineGroups = polylineGroups | vertexGroups;
-constexpr DxfGroupSet splineGroups =
-    lineGroups | DxfGroupSet{12, 13, 22, 23, 32, 33, 40, 41, 70, 71};
 
 /// An object that dxflib does not know.
 constexpr std::string_view unknownObject = "DROPPED";
@@ -61,9 +46,8 @@ void DxfIntake::append(const DxfObject& object) {
         return appendVertex(object);
     case DxfObjectKind::Polyline:
         write(object, polylineGroups);
-        m_inPolyline = true;
-        m_polylineHasVertices = false;
-        m_polyline = object;
+        m_polyline = Polyline::WithoutVertices;
+        m_polylineGroups = object.groups;
         return;
     case DxfObjectKind::LwPolyline:
         return write(object, lwPolylineGroups, {DxfCountedList(lwPolylineVertices, object.groups)});
@@ -92,7 +76,7 @@ void DxfIntake::append(const DxfObject& object) {
 }
 
 void DxfIntake::close() {
-    if (m_polylineCutShort) {
+    if (m_polyline == Polyline::CutShort) {
         // The vertex before is reported, the polyline does not end.
         writeGroup(0, "VERTEX");
         return;
@@ -103,26 +87,26 @@ void DxfIntake::close() {
 }
 
 void DxfIntake::appendVertex(const DxfObject& vertex) {
-    if (!m_inPolyline) {
+    if (m_polyline == Polyline::None) {
         m_dropped = true;
     } else if (vertex.complete) {
         // Whatever was dropped between vertices stays dropped without a trace: it would end the
         // polyline here and once more behind the vertices that follow.
         writeGroup(0, vertex.name);
         writeGroups(vertex.groups, vertexGroups);
-        m_polylineHasVertices = true;
+        m_polyline = Polyline::WithVertices;
     } else if (!m_dropped) {
-        m_polylineCutShort = true;
+        m_polyline = Polyline::CutShort;
     }
 }
 
 void DxfIntake::endPolyline() {
-    if (m_inPolyline && !m_polylineHasVertices) {
+    if (m_polyline == Polyline::WithoutVertices) {
         writeGroup(0, "VERTEX");
         writeGroup(70, faceRecordFlags);
-        writeGroups(m_polyline.groups, attributeGroups);
+        writeGroups(m_polylineGroups, attributeGroups);
     }
-    m_inPolyline = false;
+    m_polyline = Polyline::None;
 }
 
 void DxfIntake::begin(std::string_view name) {

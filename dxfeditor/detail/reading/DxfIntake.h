@@ -42,7 +42,7 @@ public:
 
     /// Whether the output may be closed, given to dxflib and cleared now: not inside a polyline,
     /// which must reach dxflib in one piece.
-    bool canBeClosed() const { return !m_inPolyline; }
+    bool canBeClosed() const { return m_polyline == Polyline::None; }
 
     /// The text for dxflib.
     std::string& output() { return m_output; }
@@ -51,6 +51,15 @@ public:
     void clearOutput() { m_output.clear(); }
 
 private:
+    /// The POLYLINE that the output is in.
+    enum class Polyline {
+        None,
+        WithoutVertices,
+        WithVertices,
+        /// The text ends in a vertex that dxflib does not report, so it does not end the polyline.
+        CutShort,
+    };
+
     void appendVertex(const DxfObject& vertex);
     void endPolyline();
     /// Begins an object behind what was dropped.
@@ -67,12 +76,9 @@ private:
     std::string m_output;
     /// Objects were dropped since the last one written.
     bool m_dropped = false;
-    bool m_inPolyline = false;
-    /// The POLYLINE that the output is in.
-    DxfObject m_polyline;
-    bool m_polylineHasVertices = false;
-    /// The text ends in a vertex that dxflib does not report, so it does not end the polyline.
-    bool m_polylineCutShort = false;
+    Polyline m_polyline = Polyline::None;
+    /// The groups of that POLYLINE.
+    std::string_view m_polylineGroups;
 };
 
 } // namespace dxfeditor

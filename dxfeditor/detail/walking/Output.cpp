@@ -1,3 +1,11 @@
+// One pass over the walk: the memory for all points is there before, and each run writes its points
+// behind those of the run before it. Runs are near in the walk and far apart in memory, so they are
+// asked for some pieces ahead.
+//
+// Not done: a part of the walk for each of several threads. The indices of the points are known
+// from the sizes of the runs alone; but calls run on the caller's thread, and writing memory is the
+// limit.
+
 #include "dxfeditor/detail/walking/Output.h"
 
 #include "base/LargePages.h"

@@ -1,14 +1,19 @@
+// Every kind of entity is a sequence: a size, and a point for every index below it that is computed
+// from the entity's shape alone. So the points of a run need no memory of their own. A run is first
+// asked for its size and its two ends, which is all that the stitching wants; when the order is
+// known, its points are computed once, in the direction of the walk, where they are to stay.
+//
+// Not done: sampling every entity into points, to copy and reverse those while runs are joined. The
+// points would be in memory twice.
+//
+// No class here changes the order of the operations that make up a coordinate, which would change
+// its last bits.
+
 #include "dxfeditor/detail/walking/Sampling.h"
 
 #include "base/LargePages.h"
-#include "dxfeditor/DXFArc.h"
-#include "dxfeditor/DXFCircle.h"
-#include "dxfeditor/DXFEntity.h"
-#include "dxfeditor/DXFLine.h"
-#include "dxfeditor/DXFPoint.h"
-#include "dxfeditor/DXFPointVector.h"
-#include "dxfeditor/DXFPolyline.h"
-#include "dxfeditor/DXFSpline.h"
+#include "dxfeditor/VisitEntity.h"
+#include "dxfeditor/WalkNumbers.h"
 #include "dxfeditor/detail/walking/SplineSamples.h"
 #include "dxfeditor/detail/walking/TruncatedCount.h"
 
@@ -17,8 +22,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
-#include <type_traits>
-#include <typeinfo>
 
 namespace dxfeditor {
 
@@ -26,52 +29,47 @@ namespace {
 
 using Point = Run::Point;
 
-constexpr double pointsPerUnit = 10.0;
-constexpr double circlePointsPerUnitOfRadius = 62.83185307179586;
-constexpr double fullTurn = 6.283185307179586;
-constexpr double radiansPerDegree = 0.017453292519943295;
-constexpr int minimumCirclePoints = 32;
-constexpr int minimumArcSteps = 4;
-constexpr double splineStep = 0.1;
-
 /// A number of steps as a factor. No count reaches 2^63, and signed numbers convert faster.
 double factor(std::size_t steps) {
     return static_cast<double>(static_cast<std::int64_t>(steps));
 }
 
-/// The point of the cloud for a point of the drawing plane.
-Point inCloud(double x, double y) {
-    return {x, 0.0, y};
-}
+/// A circle in the drawing plane.
+struct Circle {
+    PlanePoint center;
+    double radius;
 
-Point onCircle(const Point& center, double radius, double angle) {
-    double sine;
-    double cosine;
-    ::sincos(angle, &sine, &cosine);
-    return inCloud(center.x + radius * cosine, center.y + radius * sine);
-}
+    Point at(Angle angle) const {
+        double sine;
+        double cosine;
+        ::sincos(angle.radians(), &sine, &cosine);
+        return inCloud({center.x + radius * cosine, center.y + radius * sine});
+    }
+};
 
-// One sampling class a kind of entity. Each has size(), and a point for every i below it; none of
-// them changes the order of the operations that make up a coordinate, which would change its last
-// bits.
+/// The circle of a DXFCircle or a DXFArc. The height of its centre is not used.
+template <typename Entity>
+Circle circleOf(const Entity& entity) {
+    const cv::Point3_<double> center = entity.getCenter();
+    return {{center.x, center.y}, entity.getRadius()};
+}
 
 /// A circle, once around. The starting point is not repeated at the end.
 class CirclePoints {
 public:
     explicit CirclePoints(const DXFCircle& circle)
-        : m_center(circle.getCenter()), m_radius(circle.getRadius()),
-          m_count(std::max(truncatedCount(m_radius * circlePointsPerUnitOfRadius),
+        : m_circle(circleOf(circle)),
+          m_count(std::max(truncatedCount(m_circle.radius * circlePointsPerUnitOfRadius),
                            minimumCirclePoints)),
           m_inverseCount(1.0 / m_count) {}
 
     std::size_t size() const { return static_cast<std::size_t>(m_count); }
     Point operator()(std::size_t i) const {
-        return onCircle(m_center, m_radius, factor(i) * fullTurn * m_inverseCount);
+        return m_circle.at(Angle::inRadians(factor(i) * fullTurn * m_inverseCount));
     }
 
 private:
-    Point m_center;
-    double m_radius;
+    Circle m_circle;
     int m_count;
     double m_inverseCount;
 };
@@ -81,25 +79,24 @@ private:
 class ArcPoints {
 public:
     explicit ArcPoints(const DXFArc& arc)
-        : m_center(arc.getCenter()), m_radius(arc.getRadius()),
-          m_start(arc.getStartAngle() * radiansPerDegree) {
-        double end = arc.getEndAngle() * radiansPerDegree;
+        : m_circle(circleOf(arc)), m_start(Angle::inDegrees(arc.getStartAngle()).radians()) {
+        double end = Angle::inDegrees(arc.getEndAngle()).radians();
         if (m_start > end) {
             end = end + fullTurn;
         }
         const double sweep = end - m_start;
-        m_steps = std::max(truncatedCount(m_radius * pointsPerUnit * sweep), minimumArcSteps);
+        m_steps =
+            std::max(truncatedCount(m_circle.radius * pointsPerUnit * sweep), minimumArcSteps);
         m_step = sweep / m_steps;
     }
 
     std::size_t size() const { return static_cast<std::size_t>(m_steps) + 1; }
     Point operator()(std::size_t i) const {
-        return onCircle(m_center, m_radius, factor(i) * m_step + m_start);
+        return m_circle.at(Angle::inRadians(factor(i) * m_step + m_start));
     }
 
 private:
-    Point m_center;
-    double m_radius;
+    Circle m_circle;
     double m_start;
     int m_steps;
     double m_step;
@@ -109,29 +106,29 @@ private:
 class LinePoints {
 public:
     explicit LinePoints(const Segment& segment)
-        : m_startX(segment.startX), m_startY(segment.startY), m_dx(segment.endX - segment.startX),
-          m_dy(segment.endY - segment.startY),
-          m_steps(truncatedCount(std::hypot(m_dx, m_dy) * pointsPerUnit)),
-          m_inverseSteps(1.0 / m_steps) {}
+        : LinePoints(segment, truncatedCount(std::hypot(segment.endX - segment.startX,
+                                                        segment.endY - segment.startY) *
+                                             pointsPerUnit)) {}
 
     /// The same without the length, which takes longer than a few points.
     LinePoints(const Segment& segment, std::size_t size)
-        : m_startX(segment.startX), m_startY(segment.startY), m_dx(segment.endX - segment.startX),
-          m_dy(segment.endY - segment.startY), m_steps(static_cast<int>(size - 1)),
-          m_inverseSteps(1.0 / m_steps) {}
+        : LinePoints(segment, static_cast<int>(size - 1)) {}
 
     std::size_t size() const { return static_cast<std::size_t>(m_steps) + 1; }
     Point operator()(std::size_t i) const {
         if (m_steps == 0) {
-            return inCloud(m_startX, m_startY);
+            return inCloud(m_start);
         }
         const double t = factor(i) * m_inverseSteps;
-        return inCloud(m_startX + m_dx * t, m_startY + m_dy * t);
+        return inCloud({m_start.x + m_dx * t, m_start.y + m_dy * t});
     }
 
 private:
-    double m_startX;
-    double m_startY;
+    LinePoints(const Segment& segment, int steps)
+        : m_start{segment.startX, segment.startY}, m_dx(segment.endX - segment.startX),
+          m_dy(segment.endY - segment.startY), m_steps(steps), m_inverseSteps(1.0 / m_steps) {}
+
+    PlanePoint m_start;
     double m_dx;
     double m_dy;
     int m_steps;
@@ -142,30 +139,33 @@ private:
 /// two of them comes twice.
 class PolylinePoints {
 public:
-    explicit PolylinePoints(const DXFPolyline& polyline) : m_pieces(polyline.pieces()) {}
+    explicit PolylinePoints(const DXFPolyline& polyline)
+        : m_polyline(polyline), m_pieces(polyline.segmentCount()) {}
 
     std::size_t size() const {
         std::size_t count = 0;
-        for (const Segment& piece : m_pieces) {
-            count += LinePoints(piece).size();
+        for (std::size_t i = 0; i < m_pieces; ++i) {
+            count += piece(i).size();
         }
         return count;
     }
-    const std::vector<Segment>& pieces() const { return m_pieces; }
+    std::size_t pieces() const { return m_pieces; }
+    LinePoints piece(std::size_t i) const { return LinePoints(m_polyline.segment(i)); }
 
 private:
-    const std::vector<Segment>& m_pieces;
+    const DXFPolyline& m_polyline;
+    std::size_t m_pieces;
 };
 
 /// A spline in equal steps of its parameter.
 class SplinePoints {
 public:
-    explicit SplinePoints(const DXFSpline& spline) : m_samples(spline, splineStep) {}
+    explicit SplinePoints(const DXFSpline& spline) : m_samples(spline, samplingStep) {}
 
     std::size_t size() const { return m_samples.size(); }
     Point operator()(std::size_t i) {
         const cv::Point_<double> point = m_samples(i);
-        return inCloud(point.x, point.y);
+        return inCloud({point.x, point.y});
     }
 
 private:
@@ -175,7 +175,7 @@ private:
 /// A single point. Its height above the drawing plane is not used.
 class SinglePoint {
 public:
-    explicit SinglePoint(const DXFPoint& point) : m_point(inCloud(point.mX(), point.mY())) {}
+    explicit SinglePoint(const DXFPoint& point) : m_point(inCloud({point.mX(), point.mY()})) {}
 
     std::size_t size() const { return 1; }
     Point operator()(std::size_t) const { return m_point; }
@@ -200,7 +200,13 @@ private:
     const std::vector<Point>& m_points;
 };
 
-// The points of an entity, by its class, and of one whose number of points is known.
+Segment segmentOf(const DXFLine& line) {
+    const cv::Point3_<double> start = line.getP1();
+    const cv::Point3_<double> end = line.getP2();
+    return {start.x, start.y, end.x, end.y};
+}
+
+// The sequence of each kind of shape.
 
 PolylinePoints pointsOf(const DXFPolyline& polyline) {
     return PolylinePoints(polyline);
@@ -222,12 +228,6 @@ ArcPoints pointsOf(const DXFArc& arc) {
     return ArcPoints(arc);
 }
 
-Segment segmentOf(const DXFLine& line) {
-    const Point start = line.getP1();
-    const Point end = line.getP2();
-    return {start.x, start.y, end.x, end.y};
-}
-
 LinePoints pointsOf(const DXFLine& line) {
     return LinePoints(segmentOf(line));
 }
@@ -236,30 +236,21 @@ SplinePoints pointsOf(const DXFSpline& spline) {
     return SplinePoints(spline);
 }
 
-template <typename Entity>
-auto pointsOf(const Entity& entity, std::size_t) {
-    return pointsOf(entity);
-}
-
-LinePoints pointsOf(const Segment& line, std::size_t size) {
-    return LinePoints(line, size);
-}
-
 template <typename Sequence>
-Point firstOf(Sequence& sequence, std::size_t) {
+Point firstOf(Sequence& sequence) {
     return sequence(0);
 }
 template <typename Sequence>
-Point lastOf(Sequence& sequence, std::size_t size) {
-    return sequence(size - 1);
+Point lastOf(Sequence& sequence) {
+    return sequence(sequence.size() - 1);
 }
 
-Point firstOf(PolylinePoints& polyline, std::size_t) {
-    return LinePoints(polyline.pieces().front())(0);
+Point firstOf(PolylinePoints& polyline) {
+    return polyline.piece(0)(0);
 }
-Point lastOf(PolylinePoints& polyline, std::size_t) {
-    const LinePoints piece(polyline.pieces().back());
-    return piece(piece.size() - 1);
+Point lastOf(PolylinePoints& polyline) {
+    const LinePoints last = polyline.piece(polyline.pieces() - 1);
+    return last(last.size() - 1);
 }
 
 /// What of a run of points is wanted, in its own direction.
@@ -287,114 +278,78 @@ void append(Sequence sequence, std::size_t size, const Part& part, std::vector<P
     }
 }
 
-void append(const PolylinePoints& polyline, std::size_t, const Part& part,
-            std::vector<Point>& points) {
-    const std::vector<Segment>& pieces = polyline.pieces();
-    const auto appendPiece = [&](const Segment& piece) {
-        const LinePoints line(piece);
-        append(line, line.size(),
-               {part.direction, part.withoutFront && &piece == &pieces.front(),
-                part.withoutBack && &piece == &pieces.back()},
+void append(const PolylinePoints& polyline, const Part& part, std::vector<Point>& points) {
+    const std::size_t count = polyline.pieces();
+    for (std::size_t i = 0; i < count; ++i) {
+        const std::size_t index = part.direction == Direction::Forwards ? i : count - 1 - i;
+        const LinePoints piece = polyline.piece(index);
+        append(piece, piece.size(),
+               {part.direction, part.withoutFront && index == 0,
+                part.withoutBack && index == count - 1},
                points);
-    };
-    if (part.direction == Direction::Forwards) {
-        std::for_each(pieces.begin(), pieces.end(), appendPiece);
-    } else {
-        std::for_each(pieces.rbegin(), pieces.rend(), appendPiece);
     }
 }
 
-/// Hands an empty pointer to the class that the code names to the visitor.
-template <typename Visitor>
-auto visitKind(int kind, Visitor visitor) {
-    switch (kind) {
-    case DXFEntityType::Polyline:
-        return visitor(static_cast<const DXFPolyline*>(nullptr));
-    case DXFEntityType::Point:
-        return visitor(static_cast<const DXFPoint*>(nullptr));
-    case DXFEntityType::PointVector:
-        return visitor(static_cast<const DXFPointVector*>(nullptr));
-    case DXFEntityType::Circle:
-        return visitor(static_cast<const DXFCircle*>(nullptr));
-    case DXFEntityType::Arc:
-        return visitor(static_cast<const DXFArc*>(nullptr));
-    case DXFEntityType::Line:
-        return visitor(static_cast<const DXFLine*>(nullptr));
-    default:
-        return visitor(static_cast<const DXFSpline*>(nullptr));
-    }
+// A part of a shape whose number of points is known.
+
+template <typename Shape>
+void appendPart(const Shape& shape, std::size_t size, const Part& part,
+                std::vector<Point>& points) {
+    append(pointsOf(shape), size, part, points);
 }
 
-/// Hands an entity to the visitor as the class that the code names, which it has to be of.
-template <typename Visitor>
-auto visit(const DXFEntity& entity, int kind, Visitor visitor) {
-    return visitKind(kind, [&](auto kindOfEntity) {
-        return visitor(static_cast<decltype(*kindOfEntity)>(entity));
-    });
+void appendPart(const Segment& line, std::size_t size, const Part& part,
+                std::vector<Point>& points) {
+    append(LinePoints(line, size), size, part, points);
 }
 
-/// Whether the entity is of the class that the code names.
-bool isOfKind(const DXFEntity& entity, int kind) {
-    if (kind < DXFEntityType::Polyline || kind > DXFEntityType::Spline) {
-        return false;
-    }
-    return visitKind(kind, [&](auto named) {
-        // Nearly all entities are of the very class, which is told much faster.
-        return typeid(entity) == typeid(std::remove_pointer_t<decltype(named)>) ||
-               dynamic_cast<decltype(named)>(&entity) != nullptr;
-    });
+void appendPart(const DXFPolyline& polyline, std::size_t /*size*/, const Part& part,
+                std::vector<Point>& points) {
+    append(pointsOf(polyline), part, points);
 }
 
-void addRun(const DXFEntity& entity, int kind, std::size_t size, Runs& runs) {
-    runs.runs.emplace_back(entity, kind, size);
+template <typename Entity>
+void addRun(const Entity& entity, std::size_t size, Runs& runs) {
+    runs.runs.emplace_back(entity, size);
 }
 
-/// Whether a run has a copy of its shape. A copy for a single point would be larger than the point.
-bool hasSegment(int kind, std::size_t size) {
-    return kind == DXFEntityType::Line && size > 1;
-}
-
-void addRun(const DXFLine& line, int kind, std::size_t size, Runs& runs) {
-    if (hasSegment(kind, size)) {
+/// A line keeps a copy of its shape, but not for a single point: the copy would be larger than
+/// that.
+void addRun(const DXFLine& line, std::size_t size, Runs& runs) {
+    if (size > 1) {
         runs.lines.push_back(segmentOf(line));
         runs.runs.emplace_back(runs.lines.back(), size);
     } else {
-        runs.runs.emplace_back(line, kind, size);
+        runs.runs.emplace_back(line, size);
     }
-}
-
-/// Hands the shape of a run to the visitor.
-template <typename Visitor>
-void visitShape(const void* shape, int kind, std::size_t size, Visitor visitor) {
-    if (hasSegment(kind, size)) {
-        visitor(*static_cast<const Segment*>(shape));
-    } else {
-        visit(*static_cast<const DXFEntity*>(shape), kind, visitor);
-    }
-}
-
-void append(const DXFEntity& entity, Runs& runs) {
-    const int kind = entity.type();
-    if (!isOfKind(entity, kind)) {
-        return;
-    }
-    visit(entity, kind, [&](const auto& shape) {
-        auto points = pointsOf(shape);
-        if (const std::size_t size = points.size(); size > 0) {
-            addRun(shape, kind, size, runs);
-            runs.ends.push_back(firstOf(points, size));
-            runs.ends.push_back(lastOf(points, size));
-        }
-    });
 }
 
 } // namespace
 
-Run::Run(const Segment& line, std::size_t size)
-    : m_shape(&line), m_kind(DXFEntityType::Line), m_size(size & mostPoints) {}
+template <typename Visitor>
+void Run::visitShape(Visitor visitor) const {
+    switch (m_kind) {
+    case Kind::Polyline:
+        return visitor(*static_cast<const DXFPolyline*>(m_shape));
+    case Kind::Point:
+        return visitor(*static_cast<const DXFPoint*>(m_shape));
+    case Kind::PointVector:
+        return visitor(*static_cast<const DXFPointVector*>(m_shape));
+    case Kind::Circle:
+        return visitor(*static_cast<const DXFCircle*>(m_shape));
+    case Kind::Arc:
+        return visitor(*static_cast<const DXFArc*>(m_shape));
+    case Kind::Line:
+        return visitor(*static_cast<const DXFLine*>(m_shape));
+    case Kind::Spline:
+        return visitor(*static_cast<const DXFSpline*>(m_shape));
+    case Kind::Segment:
+        return visitor(*static_cast<const Segment*>(m_shape));
+    }
+}
 
 void Run::prefetch() const {
-    visitShape(m_shape, m_kind, m_size, [](const auto& shape) {
+    visitShape([](const auto& shape) {
         const char* const begin = reinterpret_cast<const char*>(&shape);
         __builtin_prefetch(begin);
         __builtin_prefetch(begin + sizeof shape - 1);
@@ -405,18 +360,25 @@ void Run::appendTo(std::vector<Point>& points, Direction direction, Dropped drop
     const bool isReversed = direction == Direction::Backwards;
     const Part part = {direction, dropped == (isReversed ? Dropped::Last : Dropped::First),
                        dropped == (isReversed ? Dropped::First : Dropped::Last)};
-    visitShape(m_shape, m_kind, m_size,
-               [&](const auto& shape) { append(pointsOf(shape, m_size), m_size, part, points); });
+    visitShape([&](const auto& shape) { appendPart(shape, m_size, part, points); });
 }
 
-Runs runsOf(const std::list<std::shared_ptr<DXFEntity>>& entities) {
+Runs runsOf(const std::vector<std::shared_ptr<DXFEntity>>& entities) {
     Runs runs;
     base::reserveLarge(runs.runs, entities.size());
     base::reserveLarge(runs.ends, 2 * entities.size());
     base::reserveLarge(runs.lines, entities.size());
+    const auto add = [&](const auto& entity) {
+        auto points = pointsOf(entity);
+        if (const std::size_t size = points.size(); size > 0) {
+            addRun(entity, size, runs);
+            runs.ends.push_back(firstOf(points));
+            runs.ends.push_back(lastOf(points));
+        }
+    };
     for (const std::shared_ptr<DXFEntity>& entity : entities) {
         if (entity != nullptr) {
-            append(*entity, runs);
+            visitEntity(static_cast<const DXFEntity&>(*entity), add);
         }
     }
     return runs;

@@ -19,7 +19,7 @@ cv::Point_<double> SplineSamples::operator()(std::size_t i) {
         const cv::Point3_<double>& fit = m_spline.fitPoints()[i];
         return {fit.x, fit.y};
     }
-    return m_spline.evaluate(m_start + static_cast<double>(i) * m_parameterStep, m_homogeneous);
+    return m_spline.evaluate(m_start + static_cast<double>(i) * m_parameterStep, m_scratch);
 }
 
 } // namespace dxfeditor

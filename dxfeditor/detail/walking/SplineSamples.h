@@ -1,6 +1,7 @@
 #pragma once
 
 #include "dxfeditor/DXFSpline.h"
+#include "dxfeditor/detail/walking/Spaces.h"
 
 #include <opencv2/core/types.hpp>
 
@@ -27,8 +28,8 @@ private:
     std::size_t m_size;
     double m_start = 0.0;
     double m_parameterStep = 0.0;
-    /// Scratch space of the evaluation, kept from one point to the next.
-    std::vector<cv::Point3_<double>> m_homogeneous;
+    /// Of the evaluation, kept from one point to the next.
+    std::vector<HomogeneousPoint> m_scratch;
 };
 
 } // namespace dxfeditor

@@ -11,6 +11,9 @@ namespace {
 
 constexpr std::size_t blockSize = 1 << 18;
 
+/// Those of any new file; the process's umask takes some away.
+constexpr mode_t permissions = 0666;
+
 bool writeAll(int descriptor, const char* text, std::size_t length) {
     while (length > 0) {
         const ssize_t written = ::write(descriptor, text, length);
@@ -28,9 +31,17 @@ bool writeAll(int descriptor, const char* text, std::size_t length) {
 
 } // namespace
 
-std::unique_ptr<DxfFileWriter> DxfFileWriter::open(const std::string& path,
-                                                   DL_Codes::version dxfVersion) {
-    const int descriptor = ::open(path.c_str(), O_WRONLY | O_CLOEXEC);
+std::unique_ptr<DxfFileWriter> DxfFileWriter::create(const std::string& path,
+                                                     DL_Codes::version dxfVersion) {
+    return owning(::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, permissions),
+                  dxfVersion);
+}
+
+std::unique_ptr<DxfFileWriter> DxfFileWriter::onFile(int descriptor, DL_Codes::version dxfVersion) {
+    return owning(::fcntl(descriptor, F_DUPFD_CLOEXEC, 0), dxfVersion);
+}
+
+std::unique_ptr<DxfFileWriter> DxfFileWriter::owning(int descriptor, DL_Codes::version dxfVersion) {
     if (descriptor < 0) {
         return nullptr;
     }

@@ -10,10 +10,14 @@ namespace dxfeditor {
 /// Writes the groups into a file, in large blocks, and remembers whether any byte was lost.
 class DxfFileWriter : public DxfTextWriter {
 public:
-    /// Writes into the existing file at `path`, from its start.
+    /// Writes into the file at `path`, which is created or emptied.
     /// @return an empty pointer when the file cannot be opened
-    static std::unique_ptr<DxfFileWriter> open(const std::string& path,
-                                               DL_Codes::version dxfVersion);
+    static std::unique_ptr<DxfFileWriter> create(const std::string& path,
+                                                 DL_Codes::version dxfVersion);
+
+    /// Writes into an open file, from where it stands, through a descriptor of its own.
+    /// @return an empty pointer when there is no such file or the process may have no further one
+    static std::unique_ptr<DxfFileWriter> onFile(int descriptor, DL_Codes::version dxfVersion);
 
     /// Writes what is left and closes the file.
     ~DxfFileWriter() override;
@@ -28,6 +32,8 @@ public:
     void close();
 
 private:
+    static std::unique_ptr<DxfFileWriter> owning(int descriptor, DL_Codes::version dxfVersion);
+
     DxfFileWriter(int descriptor, DL_Codes::version dxfVersion);
     void groupWritten() const override;
     void drain() const;

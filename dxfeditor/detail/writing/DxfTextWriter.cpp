@@ -42,7 +42,9 @@ void DxfTextWriter::append(int gc, const char* value, std::size_t length) const 
     m_text.append(code, static_cast<std::size_t>(writeGroupCode(gc, code) - code));
     m_text.append(value, length);
     m_text += '\n';
-    groupWritten();
+    if (!m_isApart) {
+        groupWritten();
+    }
 }
 
 void DxfTextWriter::dxfReal(int gc, double value) const {
@@ -85,8 +87,38 @@ void appendPoint(const std::string& head, const cv::Point3_<double>& point, std:
     text.append(coordinates, static_cast<std::size_t>(end - coordinates));
 }
 
-void DxfTextWriter::writePoints(const std::string& head,
+/// While it lives, groups are written apart from the text so far, and nobody takes them away.
+class DxfTextWriter::Apart {
+public:
+    explicit Apart(const DxfTextWriter& writer) : m_writer(writer) { exchange(true); }
+    ~Apart() { exchange(false); }
+    Apart(const Apart&) = delete;
+    Apart& operator=(const Apart&) = delete;
+
+    /// The groups written meanwhile.
+    std::string text() const { return m_writer.m_text; }
+
+private:
+    void exchange(bool isApart) {
+        m_writer.m_text.swap(m_text);
+        m_writer.m_isApart = isApart;
+    }
+
+    const DxfTextWriter& m_writer;
+    std::string m_text;
+};
+
+/// What DL_Dxf::writePoint writes before the coordinates, in release R12.
+std::string DxfTextWriter::pointHead(const DL_Attributes& attributes) const {
+    const Apart apart(*this);
+    entity("POINT");
+    entityAttributes(attributes);
+    return apart.text();
+}
+
+void DxfTextWriter::writePoints(const DL_Attributes& attributes,
                                 const std::vector<cv::Point3_<double>>& points) const {
+    const std::string head = pointHead(attributes);
     for (const cv::Point3_<double>& point : points) {
         appendPoint(head, point, m_text);
         groupWritten();

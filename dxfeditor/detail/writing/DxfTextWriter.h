@@ -31,8 +31,10 @@ public:
     void dxfString(int gc, const char* value) const override;
     void dxfString(int gc, const std::string& value) const override;
 
-    /// One object per point, as appendPoint() makes it.
-    void writePoints(const std::string& head, const std::vector<cv::Point3_<double>>& points) const;
+    /// One POINT per point, as DL_Dxf::writePoint writes it in release R12, but what comes before
+    /// the coordinates is spelled once for all.
+    void writePoints(const DL_Attributes& attributes,
+                     const std::vector<cv::Point3_<double>>& points) const;
 
 protected:
     /// Called after each group; a derived writer may take the text away.
@@ -42,6 +44,11 @@ protected:
 
 private:
     void append(int gc, const char* value, std::size_t length) const;
+    std::string pointHead(const DL_Attributes& attributes) const;
+
+    class Apart;
+
+    mutable bool m_isApart = false;
 };
 
 } // namespace dxfeditor

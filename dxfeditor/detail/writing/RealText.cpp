@@ -1,3 +1,10 @@
+// %.16f without the zeros at its end. A double below 2^53 is an integer over a power of two: what
+// lies before the point is a shift, and what lies behind it, times 10^16, an integer of 128 bits,
+// so that one comparison with one half rounds it exactly.
+//
+// Not done: printf, which is as exact, but depends on the locale; and the shortest digits that read
+// back, which would be other text than these files have.
+
 #include "dxfeditor/detail/writing/RealText.h"
 
 #include <algorithm>

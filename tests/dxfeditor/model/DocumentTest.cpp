@@ -11,6 +11,7 @@
 #include <random>
 #include <string>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -254,6 +255,31 @@ TEST(DocumentEntities, FollowAPlainListThroughRandomChanges) {
                 plain.push_back(chosen);
             }
             ASSERT_EQ(document.entities(), plain);
+        }
+    }
+}
+
+TEST(DocumentEntities, ThatAreHandedOverAreDeletedEveryTimeTheyOccur) {
+    for (const bool isDeletedBefore : {false, true}) {
+        for (const int occurrences : {1, 2, 3}) {
+            DXFDocument document;
+            const auto a = entity();
+            const auto b = entity();
+            document.addEntity(a);
+            document.addEntity(b);
+            if (isDeletedBefore) {
+                document.deleteEntity(b);
+            }
+            auto given = entity();
+            const std::weak_ptr<DXFEntity> watched = given;
+            for (int i = 0; i < occurrences; ++i) {
+                document.addEntity(given);
+            }
+            document.deleteEntity(std::move(given));
+            EXPECT_TRUE(watched.expired());
+            EXPECT_EQ(document.entities(),
+                      (isDeletedBefore ? std::list<std::shared_ptr<DXFEntity>>{a}
+                                       : std::list<std::shared_ptr<DXFEntity>>{a, b}));
         }
     }
 }

@@ -8,6 +8,7 @@
 #include "dxfeditor/DXFPointVector.h"
 #include "dxfeditor/DXFPolyline.h"
 #include "dxfeditor/DXFSpline.h"
+#include "tests/support/CloneOf.h"
 
 #include <gtest/gtest.h>
 
@@ -16,6 +17,7 @@
 #include <limits>
 #include <string>
 #include <type_traits>
+#include <typeinfo>
 
 namespace {
 
@@ -59,6 +61,13 @@ const std::vector<Kind>& kinds() {
     return all;
 }
 
+/// An entity of a caller's own, derived from one of the library's.
+template <class Entity>
+struct OwnKind : Entity {
+    using Entity::Entity;
+    DXFEntity* clone() const override { return new OwnKind(*this); }
+};
+
 TEST(Attributes, KeepEveryValueInItsOwnPlace) {
     const DXFAttributes attributes("walls", 3, 0x112233, 25, "DASHED", 2.5, 77, true);
     EXPECT_EQ(attributes.layerName(), "walls");
@@ -83,6 +92,19 @@ TEST(Attributes, AreNeitherCheckedNorCleaned) {
     EXPECT_EQ(attributes.lineType(), "");
     EXPECT_TRUE(std::signbit(attributes.lineTypeScale()));
     EXPECT_EQ(attributes.handle(), least);
+}
+
+TEST(Attributes, WithAnotherHandleKeepTheRest) {
+    const std::shared_ptr<DXFAttributes> attributes = someAttributes()->withHandle(5);
+    EXPECT_EQ(attributes->layerName(), "walls");
+    EXPECT_EQ(attributes->color(), 3);
+    EXPECT_EQ(attributes->color24(), 0x112233);
+    EXPECT_EQ(attributes->width(), 25);
+    EXPECT_EQ(attributes->lineType(), "DASHED");
+    EXPECT_EQ(attributes->lineTypeScale(), 2.5);
+    EXPECT_EQ(attributes->handle(), 5);
+    EXPECT_TRUE(attributes->inPaperSpace());
+    EXPECT_EQ(someAttributes()->handle(), 77);
 }
 
 TEST(Entity, OfEveryKindReportsItsCode) {
@@ -172,7 +194,7 @@ TEST(Clone, OfALineTakesOverItsEndsOnly) {
     DXFLine line(Point(1, 2, 3), Point(4, 5, 6));
     line.setAttributes(someAttributes());
     line.setLineWidth(9);
-    const std::unique_ptr<DXFLine> clone(line.clone());
+    const std::unique_ptr<DXFLine> clone = cloneOf(line);
     EXPECT_EQ(clone->attributes(), nullptr);
     EXPECT_EQ(clone->lineWidth(), 0);
     EXPECT_EQ(clone->getP1(), Point(1, 2, 3));
@@ -181,13 +203,30 @@ TEST(Clone, OfALineTakesOverItsEndsOnly) {
     EXPECT_EQ(line.lineWidth(), 9);
 }
 
+TEST(Clone, OfAClassOfTheCallersMayBeAnyEntity) {
+    const std::shared_ptr<DXFEntity> entities[] = {
+        std::make_shared<OwnKind<DXFPolyline>>(0U, 0U, 0U),
+        std::make_shared<OwnKind<DXFPoint>>(1.0, 2.0, 3.0),
+        std::make_shared<OwnKind<DXFPointVector>>(std::vector<Point>{{1, 2, 3}}),
+        std::make_shared<OwnKind<DXFCircle>>(Point(1, 2, 3), 4.0),
+        std::make_shared<OwnKind<DXFArc>>(Point(1, 2, 3), 4.0, 5.0, 6.0),
+        std::make_shared<OwnKind<DXFLine>>(Point(1, 2, 3), Point(4, 5, 6)),
+        std::make_shared<OwnKind<DXFSpline>>(3U, 0U, 0U, 0U, 0)};
+    for (const std::shared_ptr<DXFEntity>& entity : entities) {
+        const std::unique_ptr<DXFEntity> clone(entity->clone());
+        const DXFEntity& original = *entity;
+        const DXFEntity& copy = *clone;
+        EXPECT_EQ(typeid(copy), typeid(original));
+    }
+}
+
 TEST(Clone, TakesOverTheGeometry) {
-    const std::unique_ptr<DXFPoint> point(DXFPoint(1, 2, 3).clone());
+    const std::unique_ptr<DXFPoint> point = cloneOf(DXFPoint(1, 2, 3));
     EXPECT_EQ(Point(point->mX(), point->mY(), point->mZ()), Point(1, 2, 3));
-    const std::unique_ptr<DXFCircle> circle(DXFCircle(Point(1, 2, 3), 4).clone());
+    const std::unique_ptr<DXFCircle> circle = cloneOf(DXFCircle(Point(1, 2, 3), 4));
     EXPECT_EQ(circle->getCenter(), Point(1, 2, 3));
     EXPECT_EQ(circle->getRadius(), 4);
-    const std::unique_ptr<DXFArc> arc(DXFArc(Point(1, 2, 3), 4, 5, 6).clone());
+    const std::unique_ptr<DXFArc> arc = cloneOf(DXFArc(Point(1, 2, 3), 4, 5, 6));
     EXPECT_EQ(arc->getCenter(), Point(1, 2, 3));
     EXPECT_EQ(arc->getRadius(), 4);
     EXPECT_EQ(arc->getStartAngle(), 5);
@@ -196,7 +235,7 @@ TEST(Clone, TakesOverTheGeometry) {
 
 TEST(Clone, OfAPointVectorHasPointsOfItsOwn) {
     DXFPointVector vector({Point(1, 2, 3)});
-    const std::unique_ptr<DXFPointVector> clone(vector.clone());
+    const std::unique_ptr<DXFPointVector> clone = cloneOf(vector);
     clone->addPoint(Point(4, 5, 6));
     vector.addPoint(Point(7, 8, 9));
     EXPECT_EQ(clone->mV(), (std::vector<Point>{{1, 2, 3}, {4, 5, 6}}));

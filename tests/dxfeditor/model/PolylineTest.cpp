@@ -1,4 +1,5 @@
 #include "dxfeditor/DXFPolyline.h"
+#include "tests/support/CloneOf.h"
 
 #include <gtest/gtest.h>
 
@@ -213,12 +214,79 @@ TEST(PolylineSetSegments, OfRandomOpenChainsSurvivesSetup) {
     }
 }
 
+/// A polyline that makes its segments when it is set up, and keeps them.
+struct PlainPolyline {
+    bool isClosed;
+    bool isPending = true;
+    std::vector<DXFVertex> vertices = {};
+    std::vector<Segment> segments = {};
+
+    void setup() {
+        if (!isPending) {
+            return;
+        }
+        segments.clear();
+        for (std::size_t i = 1; i < vertices.size(); ++i) {
+            segments.push_back(
+                {vertices[i - 1].x(), vertices[i - 1].y(), vertices[i].x(), vertices[i].y()});
+        }
+        if (isClosed && segments.size() > 1) {
+            segments.push_back({segments.front().startX, segments.front().startY,
+                                segments.back().endX, segments.back().endY});
+        }
+        isPending = false;
+    }
+
+    void setSegments(const std::vector<Segment>& given) {
+        segments = given;
+        isPending = true;
+        vertices.clear();
+        for (const Segment& segment : given) {
+            if (vertices.empty()) {
+                vertices.push_back(vertex(segment.startX, segment.startY));
+            }
+            vertices.push_back(vertex(segment.endX, segment.endY));
+        }
+    }
+};
+
+TEST(Polyline, FollowsAPlainOneThroughRandomChanges) {
+    std::mt19937 random(1);
+    const auto number = [&] { return static_cast<double>(random() % 1000); };
+    for (int round = 0; round < 1000; ++round) {
+        DXFPolyline polyline(0, 0, round % 2 == 0 ? closed : 0);
+        PlainPolyline plain{polyline.isClosed()};
+        for (int step = 0; step < 12; ++step) {
+            if (const unsigned choice = random() % 8; choice < 5) {
+                plain.vertices.push_back(vertex(number(), number()));
+                polyline.appendPoint(plain.vertices.back());
+            } else if (choice < 7) {
+                polyline.setup();
+                plain.setup();
+            } else {
+                std::vector<Segment> given(random() % 4);
+                for (Segment& segment : given) {
+                    segment = {number(), number(), number(), number()};
+                }
+                polyline.setSegments(given);
+                plain.setSegments(given);
+            }
+            ASSERT_EQ(polyline.segments(), plain.segments);
+            ASSERT_EQ(polyline.segmentCount(), plain.segments.size());
+            for (std::size_t i = 0; i < plain.segments.size(); ++i) {
+                ASSERT_EQ(polyline.segment(i), plain.segments[i]);
+            }
+            ASSERT_EQ(polyline.vertexNumber(), static_cast<int>(plain.vertices.size()));
+        }
+    }
+}
+
 TEST(PolylineClone, HasVerticesAndSegmentsOfItsOwn) {
     DXFPolyline polyline(7, 8, closed);
     polyline.appendPoint(vertex(0, 0, 1, 2));
     polyline.appendPoint(vertex(1, 0));
     polyline.setup();
-    const std::unique_ptr<DXFPolyline> clone(polyline.clone());
+    const std::unique_ptr<DXFPolyline> clone = cloneOf(polyline);
     EXPECT_EQ(clone->segments(), polyline.segments());
     EXPECT_EQ(clone->mVertices(), 7U);
     EXPECT_EQ(clone->nVertices(), 8U);
@@ -234,9 +302,9 @@ TEST(PolylineClone, TakesOverWhetherSetupIsPending) {
     DXFPolyline polyline(0, 0, 0);
     polyline.appendPoint(vertex(0, 0));
     polyline.appendPoint(vertex(1, 0));
-    const std::unique_ptr<DXFPolyline> pending(polyline.clone());
+    const std::unique_ptr<DXFPolyline> pending = cloneOf(polyline);
     polyline.setup();
-    const std::unique_ptr<DXFPolyline> done(polyline.clone());
+    const std::unique_ptr<DXFPolyline> done = cloneOf(polyline);
     pending->appendPoint(vertex(2, 0));
     done->appendPoint(vertex(2, 0));
     pending->setup();

@@ -1,5 +1,6 @@
 #include "dxfeditor/DXFSpline.h"
 #include "dxfeditor/detail/walking/TruncatedCount.h"
+#include "tests/support/CloneOf.h"
 #include "tests/support/ReferenceSpline.h"
 
 #include <gtest/gtest.h>
@@ -104,7 +105,7 @@ TEST(Spline, IgnoresTheCountsOfItsConstructor) {
 TEST(Spline, CloneHasKnotsAndPointsOfItsOwn) {
     DXFSpline s = quarterCircle();
     s.appendFitPoint(7, 8, 9);
-    const std::unique_ptr<DXFSpline> clone(s.clone());
+    const std::unique_ptr<DXFSpline> clone = cloneOf(s);
     s.appendKnot(99);
     s.appendControlPoint(9, 9, 9, 9);
     s.appendFitPoint(9, 9, 9);
@@ -235,6 +236,25 @@ TEST(SplineEvaluate, BelowTheFirstUsableKnotStaysAtTheStart) {
     for (const double t : {-1e-9, -5.0, -1e300, -infinity}) {
         EXPECT_EQ(s.evaluate(t), s.evaluate(0)) << t;
     }
+}
+
+TEST(SplineSample, OverFallingKnotsEndsAtTheLastPointThoughItsParameterIsRounded) {
+    // -0.1 / 11, eleven times, falls just short of the knot 0.
+    const DXFSpline falling = spline(1, {0.1, 0.1, 0, 0}, {{0, 0, 0, 1}, {1.15, 0, 0, 1}});
+    const double step = (0.0 - 0.1) / 11;
+    ASSERT_LT(0.1 + 11 * step, 0.0);
+    const Points points = falling.sample(0.1);
+    ASSERT_EQ(points.size(), 12U);
+    for (std::size_t i = 0; i < points.size(); ++i) {
+        expectNear(points[i], {1.15 / 11 * static_cast<double>(i), 0}, 1e-12);
+    }
+}
+
+TEST(SplineEvaluate, BelowFallingKnotsStaysAtTheLowerOne) {
+    const DXFSpline falling = spline(1, {1, 1, 0, 0}, {{0, 0, 0, 1}, {5, 0, 0, 1}});
+    EXPECT_EQ(falling.evaluate(0), cv::Point_<double>(5, 0));
+    EXPECT_EQ(falling.evaluate(-3), falling.evaluate(0));
+    EXPECT_EQ(falling.evaluate(-infinity), falling.evaluate(0));
 }
 
 TEST(SplineEvaluate, OfAVanishingWeightIsTheOrigin) {

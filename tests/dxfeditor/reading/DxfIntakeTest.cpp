@@ -198,16 +198,19 @@ bool decodes(const std::vector<std::string>& lines) {
     const std::string text = dxf(lines);
     dxfeditor::DxfObjects objects(text);
     dxfeditor::DxfObject object;
-    return objects.next(object) && dxfeditor::DxfEntityDecoder().decode(object, objects);
+    dxfeditor::DxfEntityDecoder decoder;
+    return decoder.next(objects, object) && decoder.hasDecoded();
 }
 
-TEST(DxfDecoder, TakesPlainEntities) {
-    for (const std::string kind : {"POINT", "LINE", "CIRCLE", "ARC", "LWPOLYLINE"}) {
+TEST(DxfDecoder, TakesPlainObjects) {
+    for (const std::string kind :
+         {"POINT", "LINE", "CIRCLE", "ARC", "LWPOLYLINE", "SPLINE", "LAYER", "BLOCK", "ENDBLK"}) {
         EXPECT_TRUE(decodes({"0", kind, "5", "1F", "8", "walls", "10", "1.5", "20", "-2e3", "40",
                              " 3 ", "1001", "APP", "0", "EOF"}))
             << kind;
     }
     EXPECT_TRUE(decodes({"0", "POLYLINE", "0", "VERTEX", "10", "1", "0", "VERTEX", "0", "SEQEND"}));
+    EXPECT_TRUE(decodes({"0", "SPLINE", "72", "1", "40", "0", "73", "1", "10", "1", "0", "EOF"}));
 }
 
 TEST(DxfDecoder, LeavesTheRestToDxflib) {
@@ -215,7 +218,11 @@ TEST(DxfDecoder, LeavesTheRestToDxflib) {
     EXPECT_FALSE(decodes({"0", "LINE", "10", "+1", "0", "EOF"}));
     EXPECT_FALSE(decodes({"0", "LINE", "10", "", "0", "EOF"}));
     EXPECT_FALSE(decodes({"0", "LINE", "5", "0x1", "0", "EOF"}));
-    EXPECT_FALSE(decodes({"0", "SPLINE", "0", "EOF"}));
+    EXPECT_FALSE(decodes({"0", "LTYPE", "0", "EOF"}));
+    EXPECT_FALSE(decodes({"0", "SPLINE", "72", "2", "40", "0", "0", "EOF"})) << "a knot is missing";
+    EXPECT_FALSE(decodes({"0", "SPLINE", "73", "1", "0", "EOF"}));
+    EXPECT_FALSE(decodes({"0", "SPLINE", "74", "-1", "0", "EOF"}));
+    EXPECT_FALSE(decodes({"0", "SPLINE", "10", "x", "0", "EOF"}));
     EXPECT_FALSE(decodes({"0", "VERTEX", "0", "EOF"}));
     EXPECT_FALSE(decodes({"0", "POLYLINE", "0", "SEQEND"}));
     EXPECT_FALSE(decodes({"0", "POLYLINE", "0", "VERTEX", "0", "EOF"}));
@@ -326,6 +333,66 @@ TEST(DxfDecoder, ReadsIntegersAsDxflibDoes) {
                 dxf({"0", "LWPOLYLINE", "90", "1", code, value, "10", "1", "0", "EOF"});
             EXPECT_EQ(drawingOf(text, DxfDecoding::Ours), drawingByDxflib(text)) << value;
         }
+    }
+}
+
+/// Records what the drawing model does not use: the elevation of each object and the tangents of
+/// splines.
+class HeightRecorder : public DL_CreationAdapter {
+public:
+    std::vector<double> heights;
+    std::vector<double> tangents;
+    void endSection() override { heights.push_back(getExtrusion()->getElevation()); }
+    void addSpline(const DL_SplineData& data) override {
+        tangents.insert(tangents.end(), {data.tangentStartX, data.tangentStartY, data.tangentStartZ,
+                                         data.tangentEndX, data.tangentEndY, data.tangentEndZ});
+    }
+};
+
+TEST(DxfDecoder, ReadsElevationsAsDxflibDoes) {
+    std::vector<std::string> lines;
+    for (const std::string kind :
+         {"POINT", "LINE", "CIRCLE", "ARC", "LWPOLYLINE", "SPLINE", "LAYER", "BLOCK", "ENDBLK"}) {
+        lines.insert(lines.end(), {"0", kind, "2", "name", "10", "1", "30", "2", "10", "3", "30",
+                                   std::to_string(lines.size()), "38", "7"});
+    }
+    lines.insert(lines.end(), {"0", "POLYLINE", "30", "1", "38", "2", "0", "VERTEX", "30", "3", "0",
+                               "VERTEX", "0", "SEQEND", "0", "EOF"});
+    HeightRecorder ours;
+    dxfeditor::parseDxf(dxf(lines), ours, DxfDecoding::Ours);
+    HeightRecorder byDxflib;
+    parseWithDxflib(dxf(lines), byDxflib);
+    // dxflib ends something before the first object, too, and the SEQEND.
+    byDxflib.heights.erase(byDxflib.heights.begin());
+    byDxflib.heights.pop_back();
+    EXPECT_EQ(ours.heights, byDxflib.heights);
+}
+
+TEST(DxfDecoder, ReadsTheTangentsOfASplineAsDxflibDoes) {
+    const std::string text =
+        dxf({"0",  "SPLINE", "12", "1", "22", "2",      "32", "3", "13", "4",
+             "23", "5",      "33", "6", "0",  "SPLINE", "23", "7", "0",  "EOF"});
+    HeightRecorder ours;
+    dxfeditor::parseDxf(text, ours, DxfDecoding::Ours);
+    HeightRecorder byDxflib;
+    parseWithDxflib(text, byDxflib);
+    EXPECT_EQ(ours.tangents, byDxflib.tangents);
+    EXPECT_EQ(ours.tangents, (std::vector<double>{1, 2, 3, 4, 5, 6, 0, 0, 0, 0, 7, 0}));
+}
+
+TEST(DxfDecoder, GivesWeightsToControlPointsAsDxflibDoes) {
+    // By their own order, wherever they stand; those beyond the last point go to the last point.
+    const std::vector<std::vector<std::string>> drawings = {
+        {"0", "SPLINE", "41", "2", "10", "1", "41", "3", "10", "4", "41", "5", "0", "EOF"},
+        {"0", "SPLINE", "73", "2", "10", "1", "10", "4", "41", "5", "20", "6", "0", "EOF"},
+        {"0", "SPLINE", "73", "1", "10", "1", "10", "4", "41", "5", "41", "6", "0", "EOF"},
+        {"0", "SPLINE", "41", "5", "73", "1", "10", "1", "0", "EOF"},
+        {"0", "SPLINE", "41", "5", "73", "0", "41", "5", "0", "EOF"},
+        {"0", "SPLINE", "10", "1", "41", "x", "0", "EOF"},
+    };
+    for (const std::vector<std::string>& drawing : drawings) {
+        const std::string text = dxf(drawing);
+        EXPECT_EQ(callsOf(text, DxfDecoding::Ours), callsOf(text)) << text;
     }
 }
 

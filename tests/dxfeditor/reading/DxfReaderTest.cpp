@@ -1,16 +1,20 @@
 #include "dxfeditor/DXFReader.h"
 
+#include "dxfeditor/DXFAdapter.h"
 #include "dxfeditor/DXFDocument.h"
 #include "dxfeditor/DXFEntity.h"
 #include "dxfeditor/DXFLayer.h"
 #include "dxfeditor/DXFLine.h"
 #include "dxfeditor/DXFLineType.h"
 #include "dxfeditor/DXFPolyline.h"
+#include "dxfeditor/DXFSpline.h"
 #include "tests/support/DrawingText.h"
 #include "tests/support/TemporaryDirectory.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <random>
 
 namespace {
 
@@ -183,6 +187,64 @@ TEST_F(DxfReaderCallbacks, AnEntityGetsTheAttributesReportedWhenItEnds) {
     reader.setAttributes(last);
     reader.endEntity();
     EXPECT_THAT(entities(), ElementsAre("line 1 2 3 4 5 6 {last 5 6 7 DOT 2.5 8}"));
+}
+
+TEST_F(DxfReaderCallbacks, EntitiesOfEqualAttributesShareARecord) {
+    for (const int handle : {4, 4, 5}) {
+        reader.setAttributes(DL_Attributes("walls", 1, 2, 3, "DASHED", handle));
+        reader.addLine({1, 2, 3, 4, 5, 6});
+        reader.endEntity();
+    }
+    std::vector<std::shared_ptr<DXFAttributes>> records;
+    for (const auto& entity : document.entities()) {
+        records.push_back(entity->attributes());
+    }
+    EXPECT_EQ(records[0], records[1]);
+    EXPECT_NE(records[0], records[2]);
+    EXPECT_EQ(records[0]->handle(), 4);
+    EXPECT_EQ(records[2]->handle(), 5);
+}
+
+TEST_F(DxfReaderCallbacks, EveryEntityGetsItsOwnAttributesWhateverOthersHave) {
+    std::mt19937 random(1);
+    const auto below = [&](unsigned limit) { return static_cast<int>(random() % limit); };
+    const std::vector<std::string> names = {"", "0", "walls", "a name of more than fifteen bytes"};
+    const std::vector<double> scales = {1.0, 0.0, -0.0, 2.5};
+    std::vector<std::string> expected;
+    for (int i = 0; i < 20000; ++i) {
+        DL_Attributes attributes(names[random() % 4], below(8), below(3), below(3),
+                                 names[random() % 4], below(3));
+        attributes.setLinetypeScale(scales[random() % 4]);
+        attributes.setInPaperSpace(below(2) == 0);
+        reader.setAttributes(attributes);
+        reader.addLine({1, 2, 3, 4, 5, 6});
+        reader.endEntity();
+        DXFLine line({1, 2, 3}, {4, 5, 6});
+        line.setAttributes(DXFAdapter::makeAttributes(attributes));
+        expected.push_back(describe(line));
+    }
+    EXPECT_EQ(entities(), expected);
+}
+
+TEST_F(DxfReaderCallbacks, AnEntityThatEndsTakesNoMoreMemoryThanItsParts) {
+    reader.addPolyline({0, 0, 0, 0});
+    for (int i = 0; i < 13; ++i) {
+        reader.addVertex({1, 2, 3, 0});
+    }
+    reader.endEntity();
+    reader.addSpline({3, 13, 9, 0, 0});
+    for (int i = 0; i < 13; ++i) {
+        reader.addKnot({1.0 * i});
+        reader.addControlPoint({1, 2, 3, 1});
+        reader.addFitPoint({1, 2, 3});
+    }
+    reader.endEntity();
+    const auto polyline = std::dynamic_pointer_cast<DXFPolyline>(document.entities().front());
+    const auto spline = std::dynamic_pointer_cast<DXFSpline>(document.entities().back());
+    EXPECT_EQ(polyline->vertices().capacity(), 13U);
+    EXPECT_EQ(spline->knots().capacity(), 13U);
+    EXPECT_EQ(spline->controlPoints().capacity(), 13U);
+    EXPECT_EQ(spline->fitPoints().capacity(), 13U);
 }
 
 TEST_F(DxfReaderCallbacks, LayersAreAddedInsideBlocksToo) {
@@ -631,6 +693,14 @@ TEST_F(DxfFile, IsReadLikeItsBytes) {
     ASSERT_NE(document, nullptr);
     EXPECT_EQ(document->layers().size(), 1U);
     EXPECT_EQ(entitiesOf(*document), read(text));
+}
+
+TEST_F(DxfFile, IsReadUpToItsFirstNul) {
+    std::string text = dxf({"0", "LINE", "0", "CIRCLE", "8", "walls", "0", "ARC", "0", "EOF"});
+    text[text.find("walls") + 2] = '\0';
+    DXFDocument document;
+    EXPECT_TRUE(DXFReader(document).load(write(text)));
+    EXPECT_THAT(entitiesOf(document), ElementsAre("line 0 0 0 0 0 0" + defaults));
 }
 
 TEST_F(DxfFile, LoadLeavesSetupToTheCaller) {

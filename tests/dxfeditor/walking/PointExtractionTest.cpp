@@ -250,7 +250,7 @@ public:
     explicit Stranger(int code) : m_code(code) {}
     int type() const override { return m_code; }
     void setup() override {}
-    Stranger* clone() const override { return new Stranger(*this); }
+    DXFEntity* clone() const override { return new Stranger(*this); }
 
 private:
     int m_code;
@@ -271,6 +271,31 @@ TEST(PointExtractionTest, EntitiesThatAreNotWhatTheirTypeCodeSaysAreSkipped) {
         EXPECT_TRUE(pointsOf<Stranger>(code).empty()) << code;
         EXPECT_EQ(pointsOf<LyingPoint>(code).size(), code == 1 ? 1U : 0U) << code;
     }
+}
+
+/// A line and a circle in one, which says what it is told to.
+class Two : public DXFLine, public DXFCircle {
+public:
+    explicit Two(int code)
+        : DXFLine(Point(10, 20, 0), Point(11, 20, 0)), DXFCircle(Point(5, 6, 0), 1.0),
+          m_code(code) {}
+    int type() const override { return m_code; }
+    void setup() override {}
+    DXFEntity* clone() const override { return DXFLine::clone(); }
+
+private:
+    int m_code;
+};
+
+TEST(PointExtractionTest, AnEntityOfTwoClassesIsTheOneThatItsTypeCodeNames) {
+    const auto line = std::make_shared<Two>(DXFEntityType::Line);
+    const auto circle = std::make_shared<Two>(DXFEntityType::Circle);
+    const Points plainLine = lineFrom(10, 20, 11, 20);
+    const Points plainCircle = pointsOf<DXFCircle>(Point(5, 6, 0), 1.0);
+    EXPECT_TRUE(samePoints(pointsOfDrawing({std::shared_ptr<DXFLine>(line)}), plainLine));
+    EXPECT_TRUE(samePoints(pointsOfDrawing({std::shared_ptr<DXFCircle>(line)}), plainLine));
+    EXPECT_TRUE(samePoints(pointsOfDrawing({std::shared_ptr<DXFLine>(circle)}), plainCircle));
+    EXPECT_TRUE(samePoints(pointsOfDrawing({std::shared_ptr<DXFCircle>(circle)}), plainCircle));
 }
 
 TEST(PointExtractionTest, EmptyPointersAreSkipped) {

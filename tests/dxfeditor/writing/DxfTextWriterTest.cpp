@@ -253,15 +253,18 @@ TEST(DxfTextWriter, RunOfPointsIsWrittenAsDxflibWritesEachPoint) {
     for (int i = 0; i < 100; ++i) {
         points.emplace_back(fromBits(random()), fromBits(random()), fromBits(random()));
     }
-    const dxfeditor::DxfTextWriter own(DL_Codes::AC1009);
-    own.writePoints("head\n", points);
-    std::string expected;
+    const DL_Attributes attributes("walls", 3, 0x112233, 25, "DASHED", 77);
+    dxfeditor::DxfTextWriter own(DL_Codes::AC1009);
+    dxfeditor::DxfTextWriter expected(DL_Codes::AC1009);
+    own.dxfString(0, "before");
+    expected.dxfString(0, "before");
+    own.writePoints(attributes, points);
+    DL_Dxf engine;
+    const std::unique_ptr<DL_WriterA> none(engine.out("", DL_Codes::AC1009));
     for (const cv::Point3_<double>& point : points) {
-        const dxfeditor::DxfTextWriter coordinates(DL_Codes::AC1009);
-        coordinates.coord(10, point.x, point.y, point.z);
-        expected += "head\n" + coordinates.text();
+        engine.writePoint(expected, DL_PointData(point.x, point.y, point.z), attributes);
     }
-    EXPECT_EQ(own.text(), expected);
+    EXPECT_EQ(own.text(), expected.text());
 }
 
 } // namespace

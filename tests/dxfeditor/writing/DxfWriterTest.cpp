@@ -14,11 +14,13 @@
 #include "tests/support/CapturedLog.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/CommaLocale.h"
+#include "tests/support/OwnFileSystem.h"
 #include "tests/support/TemporaryDirectory.h"
 
 #include <dxflib/dl_creationadapter.h>
 #include <dxflib/dl_dxf.h>
 #include <fcntl.h>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/resource.h>
@@ -26,6 +28,7 @@
 
 #include <clocale>
 #include <future>
+#include <limits>
 
 namespace {
 
@@ -194,10 +197,12 @@ TEST_F(DXFWriterTest, PointVectorGivesOnePointEachOnOneLayer) {
 
 TEST_F(DXFWriterTest, PointVectorIsWrittenLikeSinglePoints) {
     const std::vector<cv::Point3_<double>> points = {{1.0, 2.0, 3.0}, {-0.1, 1e-9, 1e9}};
-    for (const char* lineType : {"CONTINUOUS", "BYLAYER"}) {
+    const std::string longerThanABlock(300'000, 'a');
+    for (const std::string& layer : {std::string("a"), longerThanABlock}) {
         for (const int color : {7, 256, 0}) {
+            const char* const lineType = color == 7 ? "CONTINUOUS" : "BYLAYER";
             const auto attributes =
-                std::make_shared<DXFAttributes>("a", color, 5, 10, lineType, 2.0, 77, false);
+                std::make_shared<DXFAttributes>(layer, color, 5, 10, lineType, 2.0, 77, false);
             DXFDocument single;
             for (const cv::Point3_<double>& point : points) {
                 const auto entity = std::make_shared<DXFPoint>(point.x, point.y, point.z);
@@ -211,7 +216,7 @@ TEST_F(DXFWriterTest, PointVectorIsWrittenLikeSinglePoints) {
             ASSERT_TRUE(DXFWriter(single).save(m_path));
             const std::string expected = contentOf(m_path);
             ASSERT_TRUE(DXFWriter(run).save(m_path));
-            EXPECT_EQ(contentOf(m_path), expected);
+            EXPECT_TRUE(contentOf(m_path) == expected) << color;
         }
     }
 }
@@ -267,7 +272,7 @@ public:
     explicit UnknownEntity(int type) : m_type(type) {}
     int type() const override { return m_type; }
     void setup() override {}
-    UnknownEntity* clone() const override { return new UnknownEntity(*this); }
+    DXFEntity* clone() const override { return new UnknownEntity(*this); }
 
 private:
     int m_type;
@@ -288,15 +293,48 @@ TEST_F(DXFWriterTest, EntityThatIsNotOfItsTypesClassIsFatal) {
         DXFDocument document;
         document.addEntity(std::make_shared<UnknownEntity>(type));
         DXFWriter writer(document);
-        EXPECT_DEATH(writer.save(m_path), "bad_cast");
+        EXPECT_DEATH(writer.save(m_path), "terminate");
     }
 }
 
-TEST_F(DXFWriterTest, ThrowingLogIsFatalForAnUnsupportedEntity) {
+/// A polyline and a point in one, which says what it is told to.
+class Both : public DXFPolyline, public DXFPoint {
+public:
+    explicit Both(int type) : DXFPolyline(0, 0, 0), DXFPoint(1.0, 0.0, 0.0), m_type(type) {
+        appendPoint(DXFVertex(5.0, 6.0, 0.0, true, 0.0));
+        DXFPoint::setAttributes(attributesOf("a", 1));
+        DXFPolyline::setAttributes(attributesOf("a", 1));
+    }
+    int type() const override { return m_type; }
+    void setup() override {}
+    DXFEntity* clone() const override { return DXFPoint::clone(); }
+
+private:
+    int m_type;
+};
+
+TEST_F(DXFWriterTest, EntityOfSeveralClassesIsWrittenAsTheOneThatItsTypeNames) {
+    const auto point = std::make_shared<Both>(DXFEntityType::Point);
+    m_document.addEntity(std::shared_ptr<DXFPolyline>(point));
+    const auto polyline = std::make_shared<Both>(DXFEntityType::Polyline);
+    m_document.addEntity(std::shared_ptr<DXFPoint>(polyline));
+    const std::string vertex = "  0\nVERTEX\n  8\na\n 10\n5.0\n 20\n6.0\n 30\n0.0\n";
+    const std::string text = saved();
+    EXPECT_THAT(text, testing::HasSubstr("ENTITIES\n" + pointText("a", 1, "1.0")));
+    EXPECT_THAT(text, testing::HasSubstr(vertex));
+}
+
+TEST_F(DXFWriterTest, ThrowingLogReachesTheCallerAtAnUnsupportedEntity) {
+    m_document.addEntity(onLayer<DXFPoint>("a", 1, 1.0, 0.0, 0.0));
     m_document.addEntity(nullptr);
-    DXFWriter writer(m_document);
-    const ThrowingLog log;
-    EXPECT_DEATH(writer.save(m_path), "deliver");
+    {
+        DXFWriter writer(m_document);
+        const ThrowingLog log;
+        EXPECT_THROW(writer.save(m_path), std::runtime_error);
+    }
+    // What came before it is in the file, as without the exception.
+    EXPECT_EQ(contentOf(m_path),
+              fileStart + layerTable(1) + layerZero + entitiesStart + pointText("a", 1, "1.0"));
 }
 
 TEST_F(DXFWriterTest, ThrowingLogReachesTheCallerWhenTheFileCannotBeOpened) {
@@ -316,6 +354,73 @@ TEST_F(DXFWriterTest, FileThatCannotBeCreatedIsReported) {
         EXPECT_FALSE(DXFWriter(m_document).save(path));
         EXPECT_EQ(log.messages(), std::vector<LogMessage>{cannotOpen(path)});
     }
+}
+
+TEST_F(DXFWriterTest, UmaskThatTakesTheOwnersPermissionsAwayDoesNoHarm) {
+    chmod(m_directory.path().c_str(), 0777);
+    const int status = inChildProcess([&] {
+        // The administrator may write whatever the permissions say.
+        if (geteuid() == 0 && setuid(nobody) != 0) {
+            return notPermitted;
+        }
+        umask(0777);
+        return DXFWriter(m_document).save(m_path) ? 0 : 1;
+    });
+    if (status == notPermitted) {
+        GTEST_SKIP() << "no permission to become another user";
+    }
+    EXPECT_EQ(status, 0);
+    chmod(m_path.c_str(), 0600);
+    EXPECT_EQ(contentOf(m_path), fileStart + layerTable(1) + layerZero + entitiesStart + fileEnd);
+}
+
+TEST_F(DXFWriterTest, NewFilesHaveThePermissionsThatTheUmaskLeaves) {
+    for (const mode_t mask : {0000U, 0022U, 0077U}) {
+        const int status = inChildProcess([&] {
+            umask(mask);
+            return DXFWriter(m_document).save(m_path) ? 0 : 1;
+        });
+        EXPECT_EQ(status, 0);
+        EXPECT_EQ(static_cast<unsigned>(std::filesystem::status(m_path).permissions()),
+                  0666U & ~mask);
+        std::filesystem::remove(m_path);
+    }
+}
+
+TEST_F(DXFWriterTest, SaveToWritesFromWhereAnOpenFileStands) {
+    writeContent(m_path, "before ");
+    const int file = open(m_path.c_str(), O_WRONLY | O_APPEND | O_CLOEXEC);
+    ASSERT_GE(file, 0);
+    DXFWriter writer(m_document);
+    EXPECT_TRUE(writer.saveTo(file, "somewhere"));
+    const std::string drawing = fileStart + layerTable(1) + layerZero + entitiesStart + fileEnd;
+    EXPECT_EQ(contentOf(m_path), "before " + drawing);
+    ASSERT_EQ(write(file, "after", 5), 5) << "it is the caller's still";
+    close(file);
+    EXPECT_EQ(contentOf(m_path), "before " + drawing + "after");
+}
+
+TEST_F(DXFWriterTest, SaveToNamesTheFileThatIsNotOpenAsItIsTold) {
+    const CapturedLog log;
+    EXPECT_FALSE(DXFWriter(m_document).saveTo(-1, "somewhere"));
+    EXPECT_EQ(log.messages(), std::vector<LogMessage>{cannotOpen("somewhere")});
+}
+
+TEST_F(DXFWriterTest, NothingIsPrintedOnStandardErrorWhateverTheLayersHold) {
+    m_document.addLayer(layerNamed("", 0, 256));
+    for (const int color : {0, 255, 256, 257, std::numeric_limits<int>::max(), -1}) {
+        m_document.addLayer(layerNamed("color" + std::to_string(color), 0, color));
+    }
+    testing::internal::CaptureStderr();
+    const std::string text = saved();
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    const auto layer = [](const std::string& name, const std::string& color) {
+        return "  0\nLAYER\n  2\n" + name + "\n 70\n0\n 62\n" + color + "\n  6\nCONTINUOUS\n";
+    };
+    EXPECT_THAT(text, testing::HasSubstr(layerTable(8) + layerZero + layer("color0", "0") +
+                                         layer("color255", "255") + layer("color256", "7") +
+                                         layer("color257", "7") + layer("color2147483647", "7") +
+                                         layer("color-1", "-1")));
 }
 
 TEST_F(DXFWriterTest, OneWriterSavesAgainAndAgain) {

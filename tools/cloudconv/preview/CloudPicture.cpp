@@ -51,7 +51,11 @@ double explainColours(Canvas& canvas, const CloudScene& scene, const Rectangle& 
     constexpr double highest = 320.0;
     constexpr int digits = 6;
     const Interval& values = scene.values();
-    heading.heading(scene.isColouredByHeight() ? "z (no intensity)" : "Intensity");
+    if (scene.colour() == CloudColour::Rgb) {
+        heading.heading("Colours of the file");
+        return area.top;
+    }
+    heading.heading(scene.colour() == CloudColour::Height ? "Height (z)" : "Intensity");
     const double height = std::floor(std::min(highest, area.height - barTop - otherLines));
     if (!values.isEmpty() && values.low < values.high) {
         return drawBar(canvas, values, {area.left, area.top + barTop, barWidth, height});
@@ -59,6 +63,66 @@ double explainColours(Canvas& canvas, const CloudScene& scene, const Rectangle& 
     heading.note(values.isEmpty() ? "nan or infinite everywhere"
                                   : shortText(values.low, digits) + " everywhere");
     return area.top + 2 * barTop;
+}
+
+/// The box around the cloud as the picture shows it.
+Bounds boundsOfBox(const CloudScene& scene) {
+    Bounds bounds;
+    for (const double x : {scene.sides()[0].low, scene.sides()[0].high}) {
+        for (const double y : {scene.sides()[1].low, scene.sides()[1].high}) {
+            for (const double z : {scene.sides()[2].low, scene.sides()[2].high}) {
+                bounds.add(scene.projection().placeOf(std::array<double, 3>{x, y, z}));
+            }
+        }
+    }
+    return bounds;
+}
+
+/// The edges of the box around the cloud, which are what axes are to other views.
+void drawBox(Canvas& canvas, const CloudScene& scene, const PlotScale& scale) {
+    const Pen pen = {{0.72, 0.72, 0.72}, 1.0};
+    const std::array<Interval, 3>& sides = scene.sides();
+    const auto pixelOf = [&](unsigned corner) {
+        std::array<double, 3> place = {};
+        for (unsigned axis = 0; axis < place.size(); ++axis) {
+            const bool isHigh = (corner >> axis & 1U) != 0;
+            place.at(axis) = isHigh ? sides.at(axis).high : sides.at(axis).low;
+        }
+        return scale.pixel(scene.projection().placeOf(place));
+    };
+    for (unsigned corner = 0; corner < 8; ++corner) {
+        for (unsigned axis = 0; axis < 3; ++axis) {
+            if ((corner >> axis & 1U) == 0) {
+                canvas.line(pixelOf(corner), pixelOf(corner | 1U << axis), pen);
+            }
+        }
+    }
+}
+
+/// "x: -5 to 5".
+void nameSidesOfBox(Legend& legend, const CloudScene& scene) {
+    constexpr std::array<const char*, 3> names = {"x", "y", "z"};
+    constexpr int digits = 6;
+    for (std::size_t axis = 0; axis < names.size(); ++axis) {
+        const Interval& side = scene.sides().at(axis);
+        legend.note(std::string(names.at(axis)) + ": " + shortText(side.low, digits) + " to " +
+                    shortText(side.high, digits));
+    }
+}
+
+void noteView(Legend& notes, const CloudScene& scene) {
+    const std::string& words = scene.projection().words();
+    if (scene.projection().horizontalName().empty()) {
+        notes.note(words + ": x to the right,");
+        notes.note("y into the depth, z upwards");
+        nameSidesOfBox(notes, scene);
+    } else {
+        notes.note(words + ": what is nearer");
+        notes.note("hides what is behind");
+    }
+    if (scene.pointsWithoutPlace() > 0) {
+        notes.note(leftOutText(scene.pointsWithoutPlace()));
+    }
 }
 
 } // namespace
@@ -69,20 +133,24 @@ std::string drawPicture(Canvas& canvas, const PictureSize& size, const CloudScen
     constexpr double noteGap = 24.0;
     constexpr char unit[] = "cloud coordinates";
     const PlotFrame frame = frameOf(size);
-    const PlotScale scale(scene.bounds(), frame.plot, margin);
-    const PlotAxes axes(scale);
-    axes.drawGrid(canvas);
+    const CloudProjection& projection = scene.projection();
+    const bool hasAxes = !projection.horizontalName().empty();
+    const PlotScale scale(hasAxes ? scene.bounds() : boundsOfBox(scene), frame.plot, margin);
+    if (hasAxes) {
+        PlotAxes(scale).drawGrid(canvas);
+    } else {
+        drawBox(canvas, scene, scale);
+    }
     canvas.image(scene.view(scale, finenessFor(frame.plot)), frame.plot);
-    axes.drawAround(canvas, {"x", unit}, {"y", unit});
-    drawHeading(canvas, size, name, summary);
+    if (hasAxes) {
+        PlotAxes(scale).drawAround(canvas, {projection.horizontalName(), unit},
+                                   {projection.verticalName(), unit});
+    }
+    drawHeading(canvas, size, name, {summary});
     Legend colours(canvas, frame.legend);
     const double end = explainColours(canvas, scene, frame.legend, colours);
     Legend notes(canvas, {frame.legend.left, end + noteGap, frame.legend.width,
                           frame.legend.bottom() - end - noteGap});
-    notes.note("seen from above: greater z");
-    notes.note("hides what is below");
-    if (scene.pointsWithoutPlace() > 0) {
-        notes.note(leftOutText(scene.pointsWithoutPlace()));
-    }
+    noteView(notes, scene);
     return summary + "; " + colours.text() + "; " + notes.text();
 }

@@ -5,7 +5,7 @@
 
 #include <string>
 
-/// Draws a cloud from above, and what its colours mean.
+/// Draws a cloud, and what its colours mean.
 ///
 /// @param name     of the file: printable UTF-8
 /// @param summary  what is in it

@@ -2,8 +2,8 @@
 
 namespace {
 
-Place placeOf(const pcl::PointXYZI& point) {
-    return {static_cast<double>(point.x), static_cast<double>(point.y)};
+bool hasPlace(const pcl::PointXYZI& point) {
+    return std::isfinite(point.x) && std::isfinite(point.y) && std::isfinite(point.z);
 }
 
 /// An opaque cell.
@@ -22,11 +22,13 @@ public:
     static constexpr std::size_t none = static_cast<std::size_t>(-1);
 
     /// @param dotSize  the diameter of a dot, in cells
-    Grid(std::size_t columns, std::size_t rows, double dotSize)
-        : m_columns(columns), m_rows(rows), m_radius(dotSize / 2), m_seen(columns * rows, none) {}
+    Grid(std::size_t columns, std::size_t rows, double dotSize, const CloudProjection& projection)
+        : m_columns(columns), m_rows(rows), m_radius(dotSize / 2), m_projection(projection),
+          m_seen(columns * rows, none) {}
 
-    /// Shows a point as a dot around a place, where nothing is above it.
+    /// Shows a point as a dot around a place, where nothing is in front of it.
     void show(const Cloud& cloud, std::size_t index, const Place& centre) {
+        const double nearness = m_projection.nearness(cloud[index]);
         const auto [firstRow, lastRow] = reach(centre.y, m_radius, m_rows);
         for (std::size_t row = firstRow; row < lastRow; ++row) {
             const double up = static_cast<double>(row) + 0.5 - centre.y;
@@ -34,7 +36,7 @@ public:
             const auto [first, last] = reach(centre.x, half, m_columns);
             for (std::size_t column = first; column < last; ++column) {
                 std::size_t& seen = m_seen[row * m_columns + column];
-                if (seen == none || cloud[seen].z < cloud[index].z) {
+                if (seen == none || m_projection.nearness(cloud[seen]) < nearness) {
                     seen = index;
                 }
             }
@@ -58,26 +60,31 @@ private:
     std::size_t m_columns;
     std::size_t m_rows;
     double m_radius;
+    const CloudProjection& m_projection;
     std::vector<std::size_t> m_seen;
 };
 
 } // namespace
 
-CloudScene::CloudScene(const PlyContents& contents) : m_contents(contents) {
-    for (const pcl::PointXYZI& point : contents.cloud) {
+CloudScene::CloudScene(const PreviewScan& scan, CloudView view, CloudColour colour)
+    : m_scan(scan), m_projection(view), m_colour(colour) {
+    for (const pcl::PointXYZI& point : scan.cloud) {
         if (!hasPlace(point)) {
             ++m_withoutPlace;
             continue;
         }
-        m_bounds.add(placeOf(point));
-        if (std::isfinite(valueOf(point))) {
+        m_bounds.add(m_projection.placeOf(point));
+        for (std::size_t axis = 0; axis < m_sides.size(); ++axis) {
+            m_sides.at(axis).add(static_cast<double>(point.data[axis]));
+        }
+        if (colour != CloudColour::Rgb && std::isfinite(valueOf(point))) {
             m_values.add(valueOf(point));
         }
     }
 }
 
 double CloudScene::valueOf(const pcl::PointXYZI& point) const {
-    return static_cast<double>(isColouredByHeight() ? point.z : point.intensity);
+    return static_cast<double>(m_colour == CloudColour::Height ? point.z : point.intensity);
 }
 
 /// So large that points of an even grid or row nearly touch, within what looks like dots.
@@ -92,15 +99,19 @@ double CloudScene::dotSize(const PlotScale& scale) const {
     if (std::max(width, height) < smallest) {
         return largest;
     }
-    const auto points = static_cast<double>(m_contents.cloud.size() - m_withoutPlace);
+    const auto points = static_cast<double>(m_scan.cloud.size() - m_withoutPlace);
     const double spacing =
         std::max(std::sqrt(width * height / points), std::max(width, height) / points);
     return std::min(std::max(filled * spacing, smallest), largest);
 }
 
-std::uint32_t CloudScene::cellOf(const pcl::PointXYZI& point) const {
+std::uint32_t CloudScene::cellOf(std::size_t index) const {
     constexpr Colour withoutValue = {0.6, 0.6, 0.6};
-    const double value = valueOf(point);
+    constexpr std::uint32_t opaque = 0xFF000000U;
+    if (m_colour == CloudColour::Rgb) {
+        return opaque | m_scan.colours[index];
+    }
+    const double value = valueOf(m_scan.cloud[index]);
     if (!std::isfinite(value)) {
         return packed(withoutValue);
     }
@@ -115,18 +126,18 @@ Image CloudScene::view(const PlotScale& scale, unsigned fineness) const {
     image.rows = static_cast<std::size_t>(frame.height) * fineness;
     const double columnsPerPixel = static_cast<double>(image.columns) / frame.width;
     const double rowsPerPixel = static_cast<double>(image.rows) / frame.height;
-    Grid grid(image.columns, image.rows, dotSize(scale) * fineness);
-    for (std::size_t i = 0; i < m_contents.cloud.size(); ++i) {
-        if (hasPlace(m_contents.cloud[i])) {
-            const Place pixel = scale.pixel(placeOf(m_contents.cloud[i]));
+    Grid grid(image.columns, image.rows, dotSize(scale) * fineness, m_projection);
+    for (std::size_t i = 0; i < m_scan.cloud.size(); ++i) {
+        if (hasPlace(m_scan.cloud[i])) {
+            const Place pixel = scale.pixel(m_projection.placeOf(m_scan.cloud[i]));
             grid.show(
-                m_contents.cloud, i,
+                m_scan.cloud, i,
                 {(pixel.x - frame.left) * columnsPerPixel, (pixel.y - frame.top) * rowsPerPixel});
         }
     }
     image.cells.reserve(grid.seen().size());
     for (const std::size_t index : grid.seen()) {
-        image.cells.push_back(index == Grid::none ? 0 : cellOf(m_contents.cloud[index]));
+        image.cells.push_back(index == Grid::none ? 0 : cellOf(index));
     }
     return image;
 }

@@ -2,14 +2,25 @@
 
 #include "tools/cloudconv/preview/Canvas.h"
 #include "tools/cloudconv/preview/DrawingScene.h"
+#include "tools/cloudconv/preview/DrawingStyle.h"
 
 #include <string>
 
-/// Draws a drawing's walk: contours in colours, their starts, directions and open ends, gaps with
-/// their widths, and what it all means.
+/// What a picture of a drawing says beside what it shows. Texts are printable UTF-8.
+struct DrawingCaption {
+    /// The name of the file.
+    std::string title;
+    /// What a drawing unit is, such as "mm"; empty when the file does not say.
+    std::string unit;
+    /// What y is called.
+    std::string yName = "y";
+    /// What of the drawing is not shown; empty when all is.
+    std::string leftOut = {};
+};
+
+/// Draws a drawing: contours in colours, their starts, directions and open ends, gaps with their
+/// widths, and what it all means.
 ///
-/// @param name  of the file: printable UTF-8
-/// @param unit  what a drawing unit is, such as "mm"; empty when the file does not say
 /// @return what the picture shows, in words
 std::string drawPicture(Canvas& canvas, const PictureSize& size, const DrawingScene& scene,
-                        const std::string& name, const std::string& unit);
+                        const DrawingCaption& caption, const DrawingMarks& asked = {});

@@ -1,37 +1,62 @@
 #include "tools/cloudconv/preview/DrawingScene.h"
 
 #include "tools/cloudconv/NearMisses.h"
+#include "tools/cloudconv/Wording.h"
+
+#include <map>
 
 namespace {
 
-using Point = cv::Point3_<double>;
-
-/// The place of a walk's point in the plane of its drawing.
-Place placeOf(const Point& point, bool isOfPoints) {
-    return {point.x, isOfPoints ? point.y : point.z};
+Place placeOf(const cv::Point3_<double>& point) {
+    return {point.x, point.y};
 }
 
-DrawnContour drawn(const DxfContents& drawing, const Contour& contour, double distance) {
-    DrawnContour result = {contour.kind, contour.length, 0.0, {}};
-    result.places.reserve(contour.end - contour.begin);
-    for (std::size_t i = contour.begin; i < contour.end; ++i) {
-        result.places.push_back(placeOf(drawing.points[i], contour.isOfPoints));
+/// Numbers the layers that come up.
+class UsedLayers {
+public:
+    explicit UsedLayers(const converters::DrawingPath& path) : m_path(path) {}
+
+    std::size_t numberOf(std::uint32_t layer) {
+        const auto [found, isNew] = m_numbers.emplace(layer, m_names.size());
+        if (isNew) {
+            m_names.push_back(
+                layer < m_path.layers.size() ? asPrintableUtf8(m_path.layers[layer].name) : "");
+        }
+        return found->second;
     }
-    const double apart = distanceOf(result.places.front(), result.places.back());
+
+    const std::vector<std::string>& names() const { return m_names; }
+
+private:
+    const converters::DrawingPath& m_path;
+    std::map<std::uint32_t, std::size_t> m_numbers;
+    std::vector<std::string> m_names;
+};
+
+DrawnContour drawn(const converters::DrawingPath& path, const converters::PathContour& contour,
+                   double distance) {
+    DrawnContour result = {kindOf(path, contour), contour.length, 0.0, 0, {}};
+    result.places.reserve(contour.endPoint - contour.firstPoint);
+    for (std::size_t i = contour.firstPoint; i < contour.endPoint; ++i) {
+        result.places.push_back(placeOf(path.points[i]));
+    }
+    const double apart =
+        distanceOf(path.points[contour.firstPoint], path.points[contour.endPoint - 1]);
     const bool isGap = apart >= joiningDistance && apart <= distance;
-    result.gap = contour.kind == ContourKind::Open && isGap ? apart : 0.0;
+    result.gap = result.kind == ContourKind::Open && isGap ? apart : 0.0;
     return result;
 }
 
 } // namespace
 
-DrawingScene sceneOf(const DxfContents& drawing, double distance) {
+DrawingScene sceneOf(const converters::DrawingPath& path, double distance) {
     DrawingScene scene;
-    const std::vector<Contour> contours = contoursOf(drawing);
-    for (const Contour& contour : contours) {
-        scene.contours.push_back(drawn(drawing, contour, distance));
-        scene.hasLines = scene.hasLines || !contour.isOfPoints;
-        scene.points += contour.end - contour.begin;
+    UsedLayers layers(path);
+    scene.contours.reserve(path.contours.size());
+    for (const converters::PathContour& contour : path.contours) {
+        scene.contours.push_back(drawn(path, contour, distance));
+        scene.contours.back().layer = layers.numberOf(contour.layer);
+        scene.points += contour.endPoint - contour.firstPoint;
         for (const Place& place : scene.contours.back().places) {
             if (canBeShown(place)) {
                 scene.bounds.add(place);
@@ -40,9 +65,9 @@ DrawingScene sceneOf(const DxfContents& drawing, double distance) {
             }
         }
     }
-    for (const NearMiss& miss : nearMissesOf(drawing, contours, distance)) {
-        scene.gaps.push_back(
-            {placeOf(miss.first, false), placeOf(miss.second, false), miss.distance});
+    scene.layers = layers.names();
+    for (const NearMiss& miss : nearMissesOf(path, distance)) {
+        scene.gaps.push_back({placeOf(miss.first), placeOf(miss.second), miss.distance});
     }
     return scene;
 }

@@ -1,18 +1,22 @@
 #pragma once
 
-#include "tools/cloudconv/Contours.h"
+#include "converters/DrawingPath.h"
+#include "tools/cloudconv/ContourKind.h"
 #include "tools/cloudconv/preview/Plane.h"
 
 #include <cstddef>
+#include <string>
 #include <vector>
 
-/// A contour of a drawing's walk, in the plane of the drawing.
+/// A contour of a drawing, in its plane.
 struct DrawnContour {
     ContourKind kind;
     double length;
     /// How far apart its own ends are, where that makes a gap; else 0.
     double gap;
-    /// In the order of the walk. Some may have no place to be shown.
+    /// Index into DrawingScene::layers.
+    std::size_t layer;
+    /// In order. Some may have no place to be shown.
     std::vector<Place> places;
 };
 
@@ -23,17 +27,18 @@ struct DrawnGap {
     double distance;
 };
 
-/// What there is to see of a drawing.
+/// What there is to see of a drawing, from above.
 struct DrawingScene {
     std::vector<DrawnContour> contours;
+    /// The names of the layers that have contours, in the order of these: printable UTF-8. One
+    /// without a name for a walk, which does not tell.
+    std::vector<std::string> layers;
     std::vector<DrawnGap> gaps;
     /// Of the places that can be shown.
     Bounds bounds;
     std::size_t points = 0;
     std::size_t pointsWithoutPlace = 0;
-    /// Whether some of it is more than POINTs, so that a drawing's y is the cloud's z.
-    bool hasLines = false;
 };
 
 /// @param distance  ends of open contours up to this far apart are gaps
-DrawingScene sceneOf(const DxfContents& drawing, double distance);
+DrawingScene sceneOf(const converters::DrawingPath& path, double distance);

@@ -4,8 +4,10 @@
 #include "tools/cloudconv/UsageError.h"
 
 const std::map<std::string, PictureFormat>& pictureFormatNames() {
-    static const std::map<std::string, PictureFormat> names = {
-        {"png", PictureFormat::Png}, {"svg", PictureFormat::Svg}, {"pdf", PictureFormat::Pdf}};
+    static const std::map<std::string, PictureFormat> names = {{"png", PictureFormat::Png},
+                                                               {"svg", PictureFormat::Svg},
+                                                               {"pdf", PictureFormat::Pdf},
+                                                               {"html", PictureFormat::Html}};
     return names;
 }
 
@@ -14,8 +16,8 @@ PictureFormat pictureFormatOf(const std::string& path, std::optional<PictureForm
         asked.has_value() ? asked : formatByExtension(path, pictureFormatNames());
     if (!known.has_value()) {
         throw UsageError('"' + path +
-                         "\" ends neither in .png nor in .svg nor in .pdf: add --to png, --to svg "
-                         "or --to pdf");
+                         "\" ends in none of .png, .svg, .pdf and .html: add --to png, --to svg, "
+                         "--to pdf or --to html");
     }
     return *known;
 }

@@ -4,8 +4,8 @@
 #include <optional>
 #include <string>
 
-/// A kind of picture that the program draws.
-enum class PictureFormat { Png, Svg, Pdf };
+/// A kind of picture that the program draws. Html is a page, which needs no canvas.
+enum class PictureFormat { Png, Svg, Pdf, Html };
 
 /// The kinds by the names that the command line has for them.
 const std::map<std::string, PictureFormat>& pictureFormatNames();

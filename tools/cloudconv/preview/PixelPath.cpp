@@ -95,8 +95,7 @@ std::vector<Place> pixelPath(const std::vector<Place>& places, const PlotScale& 
     return path;
 }
 
-std::vector<Arrow> arrowsAlong(const std::vector<Place>& path) {
-    constexpr double shortest = 16.0;
+std::vector<Arrow> arrowsAlong(const std::vector<Place>& path, double shortest) {
     constexpr double firstAt = 45.0;
     constexpr double spacing = 110.0;
     const double length = lengthOf(path);

@@ -14,6 +14,6 @@ struct Arrow {
     Place direction;
 };
 
-/// Arrows along a path in pixels, evenly spaced; none on a path shorter than one, one in the middle
-/// of a short path.
-std::vector<Arrow> arrowsAlong(const std::vector<Place>& path);
+/// Arrows along a path in pixels, evenly spaced; one in the middle of a short path, none on a path
+/// shorter than `shortest`.
+std::vector<Arrow> arrowsAlong(const std::vector<Place>& path, double shortest = 16.0);

@@ -7,6 +7,10 @@ struct Colour {
     double red;
     double green;
     double blue;
+
+    bool operator==(const Colour& other) const {
+        return red == other.red && green == other.green && blue == other.blue;
+    }
 };
 
 /// How many colours there are for contours.

@@ -3,6 +3,7 @@
 namespace {
 
 constexpr double edge = 20.0;
+constexpr double headingLine = 18.0;
 constexpr Lettering numberLettering = {plotTextSize, plotInk};
 constexpr Lettering nameLettering = {13.0, plotInk};
 constexpr double numberGap = 8.0;
@@ -46,9 +47,9 @@ std::string axisText(Canvas& canvas, const AxisName& axis, double origin, double
 
 } // namespace
 
-PlotFrame frameOf(const PictureSize& size) {
+PlotFrame frameOf(const PictureSize& size, std::size_t lines) {
     constexpr double left = 92.0;
-    constexpr double top = 66.0;
+    const double top = 48.0 + headingLine * static_cast<double>(lines);
     constexpr double bottom = 58.0;
     constexpr double widestLegend = 250.0;
     constexpr double legendShare = 0.36;
@@ -59,14 +60,17 @@ PlotFrame frameOf(const PictureSize& size) {
 }
 
 void drawHeading(Canvas& canvas, const PictureSize& size, const std::string& name,
-                 const std::string& summary) {
+                 const std::vector<std::string>& lines) {
     constexpr double nameLine = 30.0;
-    constexpr double summaryLine = 50.0;
+    constexpr double firstLine = 50.0;
     const Lettering bold = {16.0, plotInk, true};
     const Lettering small = {plotTextSize, plotGrey};
     const double width = size.width - 2 * edge;
     canvas.text(fitted(canvas, name, bold, width), {edge, nameLine}, bold);
-    canvas.text(fitted(canvas, summary, small, width), {edge, summaryLine}, small);
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+        canvas.text(fitted(canvas, lines[i], small, width),
+                    {edge, firstLine + headingLine * static_cast<double>(i)}, small);
+    }
 }
 
 PlotAxes::PlotAxes(const PlotScale& scale)

@@ -20,7 +20,9 @@ struct PlotFrame {
 };
 
 /// The parts of a picture of this size.
-PlotFrame frameOf(const PictureSize& size);
+///
+/// @param lines  of the heading, below its first
+PlotFrame frameOf(const PictureSize& size, std::size_t lines = 1);
 
 /// What an axis shows: "x", in "mm".
 struct AxisName {
@@ -28,9 +30,9 @@ struct AxisName {
     std::string unit;
 };
 
-/// The name of the file, in bold, and below it what is in it.
+/// The name of the file, in bold, and below it lines on what is in it.
 void drawHeading(Canvas& canvas, const PictureSize& size, const std::string& name,
-                 const std::string& summary);
+                 const std::vector<std::string>& lines);
 
 /// Axes in x and y: a grid, numbers and names around what the scale shows.
 class PlotAxes {

@@ -93,5 +93,21 @@ PlotTicks ticksOf(const Interval& shown, int most) {
 }
 
 std::string shortText(double number, int digits) {
-    return formatted("%.*g", digits, number == 0.0 ? 0.0 : number);
+    constexpr double farthest = 1e15;
+    constexpr double nearest = 1e-9;
+    const double size = std::abs(number);
+    if (size == 0.0) {
+        return "0";
+    }
+    if (!(size >= nearest && size < farthest)) {
+        return formatted("%.*g", digits, number);
+    }
+    std::string text = formatted("%.*f", std::max(0, digits - 1 - exponentOf(size)), number);
+    if (text.find('.') != std::string::npos) {
+        text.erase(text.find_last_not_of('0') + 1);
+        if (text.back() == '.') {
+            text.pop_back();
+        }
+    }
+    return text;
 }

@@ -26,5 +26,6 @@ struct PlotTicks {
 /// @param most   about how many marks there is room for, at least 1
 PlotTicks ticksOf(const Interval& shown, int most);
 
-/// A number in short: at most `digits` significant digits.
+/// A number in short: at most `digits` significant digits, but all of those before the point; an
+/// exponent only where it would take more than fifteen.
 std::string shortText(double number, int digits);

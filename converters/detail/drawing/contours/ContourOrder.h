@@ -3,6 +3,7 @@
 #include "converters/detail/drawing/geometry/Vector.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <vector>
 
 /// In which order contours are best walked. Points are looked at only, never changed; the caller
@@ -37,11 +38,17 @@ struct ContourVisit {
     bool reversed;
 };
 
+/// What finding an order has cost, in looks at places, boxes and edges.
+struct OrderCost {
+    std::uint64_t looks = 0;
+};
+
 /// An order with short ways between the contours: the nearest next, improved by exchanges (2-opt
 /// and Or-opt among neighbours). Begins near the origin.
 ///
-/// @return each contour once
-std::vector<ContourVisit> nearestOrder(const std::vector<ContourShape>& contours);
+/// @param cost  what it has cost is added there, if not null
+std::vector<ContourVisit> nearestOrder(const std::vector<ContourShape>& contours,
+                                       OrderCost* cost = nullptr);
 
 /// An order in which contours inside others come before these, part by part: what lies in a closed
 /// contour, then that contour, then the next part. Among equals as nearestOrder().
@@ -49,7 +56,8 @@ std::vector<ContourVisit> nearestOrder(const std::vector<ContourShape>& contours
 /// Inside is meant in the plane of x and y, by the even-odd rule. Contours that cross or equal each
 /// other have no order between them.
 ///
-/// @return each contour once
-std::vector<ContourVisit> insideFirstOrder(const std::vector<ContourShape>& contours);
+/// @param cost  what it has cost is added there, if not null
+std::vector<ContourVisit> insideFirstOrder(const std::vector<ContourShape>& contours,
+                                           OrderCost* cost = nullptr);
 
 } // namespace converters::drawing

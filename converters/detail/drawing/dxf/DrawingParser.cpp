@@ -1,5 +1,6 @@
 #include "converters/detail/drawing/dxf/DrawingParser.h"
 
+#include "base/LargePages.h"
 #include "converters/detail/drawing/Refusal.h"
 #include "converters/detail/drawing/dxf/BinaryGroups.h"
 #include "converters/detail/drawing/dxf/EntityBuilder.h"
@@ -660,9 +661,19 @@ void addNotes(const DrawingParser<Groups>& parser, Drawing& drawing) {
     }
 }
 
+/// Asks for as much memory as files of short numbers need, so that most need no more. What is not
+/// used is not touched.
+void reserveFor(std::size_t size, Drawing& drawing) {
+    constexpr std::size_t bytesPerEntity = 64;
+    constexpr std::size_t bytesPerNumber = 20;
+    base::reserveLarge(drawing.entities, size / bytesPerEntity);
+    base::reserveLarge(drawing.numbers, size / bytesPerNumber);
+}
+
 template <typename Groups>
 Drawing parseGroups(std::string_view file, const Progress& progress) {
     Drawing drawing;
+    reserveFor(file.size(), drawing);
     DrawingParser<Groups> parser(file, drawing, progress);
     parser.parse();
     if (std::is_same_v<Groups, BinaryGroups> && !parser.hasEnd()) {

@@ -37,7 +37,7 @@ double roughLength(const Curve& curve) {
 } // namespace
 
 EntityCurves::EntityCurves(const Drawing& drawing, const Entity& entity, const Affine& map)
-    : m_drawing(drawing), m_entity(entity), m_map(map) {
+    : m_drawing(drawing), m_entity(entity), m_map(&map) {
     if (entity.kind == EntityKind::spline) {
         return;
     }
@@ -45,7 +45,8 @@ EntityCurves::EntityCurves(const Drawing& drawing, const Entity& entity, const A
     if ((entity.flags & entityFlag::extruded) != 0) {
         // An ellipse is in world coordinates: the extrusion only tells its plane.
         if (entity.kind != EntityKind::ellipse) {
-            m_map = map * Affine::fromExtrusion(pointAt(m_numbers)).value_or(Affine());
+            m_ownMap = map * Affine::fromExtrusion(pointAt(m_numbers)).value_or(Affine());
+            m_map = &*m_ownMap;
         }
         m_numbers += 3;
     }
@@ -80,9 +81,9 @@ Curve EntityCurves::edge(std::size_t i) const {
     const Point to = vertex(i + 1 == vertices() ? 0 : i + 1);
     const double bend = bulge(i);
     if (bend == 0 || from == to) {
-        return Line{m_map(from), m_map(to)};
+        return Line{mapped(from), mapped(to)};
     }
-    return transformed(bulgeEdge(from, to, bend), m_map);
+    return transformed(bulgeEdge(from, to, bend), *m_map);
 }
 
 Curve EntityCurves::operator[](std::size_t curve) const {
@@ -94,19 +95,19 @@ Curve EntityCurves::only() const {
     const double* const n = m_numbers;
     switch (m_entity.kind) {
     case EntityKind::line:
-        return Line{m_map(pointAt(n)), m_map(pointAt(n + 3))};
+        return Line{mapped(pointAt(n)), mapped(pointAt(n + 3))};
     case EntityKind::circle:
-        return transformed(circle(pointAt(n), n[3]), m_map);
+        return transformed(circle(pointAt(n), n[3]), *m_map);
     case EntityKind::arc:
-        return transformed(circularArc(pointAt(n), n[3], n[4], n[5]).value(), m_map);
+        return transformed(circularArc(pointAt(n), n[3], n[4], n[5]).value(), *m_map);
     case EntityKind::ellipse: {
         const bool extruded = (m_entity.flags & entityFlag::extruded) != 0;
         const Vector normal = extruded ? pointAt(n - 3) : Vector(0, 0, 1);
         return transformed(ellipse(pointAt(n), pointAt(n + 3), n[6], normal, n[7], n[8]).value(),
-                           m_map);
+                           *m_map);
     }
     case EntityKind::spline:
-        return transformed(m_drawing.splines[m_entity.data], m_map);
+        return transformed(m_drawing.splines[m_entity.data], *m_map);
     default:
         return Line{start(), start()};
     }
@@ -116,11 +117,11 @@ Point EntityCurves::start() const {
     switch (m_entity.kind) {
     case EntityKind::point:
     case EntityKind::line:
-        return m_map(pointAt(m_numbers));
+        return mapped(pointAt(m_numbers));
     case EntityKind::lwpolyline:
     case EntityKind::polyline:
     case EntityKind::polyline3d:
-        return m_map(vertex(0));
+        return mapped(vertex(0));
     default:
         return startOf(only());
     }
@@ -131,11 +132,11 @@ Point EntityCurves::end() const {
     case EntityKind::point:
         return start();
     case EntityKind::line:
-        return m_map(pointAt(m_numbers + 3));
+        return mapped(pointAt(m_numbers + 3));
     case EntityKind::lwpolyline:
     case EntityKind::polyline:
     case EntityKind::polyline3d:
-        return m_map(vertex((m_entity.flags & entityFlag::closed) != 0 ? 0 : vertices() - 1));
+        return mapped(vertex((m_entity.flags & entityFlag::closed) != 0 ? 0 : vertices() - 1));
     default:
         return endOf(only());
     }
@@ -162,7 +163,7 @@ EntityCurves::Extent EntityCurves::polylineExtent() const {
     Extent extent{start(), end(), 0, true, true};
     Point last = extent.start;
     for (std::size_t i = 0; i < m_size; ++i) {
-        const Point next = m_map(vertex(i + 1 == vertices() ? 0 : i + 1));
+        const Point next = mapped(vertex(i + 1 == vertices() ? 0 : i + 1));
         if (next != last && bulge(i) != 0) {
             const Curve curve = edge(i);
             extent.length += roughLength(curve);

@@ -5,15 +5,19 @@
 #include "converters/detail/drawing/geometry/Curve.h"
 
 #include <cstddef>
+#include <optional>
 
 namespace converters::drawing {
 
 /// The exact curves of an entity, end to end, where it is drawn. For any kind but INSERT.
 class EntityCurves {
 public:
-    /// @param entity, drawing  have to outlive this object
-    /// @param map              from the coordinates of the block that holds the entity
+    /// @param map  from the coordinates of the block that holds the entity; as the others, it has
+    ///             to outlive this object
     EntityCurves(const Drawing& drawing, const Entity& entity, const Affine& map);
+    EntityCurves(const EntityCurves&) = delete;
+    EntityCurves& operator=(const EntityCurves&) = delete;
+    ~EntityCurves() = default;
 
     /// How many; none of a POINT. Some may have no extent.
     std::size_t size() const { return m_size; }
@@ -49,9 +53,13 @@ private:
     Extent polylineExtent() const;
     bool isPolyline() const;
 
+    Point mapped(const Point& point) const { return (*m_map)(point); }
+
     const Drawing& m_drawing;
     const Entity& m_entity;
-    Affine m_map;
+    const Affine* m_map;
+    /// Of an entity with an extrusion.
+    std::optional<Affine> m_ownMap;
     const double* m_numbers = nullptr;
     std::size_t m_size = 1;
 };

@@ -1,4 +1,4 @@
-#include "tools/cloudconv/Info.h"
+#include "tools/cloudconv/info/PlainInfo.h"
 
 #include "dxfeditor/DXFAttributes.h"
 #include "dxfeditor/DXFDocument.h"
@@ -13,17 +13,12 @@
 #include "tools/cloudconv/PlyFile.h"
 #include "tools/cloudconv/PlyInventory.h"
 #include "tools/cloudconv/Progress.h"
-#include "tools/cloudconv/StandardError.h"
-
-#include <nlohmann/json.hpp>
+#include "tools/cloudconv/info/Bounds.h"
 
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <cmath>
-#include <cstdio>
 #include <cstdlib>
-#include <limits>
 #include <map>
 
 namespace {
@@ -35,37 +30,6 @@ using Bytes = std::vector<unsigned char>;
 std::string_view textOf(const Bytes& bytes) {
     return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
 }
-
-/// The range of some numbers, those that are not finite left out.
-class Range {
-public:
-    void add(double value) {
-        if (std::isfinite(value)) {
-            m_least = std::min(m_least, value);
-            m_most = std::max(m_most, value);
-        }
-    }
-    Json json() const { return m_least <= m_most ? Json{m_least, m_most} : Json(); }
-
-private:
-    double m_least = std::numeric_limits<double>::infinity();
-    double m_most = -std::numeric_limits<double>::infinity();
-};
-
-class Bounds {
-public:
-    void add(double x, double y, double z) {
-        m_x.add(x);
-        m_y.add(y);
-        m_z.add(z);
-    }
-    Json json() const { return {{"x", m_x.json()}, {"y", m_y.json()}, {"z", m_z.json()}}; }
-
-private:
-    Range m_x;
-    Range m_y;
-    Range m_z;
-};
 
 // PLY
 
@@ -276,90 +240,12 @@ Json describeDxf(const std::string& name, const Bytes& bytes, Progress& progress
     return description;
 }
 
-// Text
-
-std::string numberText(double number) {
-    char text[32];
-    static_cast<void>(std::snprintf(text, sizeof text, "%.9g", number));
-    return text;
-}
-
-std::string scalarText(const Json& value) {
-    if (value.is_string()) {
-        return printable(value.get<std::string>());
-    }
-    if (value.is_boolean()) {
-        return value.get<bool>() ? "yes" : "no";
-    }
-    if (value.is_number_float()) {
-        return numberText(value.get<double>());
-    }
-    return value.is_null() ? "none" : value.dump();
-}
-
-/// Whether a value is for one line: scalars, or lists of such.
-bool isRow(const Json& value) {
-    return std::none_of(value.begin(), value.end(), [](const Json& part) {
-        return part.is_object() || (part.is_array() && !isRow(part));
-    });
-}
-
-/// "name x, type float": the parts of an object or a list in one line.
-std::string rowText(const Json& row) {
-    std::string text;
-    for (const auto& [key, value] : row.items()) {
-        text += text.empty() ? "" : ", ";
-        text += row.is_object() ? key + ' ' : "";
-        text += value.is_structured() ? '(' + rowText(value) + ')' : scalarText(value);
-    }
-    return text.empty() ? "none" : text;
-}
-
-std::string keyText(std::string key) {
-    std::replace(key.begin(), key.end(), '_', ' ');
-    return key;
-}
-
-void appendText(const Json& value, const std::string& indent, std::string& text) {
-    constexpr std::size_t mostRows = 20;
-    std::size_t rows = 0;
-    for (const auto& [key, part] : value.items()) {
-        const std::string start = indent + (value.is_object() ? keyText(key) + ":" : "-");
-        if (value.is_array() && ++rows > mostRows) {
-            text += indent + "- and " + std::to_string(value.size() - mostRows) +
-                    " more, all with --json\n";
-            return;
-        }
-        if (!part.is_structured()) {
-            text += start + ' ' + scalarText(part) + '\n';
-        } else if (part.empty() || isRow(part)) {
-            text += start + ' ' + rowText(part) + '\n';
-        } else if (value.is_object()) {
-            text += start + '\n';
-            appendText(part, indent + "  ", text);
-        } else {
-            // The first of the part's lines stands behind the dash.
-            const std::size_t firstLine = text.size();
-            appendText(part, indent + "  ", text);
-            text.replace(firstLine, start.size(), start);
-        }
-    }
-}
-
 } // namespace
 
-nlohmann::ordered_json describeFile(const std::string& path, std::optional<FileFormat> from,
-                                    bool quiet) {
-    const FileFormat format = inputFormatOf(path, from);
-    Progress progress(quiet);
-    const std::string name = inputName(path);
-    const Bytes bytes = readInputFile(path, progress);
+nlohmann::ordered_json describePlainly(const InfoOptions& options, FileFormat format) {
+    Progress progress(options.quiet);
+    const std::string name = inputName(options.input);
+    const Bytes bytes = readInputFile(options.input, progress);
     return format == FileFormat::Ply ? describePly(name, bytes)
                                      : describeDxf(name, bytes, progress);
-}
-
-std::string asText(const nlohmann::ordered_json& description) {
-    std::string text;
-    appendText(description, "", text);
-    return text;
 }

@@ -1,0 +1,407 @@
+"""Scans: point clouds with all that a PLY file says of each point."""
+
+import os
+from dataclasses import dataclass
+from pathlib import Path
+from typing import TYPE_CHECKING, Any, Iterator, Optional, Sequence, Union, overload
+
+import numpy as np
+import numpy.typing as npt
+
+from converters import _native
+from converters._sources import Progress, Source, bytes_of, callback, check
+
+if TYPE_CHECKING:
+    from matplotlib.axes import Axes
+
+Records = npt.NDArray[np.void]
+
+#: NumPy's types, by the library's numbers for the types of PLY.
+_TYPES = {1: "i1", 2: "u1", 3: "i2", 4: "u2", 5: "i4", 6: "u4", 7: "f4", 8: "f8"}
+_NUMBERS = {np.dtype(name): number for number, name in _TYPES.items()}
+
+#: Formats by their extensions.
+_FORMATS = {".ply": "ply", ".csv": "csv", ".xyz": "xyz", ".dxf": "dxf"}
+
+
+@dataclass(frozen=True)
+class ScanProperty:
+    """A property of an element, as a PLY header declares it."""
+
+    name: str
+    type: str
+    """The type of its numbers: "float"."""
+    count_type: Optional[str]
+    """Of a list, the type of the count in front of its items; None for a single number."""
+    use: str
+    """What became of it: "x", "y", "z", "intensity", "kept" or "dropped"."""
+
+
+@dataclass(frozen=True)
+class ScanElement:
+    """An element, as a PLY header declares it."""
+
+    name: str
+    count: int
+    properties: tuple[ScanProperty, ...]
+
+
+@dataclass(frozen=True)
+class ScanReport:
+    """What a file held, and what became of it."""
+
+    format: str
+    """ "ascii", "binary_little_endian" or "binary_big_endian"."""
+    elements: tuple[ScanElement, ...]
+    comments: tuple[str, ...]
+    notes: tuple[str, ...]
+    """What a person should know."""
+    shift: tuple[float, float, float]
+    """What was taken off the coordinates."""
+    points_without_place: int
+    """Points with a coordinate that is nan or infinite."""
+
+
+class Cloud:
+    """A point cloud: a sequence of points, each with x, y, z and whatever else is known of it.
+
+    >>> cloud = Cloud([[1, 2, 3], [4, 5, 6]], red=np.array([255, 0], dtype="u1"))
+    >>> cloud
+    Cloud(2 points: x, y, z, red)
+    >>> cloud.x
+    array([1., 4.], dtype=float32)
+    >>> cloud["red"]
+    array([255,   0], dtype=uint8)
+    >>> len(cloud[cloud.x > 2])
+    1
+    >>> np.asarray(cloud)
+    array([[1., 2., 3.],
+           [4., 5., 6.]], dtype=float32)
+
+    A cloud is a view of its ``points``: changing these changes it.
+    """
+
+    points: Records
+    """A structured array of shape (N,), one record a point."""
+
+    width: int
+    """Points in a row of an organised cloud; else all points."""
+
+    height: int
+    """Rows of an organised cloud; else 1."""
+
+    report: Optional[ScanReport]
+    """What the file held, of a cloud that was read."""
+
+    def __init__(
+        self,
+        points: npt.ArrayLike,
+        *,
+        width: Optional[int] = None,
+        height: Optional[int] = None,
+        **properties: npt.ArrayLike,
+    ) -> None:
+        """
+        :param points: an array of shape (N, 3); or a structured array with fields x, y and z and
+            any others, of numbers
+        :param properties: more of each point, one array of shape (N,) for each name
+        :raises ValueError: for other shapes, and when width × height is not the number of points
+        """
+        records = _records(np.asarray(points), properties)
+        self.points = records
+        self.width = len(records) if width is None else width
+        self.height = (1 if len(records) else 0) if height is None else height
+        if self.width * self.height != len(records):
+            raise ValueError(f"{self.width} × {self.height} is not {len(records)} points")
+        self.report = None
+
+    @property
+    def x(self) -> npt.NDArray[Any]:
+        """The x of each point, a view."""
+        return self.points[_axis(self.points, "x")]
+
+    @property
+    def y(self) -> npt.NDArray[Any]:
+        """The y of each point, a view."""
+        return self.points[_axis(self.points, "y")]
+
+    @property
+    def z(self) -> npt.NDArray[Any]:
+        """The z of each point, a view."""
+        return self.points[_axis(self.points, "z")]
+
+    @property
+    def xyz(self) -> npt.NDArray[Any]:
+        """The coordinates, a new array of shape (N, 3)."""
+        return np.stack([self.x, self.y, self.z], axis=1)
+
+    @property
+    def intensity(self) -> npt.NDArray[Any]:
+        """The intensity of each point, a view; zeros where there is none."""
+        for name in self._intensity_names():
+            return self.points[name]
+        return np.zeros(len(self), dtype=np.float32)
+
+    @property
+    def names(self) -> tuple[str, ...]:
+        """The names of all that is known of each point."""
+        return self.points.dtype.names or ()
+
+    @property
+    def bounds(self) -> npt.NDArray[np.float64]:
+        """The lowest and the highest corner of the smallest box around all points that have a
+        place, an array of shape (2, 3); nan when there are none."""
+        places = self.xyz.astype(np.float64)
+        places = places[np.isfinite(places).all(axis=1)]
+        if not len(places):
+            return np.full((2, 3), np.nan)
+        return np.stack([places.min(axis=0), places.max(axis=0)])
+
+    @property
+    def grid(self) -> Records:
+        """The points of an organised cloud as an array of shape (height, width), a view."""
+        return self.points.reshape(self.height, self.width)
+
+    def __len__(self) -> int:
+        return len(self.points)
+
+    def __iter__(self) -> Iterator[np.void]:
+        return iter(self.points)
+
+    @overload
+    def __getitem__(self, index: str) -> npt.NDArray[Any]: ...
+    @overload
+    def __getitem__(self, index: int) -> np.void: ...
+    @overload
+    def __getitem__(
+        self, index: Union[slice, Sequence[int], npt.NDArray[Any]]
+    ) -> "Cloud": ...
+    def __getitem__(self, index: Any) -> Any:
+        """A property by its name, a point by its number, or a part of the cloud."""
+        chosen = self.points[index]
+        if isinstance(index, str) or isinstance(chosen, np.void):
+            return chosen
+        return Cloud(chosen)
+
+    def __array__(
+        self, dtype: Optional[npt.DTypeLike] = None, copy: Optional[bool] = None
+    ) -> npt.NDArray[Any]:
+        return self.xyz if dtype is None else self.xyz.astype(dtype)
+
+    def __repr__(self) -> str:
+        number = "1 point" if len(self) == 1 else f"{len(self)} points"
+        shape = f", {self.width} × {self.height}" if self.height > 1 else ""
+        return f"Cloud({number}{shape}: {', '.join(self.names)})"
+
+    def to_dataframe(self) -> Any:
+        """The points as a pandas.DataFrame, a column for each name."""
+        import pandas
+
+        return pandas.DataFrame({name: self.points[name] for name in self.names})
+
+    def to_bytes(self, format: str = "ply", digits: Optional[int] = None) -> bytes:
+        """The cloud as the bytes of a file.
+
+        >>> Cloud([[1, 2, 3]]).to_bytes("csv")
+        b'x,y,z\\n1,2,3\\n'
+
+        :param format: "ply" (binary), "ply-ascii", "csv", "xyz" or "dxf"
+        :param digits: significant digits of texts, 1 to 17; by default as many as it takes to read
+            back the same
+        """
+        packed = _packed(self.points)
+        fields: Any = packed.dtype.fields or {}
+        return _native.write_points(
+            packed.view(np.uint8),
+            [(name, _NUMBERS[field[0]], field[1]) for name, field in fields.items()],
+            packed.itemsize,
+            format,
+            digits,
+            self.width,
+            self.height,
+            list(self.report.comments) if self.report else [],
+        )
+
+    def save(
+        self,
+        path: Union[str, "os.PathLike[str]"],
+        *,
+        ascii: bool = False,
+        digits: Optional[int] = None,
+    ) -> None:
+        """Writes the cloud to a file: .ply, .csv, .xyz or .dxf.
+
+        :param ascii: PLY as text
+        :raises ValueError: for another extension
+        :raises OSError: when the file cannot be written
+        """
+        extension = Path(path).suffix.lower()
+        if extension not in _FORMATS:
+            raise ValueError(f"{extension or 'no extension'}: not one of {', '.join(_FORMATS)}")
+        format = _FORMATS[extension]
+        contents = self.to_bytes(format + "-ascii" if ascii and format == "ply" else format, digits)
+        Path(path).write_bytes(contents)
+
+    def plot(self, ax: Optional["Axes"] = None, *, by: Optional[str] = None) -> "Axes":
+        """Draws the points from above with matplotlib.
+
+        :param ax: where to; a new figure's by default
+        :param by: the property that colours them; the intensity, or else the height
+        """
+        if ax is None:
+            import matplotlib.pyplot
+
+            ax = matplotlib.pyplot.subplots()[1]
+        names = [by] if by else [*self._intensity_names(), _axis(self.points, "z")]
+        ax.scatter(self.x, self.y, c=self.points[names[0]], s=1)
+        ax.set_aspect("equal")
+        ax.set_xlabel("x")
+        ax.set_ylabel("y")
+        return ax
+
+    def _repr_html_(self) -> str:
+        """A picture of the cloud from above, for notebooks."""
+        import base64
+        import io
+
+        from matplotlib.figure import Figure
+
+        figure = Figure(figsize=(5, 4))
+        self[:: max(1, len(self) // 20000)].plot(figure.subplots())
+        buffer = io.BytesIO()
+        figure.savefig(buffer, format="png", dpi=80)
+        picture = base64.b64encode(buffer.getvalue()).decode()
+        words = repr(self).replace("&", "&amp;").replace("<", "&lt;")
+        return f'<p>{words}</p><img alt="the points from above" src="data:image/png;base64,{picture}">'
+
+    def _intensity_names(self) -> Iterator[str]:
+        if self.report is not None:
+            for element in self.report.elements:
+                for item in element.properties:
+                    if item.use == "intensity" and item.name in self.names:
+                        yield item.name
+        if "intensity" in self.names:
+            yield "intensity"
+
+
+def read_scan(
+    source: Source,
+    *,
+    intensity: str = "",
+    shift: Union[None, str, Sequence[float]] = None,
+    progress: Optional[Progress] = None,
+) -> Cloud:
+    """Reads a PLY file of any program: text or binary, any types, with faces, lists and colours.
+
+    Every scalar property of the vertices is kept under its name and type; the report tells what
+    else there was.
+
+    >>> cloud = read_scan(b"ply\\nformat ascii 1.0\\nelement vertex 1\\nproperty double x\\n"
+    ...                   b"property double y\\nproperty double z\\nproperty uchar red\\n"
+    ...                   b"element face 0\\nproperty list uchar int vertex_indices\\n"
+    ...                   b"end_header\\n1.5 2 3 255\\n")
+    >>> cloud
+    Cloud(1 point: x, y, z, red)
+    >>> [(element.name, element.count) for element in cloud.report.elements]
+    [('vertex', 1), ('face', 0)]
+
+    What is no such file is refused with the reason:
+
+    >>> read_scan(b"\\x89PNG")
+    Traceback (most recent call last):
+        ...
+    converters.ReadError: this is no PLY file: its first line is not 'ply'
+
+    :param source: a path, the bytes of a file in any buffer, or an open file
+    :param intensity: the property that counts as intensity; one of the usual names by default
+    :param shift: taken off the coordinates before they are rounded to their type: three numbers, or
+        "auto" for whole hundreds where coordinates are so large that floats lose a tenth of a
+        millimetre
+    :param progress: called with the part that is done, 0 to 1, or a bar as of tqdm. An exception
+        that it raises stops the reader, as Ctrl-C does.
+    :raises ReadError: with the reason, and the line where it is about one
+    :raises OSError: when a file cannot be opened or read
+    """
+    automatic = isinstance(shift, str)
+    if automatic and shift != "auto":
+        raise ValueError(f'shift is "{shift}", expected three numbers or "auto"')
+    vector = None if shift is None or automatic else tuple(float(number) for number in shift)
+    failure, data, fields, size, facts = _native.read_scan(
+        bytes_of(source), intensity, vector, automatic, callback(progress)
+    )
+    check(failure)
+    dtype = np.dtype(
+        {
+            "names": [name for name, _, _ in fields],
+            "formats": [_TYPES[number] for _, number, _ in fields],
+            "offsets": [offset for _, _, offset in fields],
+            "itemsize": size,
+        }
+    )
+    cloud = Cloud.__new__(Cloud)
+    cloud.points = data.view(dtype)
+    cloud.width = facts.pop("width")
+    cloud.height = facts.pop("height")
+    facts.pop("vertex_element")
+    elements = tuple(
+        ScanElement(name, count, tuple(ScanProperty(*row) for row in properties))
+        for name, count, properties in facts.pop("elements")
+    )
+    cloud.report = ScanReport(
+        facts.pop("format"),
+        elements,
+        **{key: tuple(value) if isinstance(value, list) else value for key, value in facts.items()},
+    )
+    return cloud
+
+
+def _axis(records: Records, name: str) -> str:
+    """The field's name in the letter case that it has."""
+    names = records.dtype.names or ()
+    return name if name in names else name.upper()
+
+
+def _records(points: npt.NDArray[Any], properties: dict[str, npt.ArrayLike]) -> Records:
+    """The points with their properties as one structured array."""
+    if points.dtype.names is None:
+        if points.shape == (0,):
+            points = points.reshape(0, 3)
+        if points.ndim != 2 or points.shape[1] != 3:
+            raise ValueError(f"points have shape {points.shape}, expected (N, 3)")
+        if points.dtype.kind not in "biuf":
+            raise TypeError(f"points must be real numbers, not {points.dtype}")
+        kind = points.dtype if points.dtype in (np.float32, np.float64) else np.dtype("f4")
+        columns = {name: points[:, axis].astype(kind) for axis, name in enumerate("xyz")}
+    elif properties:
+        columns = {name: points[name] for name in points.dtype.names}
+    else:
+        _check_fields(points)
+        return points
+    count = len(points)
+    for name, values in properties.items():
+        columns[name] = np.broadcast_to(np.asarray(values), (count,))
+    made = np.empty(count, dtype=[(name, column.dtype) for name, column in columns.items()])
+    for name, column in columns.items():
+        made[name] = column
+    _check_fields(made)
+    return made
+
+
+def _check_fields(records: Records) -> None:
+    names = records.dtype.names or ()
+    missing = [name for name in "xyz" if name not in names and name.upper() not in names]
+    if missing:
+        raise ValueError(f"points have no field {', '.join(missing)}")
+    if records.ndim != 1:
+        raise ValueError(f"points have {records.ndim} dimensions, expected 1")
+
+
+def _packed(records: Records) -> Records:
+    """The records as the writer takes them: types of PLY, side by side, in the machine's order."""
+    types = []
+    for name in records.dtype.names or ():
+        kind = records.dtype[name].newbyteorder("=")
+        if kind not in _NUMBERS:
+            kind = np.dtype("u1" if kind.kind == "b" else "f8")
+        types.append((name, kind))
+    return np.ascontiguousarray(records.astype(np.dtype(types), copy=False))

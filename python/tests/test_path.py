@@ -1,0 +1,130 @@
+"""The path of drawings."""
+
+import os
+from pathlib import Path
+
+import numpy as np
+import pytest
+
+from converters import Drawing, DrawingPath, ReadError, read_drawing
+
+SAMPLES = Path(os.environ.get("CONVERTERS_SAMPLE_DIR", "")) / "real" / "drawings"
+
+
+def drawing(entities, header=""):
+    """The bytes of a drawing: words, of which "_" are blanks."""
+    words = f"{header}0 SECTION 2 ENTITIES {entities} 0 ENDSEC 0 EOF".split()
+    return ("\n".join(words) + "\n").encode()
+
+
+SQUARE = "0 LWPOLYLINE 5 2F 8 cut 70 1 90 4 10 0 20 0 10 2 20 0 10 2 20 2 10 0 20 2"
+ARC = "0 ARC 8 holes 10 5 20 5 40 1 50 0 51 90"
+TEXT = "0 TEXT 8 notes 10 0 20 0 40 1 1 word"
+MILLIMETRES = "0 SECTION 2 HEADER 9 $INSUNITS 70 4 0 ENDSEC "
+
+
+def test_a_path_is_a_sequence_of_contours():
+    path = read_drawing(drawing(f"{SQUARE} {ARC}")).path()
+    assert isinstance(path, DrawingPath)
+    assert len(path) == 2
+    square, arc = path
+    assert square.closed and not arc.closed
+    assert square.points.tolist() == [[0, 0, 0], [2, 0, 0], [2, 2, 0], [0, 2, 0], [0, 0, 0]]
+    assert square.layer == "cut"
+    assert square.length == 8
+    assert arc.length == pytest.approx(np.pi / 2)
+    assert path.bounds.tolist() == [[0, 0, 0], [6, 6, 0]]
+    assert path.length == pytest.approx(8 + np.pi / 2)
+    assert [contour.layer for contour in path[:1]] == ["cut"]
+
+
+def test_a_contour_tells_its_entities_and_exact_pieces():
+    square, arc = read_drawing(drawing(f"{SQUARE} {ARC}")).path()
+    entity = square.entities[0]
+    assert (entity.kind, entity.handle, entity.insert, entity.layer) == (
+        "LWPOLYLINE",
+        "2F",
+        "",
+        "cut",
+    )
+    assert [piece.kind for piece in square.pieces] == ["line"] * 4
+    piece = arc.pieces[0]
+    assert piece.kind == "arc"
+    assert piece.curve["radius"] == pytest.approx(1)
+    assert piece.curve["sweep"] == pytest.approx(np.pi / 2)
+    assert (piece.points == arc.points).all()
+
+
+def test_the_points_cannot_be_written_to():
+    path = read_drawing(drawing(SQUARE)).path()
+    with pytest.raises(ValueError):
+        path[0].points[0, 0] = 1
+
+
+def test_what_is_left_out_is_told():
+    parts = read_drawing(drawing(f"{SQUARE} {TEXT}")).left_out
+    assert [(part.kind, part.layer, part.number, part.reason) for part in parts] == [
+        ("TEXT", "notes", 1, "annotation")
+    ]
+
+
+def test_options_choose_what_is_followed():
+    loaded = read_drawing(drawing(f"{SQUARE} {ARC}", MILLIMETRES))
+    assert loaded.unit == "mm"
+    assert len(loaded.path(layers="CU?")) == 1
+    assert len(loaded.path(except_layers=["cut", "h*"])) == 0
+    inches = loaded.path(unit="in")
+    assert inches.unit == "in"
+    assert inches[0].length == pytest.approx(8 / 25.4)
+    assert len(loaded.path(step=0.5)[0].points) == 17
+    assert loaded.path(axes="plain")[0].points[2].tolist() == [2, 0, 2]
+    assert len(loaded.path(tolerance=0.001)[1].points) > len(loaded.path(tolerance=0.1)[1].points)
+    assert loaded.path(scale=2)[0].length == 16
+    for wrong in ({"unit": "cubit"}, {"order": "any"}, {"axes": "polar"}):
+        with pytest.raises(ValueError, match="expected one of"):
+            loaded.path(**wrong)
+
+
+def test_failures_have_reasons():
+    with pytest.raises(ReadError):
+        read_drawing(b"\x89PNG")
+    with pytest.raises(ReadError):
+        read_drawing(drawing(SQUARE)).path(maximum_points=2)
+    with pytest.raises(ReadError):
+        read_drawing(drawing(SQUARE)).path(tolerance=-1)
+
+
+def test_progress_may_stop_the_work():
+    class Enough(Exception):
+        pass
+
+    def stop(done):
+        raise Enough
+
+    with pytest.raises(Enough):
+        read_drawing(drawing(SQUARE)).path(progress=stop)
+
+
+def test_a_drawing_is_a_container_and_shows_itself(tmp_path):
+    loaded = read_drawing(drawing(SQUARE))
+    assert len(loaded) == 1
+    assert [entity.kind for entity in loaded] == ["polyline"]
+    assert loaded.walk().shape == loaded.points().shape
+    assert loaded._repr_svg_().count("<polyline") == 1
+    loaded.save(tmp_path / "a.dxf")
+    assert len(Drawing.load(tmp_path / "a.dxf").path()) == 1
+    assert len(read_drawing(tmp_path / "a.dxf").path()) == 1
+
+
+def test_a_path_is_drawn():
+    pytest.importorskip("matplotlib").use("Agg")
+    assert len(read_drawing(drawing(f"{SQUARE} {ARC}")).plot().lines) == 2
+
+
+@pytest.mark.skipif(not SAMPLES.is_dir(), reason="no drawings of other programs")
+def test_drawings_of_other_programs_are_followed():
+    paths = sorted(SAMPLES.glob("*.dxf"))
+    assert paths
+    for path in paths:
+        loaded = read_drawing(path)
+        assert len(loaded.path()) > 0 or loaded.left_out, path

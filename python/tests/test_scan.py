@@ -1,0 +1,196 @@
+"""Scans of any program, and clouds."""
+
+import io
+import mmap
+import os
+import signal
+import threading
+import time
+from pathlib import Path
+
+import numpy as np
+import pytest
+
+from converters import Cloud, ReadError, read_scan
+
+SAMPLES = Path(os.environ.get("CONVERTERS_SAMPLE_DIR", "")) / "real" / "scans"
+
+HEADER = (
+    b"ply\nformat ascii 1.0\ncomment made here\nelement camera 1\nproperty float f\n"
+    b"element vertex 2\nproperty double x\nproperty double y\nproperty double z\n"
+    b"property uchar red\nproperty float scalar_Intensity\nproperty list uchar int near\n"
+    b"end_header\n"
+)
+SCAN = HEADER + b"7\n1.5 2 3 255 0.5 2 1 2\n4 5 nan 0 1 0\n"
+
+
+def test_every_scalar_property_is_kept_under_its_name_and_type():
+    cloud = read_scan(SCAN)
+    assert cloud.names == ("x", "y", "z", "red", "scalar_Intensity")
+    assert cloud["red"].dtype == np.uint8
+    assert cloud["red"].tolist() == [255, 0]
+    assert cloud.x.tolist() == [1.5, 4.0]
+    assert cloud.intensity.tolist() == [0.5, 1.0]
+    assert cloud.bounds.tolist() == [[1.5, 2, 3], [1.5, 2, 3]]
+
+
+def test_the_report_tells_what_else_the_file_held():
+    report = read_scan(SCAN).report
+    assert report.format == "ascii"
+    assert report.comments == ("made here",)
+    assert [(element.name, element.count) for element in report.elements] == [
+        ("camera", 1),
+        ("vertex", 2),
+    ]
+    near = report.elements[1].properties[-1]
+    assert (near.name, near.type, near.count_type, near.use) == ("near", "int", "uchar", "dropped")
+    assert report.points_without_place == 1
+
+
+@pytest.mark.parametrize("kind", ["str", "path", "bytes", "mmap", "file", "array"])
+def test_a_source_is_a_path_bytes_or_an_open_file(tmp_path, kind):
+    path = tmp_path / "scan.ply"
+    path.write_bytes(SCAN)
+    with open(path, "rb") as file:
+        sources = {
+            "str": str(path),
+            "path": path,
+            "bytes": SCAN,
+            "mmap": mmap.mmap(file.fileno(), 0, access=mmap.ACCESS_READ),
+            "file": file,
+            "array": np.frombuffer(SCAN, dtype="u1"),
+        }
+        assert len(read_scan(sources[kind])) == 2
+
+
+def test_a_text_file_is_refused():
+    with pytest.raises(TypeError, match="binary mode"):
+        read_scan(io.StringIO("ply"))
+
+
+def test_a_picture_is_no_empty_scene():
+    with pytest.raises(ReadError, match="no PLY file"):
+        read_scan(b"\x89PNG\r\n\x1a\n")
+
+
+def test_an_error_names_its_line():
+    with pytest.raises(ReadError) as caught:
+        read_scan(HEADER + b"7\n1,5 2 3 255 0.5 0\n4 5 6 0 1 0\n")
+    assert caught.value.line == 15
+    assert "1,5" in str(caught.value)
+
+
+def test_a_missing_file_is_an_error_of_the_system(tmp_path):
+    with pytest.raises(FileNotFoundError):
+        read_scan(tmp_path / "none.ply")
+
+
+def test_a_shift_is_taken_off_before_rounding():
+    scan = (
+        b"ply\nformat ascii 1.0\nelement vertex 1\nproperty double x\nproperty double y\n"
+        b"property double z\nend_header\n4500000.125 5 6\n"
+    )
+    assert read_scan(scan, shift=(4500000, 0, 0)).x.tolist() == [0.125]
+    automatic = read_scan(scan, shift="auto")
+    assert automatic.report.shift == (4500000.0, 0.0, 0.0)
+    with pytest.raises(ValueError, match="auto"):
+        read_scan(scan, shift="much")
+
+
+def test_progress_may_stop_the_reader():
+    class Enough(Exception):
+        pass
+
+    def stop(done):
+        raise Enough
+
+    with pytest.raises(Enough):
+        read_scan(SCAN, progress=stop)
+
+
+def test_a_bar_is_set_to_its_total():
+    class Bar:
+        n = 0
+        total = 200
+        refreshed = 0
+
+        def refresh(self):
+            self.refreshed += 1
+
+    bar = Bar()
+    read_scan(SCAN, progress=bar)
+    assert bar.refreshed > 0
+    assert 0 < bar.n <= 200
+
+
+def test_ctrl_c_stops_a_long_call():
+    scan = Cloud(np.random.default_rng(1).random((2_000_000, 3))).to_bytes("ply-ascii")
+    timer = threading.Timer(0.02, os.kill, (os.getpid(), signal.SIGINT))
+    timer.start()
+    with pytest.raises(KeyboardInterrupt):
+        for _ in range(50):
+            read_scan(scan)
+        time.sleep(5)
+
+
+def test_a_cloud_is_a_container():
+    cloud = Cloud([[1, 2, 3], [4, 5, 6], [7, 8, 9]], time=np.arange(3, dtype="f8"))
+    assert len(cloud) == 3
+    assert [point["x"] for point in cloud] == [1, 4, 7]
+    assert cloud[1]["time"] == 1
+    assert cloud[1:].x.tolist() == [4, 7]
+    assert cloud[cloud.z > 5].x.tolist() == [4, 7]
+    assert cloud[[2, 0]].x.tolist() == [7, 1]
+    assert np.asarray(cloud, dtype="f8").shape == (3, 3)
+    assert cloud.intensity.tolist() == [0, 0, 0]
+
+
+def test_a_cloud_needs_coordinates():
+    with pytest.raises(ValueError, match="no field z"):
+        Cloud(np.zeros(2, dtype=[("x", "f4"), ("y", "f4")]))
+    with pytest.raises(ValueError, match="expected"):
+        Cloud([1, 2, 3])
+    with pytest.raises(ValueError, match="is not 2 points"):
+        Cloud([[1, 2, 3], [4, 5, 6]], width=3, height=1)
+
+
+@pytest.mark.parametrize("options", [{}, {"ascii": True}])
+def test_a_saved_cloud_comes_back_the_same(tmp_path, options):
+    numbers = np.random.default_rng(2).random((6, 3)) * 1e5
+    cloud = Cloud(numbers, width=3, height=2, red=np.arange(6, dtype="u1"))
+    cloud.save(tmp_path / "a.ply", **options)
+    again = read_scan(tmp_path / "a.ply")
+    assert (again.points == cloud.points).all()
+    assert again.grid.shape == (2, 3)
+
+
+def test_a_cloud_is_saved_by_its_extension(tmp_path):
+    cloud = Cloud([[1, 2, 3]])
+    cloud.save(tmp_path / "a.CSV")
+    assert (tmp_path / "a.CSV").read_bytes() == b"x,y,z\n1,2,3\n"
+    cloud.save(tmp_path / "a.xyz")
+    assert (tmp_path / "a.xyz").read_bytes() == b"1 2 3\n"
+    cloud.save(tmp_path / "a.dxf")
+    assert b"POINT" in (tmp_path / "a.dxf").read_bytes()
+    with pytest.raises(ValueError, match=".stl"):
+        cloud.save(tmp_path / "a.stl")
+
+
+def test_a_cloud_is_drawn():
+    pytest.importorskip("matplotlib").use("Agg")
+    cloud = Cloud(np.random.default_rng(3).random((100, 3)), intensity=0.5)
+    assert len(cloud.plot().collections) == 1
+    assert "data:image/png;base64," in cloud._repr_html_()
+
+
+def test_a_cloud_becomes_a_data_frame():
+    pytest.importorskip("pandas")
+    assert list(Cloud([[1, 2, 3]]).to_dataframe().columns) == ["x", "y", "z"]
+
+
+@pytest.mark.skipif(not SAMPLES.is_dir(), reason="no scans of other programs")
+def test_scans_of_other_programs_are_read():
+    paths = sorted(SAMPLES.glob("*.ply"))
+    assert paths
+    for path in paths:
+        assert len(read_scan(path)) > 0, path

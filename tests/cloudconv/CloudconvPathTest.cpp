@@ -1,0 +1,144 @@
+// cloudconv convert of drawings, by their path.
+
+#include "tests/support/CloudconvFixture.h"
+#include "tests/support/SimpleDrawing.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+namespace {
+
+namespace fs = std::filesystem;
+using ::testing::HasSubstr;
+using Texts = std::vector<std::string>;
+
+Groups onLayer(Groups entity, const std::string& layer) {
+    entity[3] = layer;
+    return entity;
+}
+
+class CloudconvPath : public Cloudconv {
+protected:
+    fs::path drawingFile(const std::string& bytes) const {
+        writeFile(in("in.dxf"), bytes);
+        return in("in.dxf");
+    }
+
+    /// What a conversion of this drawing writes to a file with this extension.
+    std::string converted(const std::string& bytes, const std::string& extension,
+                          const Texts& options = {}) const {
+        const fs::path output = in("out" + extension);
+        Texts arguments = {drawingFile(bytes), output};
+        arguments.insert(arguments.end(), options.begin(), options.end());
+        const ProgramResult result = run(arguments);
+        EXPECT_EQ(result.status, 0) << result.errors;
+        return readFile(output);
+    }
+
+    /// The points as blanks separate them.
+    std::string xyzOf(const std::string& bytes, const Texts& options = {}) const {
+        return converted(bytes, ".xyz", options);
+    }
+};
+
+TEST_F(CloudconvPath, WritesPointsAndContoursAsText) {
+    const std::string two = inMillimetres(line(0, 0, 0.5, 2) + line(5, 0, 6, 0));
+    EXPECT_EQ(converted(two, ".csv"), "x,y,z,contour\n0,0,0,1\n0.5,2,0,1\n5,0,0,2\n6,0,0,2\n");
+    EXPECT_EQ(xyzOf(two), "0 0 0 1\n0.5 2 0 1\n5 0 0 2\n6 0 0 2\n");
+    EXPECT_EQ(xyzOf(two, {"--intensity", "7"}), "0 0 0 7\n0.5 2 0 7\n5 0 0 7\n6 0 0 7\n");
+}
+
+TEST_F(CloudconvPath, WritesOneRowOfPointsAsPly) {
+    EXPECT_EQ(converted(inMillimetres(line(0, 0, 0.5, 2)), ".ply", {"--ascii"}),
+              "ply\nformat ascii 1.0\nobj_info num_cols 2\nobj_info num_rows 1\n"
+              "element vertex 2\nproperty float x\nproperty float y\nproperty float z\n"
+              "property float intensity\nend_header\n0 0 0 1\n0.5 2 0 1\n");
+}
+
+TEST_F(CloudconvPath, FollowsTheOptions) {
+    const std::string file = inMillimetres(line(0, 0, 10, 0) + onLayer(line(0, 5, 20, 5), "Aux 1"));
+    EXPECT_EQ(xyzOf(file, {"--unit", "cm"}), "0 0 0 1\n1 0 0 1\n0 0.5 0 2\n2 0.5 0 2\n");
+    EXPECT_EQ(xyzOf(file, {"--scale", "3", "--layer", "0"}), "0 0 0 1\n30 0 0 1\n");
+    EXPECT_EQ(xyzOf(file, {"--except-layer", "aux*"}), "0 0 0 1\n10 0 0 1\n");
+    EXPECT_EQ(xyzOf(file, {"--layer", "AUX ?", "--axes", "plain"}), "0 0 5 1\n20 0 5 1\n");
+    EXPECT_EQ(xyzOf(file, {"--layer", "0", "--step", "5"}), "0 0 0 1\n5 0 0 1\n10 0 0 1\n");
+    EXPECT_EQ(xyzOf(file, {"--layer", "0", "--layer", "aux 1", "--order", "nearest"}),
+              "0 0 0 1\n10 0 0 1\n20 5 0 2\n0 5 0 2\n");
+    const ProgramResult result = run({in("in.dxf"), in("out.ply"), "--max-points", "3"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(result.errors, HasSubstr("more than 3 points"));
+}
+
+TEST_F(CloudconvPath, TakesFewerPointsWithMoreTolerance) {
+    const std::string circle =
+        inMillimetres({"0", "CIRCLE", "8", "0", "10", "0", "20", "0", "40", "9"});
+    const auto lines = [](const std::string& text) {
+        return std::count(text.begin(), text.end(), '\n');
+    };
+    EXPECT_GT(lines(xyzOf(circle)), 2 * lines(xyzOf(circle, {"--tolerance", "0.5"})));
+}
+
+TEST_F(CloudconvPath, SaysWhatIsLeftOutAndWhy) {
+    const fs::path file = drawingFile(inMillimetres(
+        line(0, 0, 1, 0) + Groups{"0", "TEXT", "8", "0", "1", "a"} +
+        Groups{"0", "INSERT", "8", "0", "2", "MISSING"} + onLayer(line(5, 5, 6, 5), "AUX")));
+    const ProgramResult result = run({file, in("out.ply"), "--except-layer", "aux"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_THAT(result.errors, HasSubstr("left out: 1 TEXT (annotation); "));
+    EXPECT_THAT(result.errors, HasSubstr("1 of layer AUX (on a layer not asked for)"));
+    EXPECT_THAT(result.errors, HasSubstr("1 INSERT (of a missing block)"));
+    EXPECT_EQ(run({file, in("out.ply"), "--quiet"}).errors, "");
+}
+
+TEST_F(CloudconvPath, FailsWhenNothingIsLeftButNotOfAnEmptyDrawing) {
+    const fs::path file = drawingFile(drawing({"0", "TEXT", "8", "0", "1", "a"}));
+    expectFailure(file, in("out.ply"),
+                  file.string() + ": nothing is left to follow: left out: 1 TEXT (annotation)");
+    EXPECT_THAT(converted(drawing({}), ".ply"), HasSubstr("element vertex 0\n"));
+}
+
+TEST_F(CloudconvPath, ReplacesItsInputOnlyWhenForced) {
+    const std::string bytes = inMillimetres(line(0, 0, 1, 0));
+    const fs::path file = drawingFile(bytes);
+    const ProgramResult refused = run({file, file, "--to=ply"});
+    EXPECT_EQ(refused.status, 2);
+    EXPECT_THAT(refused.errors, HasSubstr("--force"));
+    EXPECT_EQ(readFile(file), bytes);
+    EXPECT_EQ(run({file, file, "--to=xyz", "--force"}).status, 0);
+    EXPECT_EQ(readFile(file), "0 0 0 1\n1 0 0 1\n");
+}
+
+TEST_F(CloudconvPath, ReadsBinaryDrawings) {
+    const auto coordinate = [](unsigned char code, const std::string& bytes) {
+        return std::string{static_cast<char>(code), '\0'} + bytes;
+    };
+    const auto text = [](unsigned char code, const std::string& value) {
+        return std::string{static_cast<char>(code), '\0'} + value + '\0';
+    };
+    const std::string zero(8, '\0');
+    const std::string two = std::string(7, '\0') + '\x40';
+    const std::string bytes = std::string("AutoCAD Binary DXF\r\n\x1A") + '\0' +
+                              text(0, "SECTION") + text(2, "ENTITIES") + text(0, "LINE") +
+                              text(8, "0") + coordinate(10, zero) + coordinate(20, zero) +
+                              coordinate(11, two) + coordinate(21, two) + text(0, "ENDSEC") +
+                              text(0, "EOF");
+    EXPECT_EQ(xyzOf(bytes), "0 0 0 1\n2 2 0 1\n");
+}
+
+TEST_F(CloudconvPath, RefusesOptionsThatMakeNoSense) {
+    const std::string file = drawingFile(inMillimetres(line(0, 0, 1, 0)));
+    for (const Texts& options :
+         {Texts{"--tolerance", "0"}, Texts{"--tolerance", "nan"}, Texts{"--step", "-1"},
+          Texts{"--join", "-1"}, Texts{"--unit", "parsec"}, Texts{"--order", "shuffled"},
+          Texts{"--axes", "x"}, Texts{"--max-points", "0"}, Texts{"--xyzi"},
+          Texts{"--shift", "auto"}, Texts{"--plain", "--step", "1"}}) {
+        Texts arguments = {file, in("out.ply")};
+        arguments.insert(arguments.end(), options.begin(), options.end());
+        EXPECT_EQ(run(arguments).status, 2) << ::testing::PrintToString(options);
+    }
+    EXPECT_EQ(names(), Texts{"in.dxf"});
+}
+
+} // namespace

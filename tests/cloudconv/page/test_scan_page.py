@@ -1,0 +1,197 @@
+"""The page of a scan, in a browser. ripples.html is what MakePages.cpp calls ripples()."""
+
+import pytest
+
+HOSTILE = "</script><script>window.hacked = 1</script><img src=x onerror=\"window.hacked = 1\">"
+PAPER = (255, 255, 255)
+
+
+@pytest.fixture
+def ripples(open_page):
+    page = open_page("ripples.html")
+    whole(page)
+    return page
+
+
+def whole(page):
+    """Waits until all points are drawn."""
+    page.settle()
+    page.wait(lambda: page.run("return document.documentElement.dataset.whole") == "true")
+    page.settle()
+
+
+def share(picture, wanted):
+    """Which part of a picture has a colour that is wanted."""
+    pixels = list(picture.getdata())
+    return sum(1 for pixel in pixels if wanted(pixel)) / len(pixels)
+
+
+def is_red(pixel):
+    return pixel[0] > 120 and pixel[2] < 60
+
+
+def is_blue(pixel):
+    return pixel[2] > 120 and pixel[0] < 60
+
+
+def halves(page):
+    picture = page.picture()
+    middle = picture.width // 2
+    return (picture.crop((0, 0, middle, picture.height)),
+            picture.crop((middle, 0, picture.width, picture.height)))
+
+
+def test_shows_the_colours_of_the_file_where_it_has_some(ripples):
+    ripples.click("[data-view=top]")
+    whole(ripples)
+    left, right = halves(ripples)
+    assert share(left, is_red) > 0.4 and share(left, is_blue) < 0.05
+    assert share(right, is_blue) > 0.4 and share(right, is_red) < 0.05
+
+
+def test_is_coloured_by_intensity_or_height_when_asked(ripples):
+    ripples.click("[data-view=top]")
+    ripples.click("[value=intensity]")
+    whole(ripples)
+    picture = ripples.picture()
+    middle = picture.getpixel((picture.width // 2, picture.height // 2 + 8))
+    assert middle[0] > 120 and middle[2] < 120, "brightest in the middle"
+    assert ripples.text("#scale-name") == "Intensity"
+    assert share(picture, is_red) < 0.01
+    ripples.click("[value=height]")
+    whole(ripples)
+    assert ripples.text("#scale-name") == "Height (z)"
+    assert ripples.text("#low-text").startswith("\u22120.")
+    ripples.click("#window-all")
+    assert ripples.text("#low-text") == "\u22120.4951"
+    assert ripples.text("#high-text") == "0.9602"
+
+
+def test_the_mouse_turns_moves_and_zooms(ripples):
+    ripples.click("[data-view=top]")
+    whole(ripples)
+    # Half a turn about what is up: left is right.
+    ripples.drag(300, 300, 3.14159 / 0.006, 0)
+    whole(ripples)
+    left, right = halves(ripples)
+    assert share(left, is_blue) > 0.4 and share(right, is_red) > 0.4
+    ripples.drag(300, 300, 0, -262)
+    whole(ripples)
+    shown = share(ripples.picture(), lambda pixel: pixel != PAPER)
+    assert shown < 0.35, "seen from the side"
+    for _ in range(4):
+        ripples.wheel(450, 370, 200)
+    whole(ripples)
+    assert share(ripples.picture(), lambda pixel: pixel != PAPER) < shown / 2
+    ripples.click("#fit")
+    ripples.drag(300, 300, 0, 250, button="right")
+    whole(ripples)
+    picture = ripples.picture()
+    upper = picture.crop((100, 60, picture.width - 100, picture.height // 3))
+    assert share(upper, lambda pixel: is_red(pixel) or is_blue(pixel)) < 0.02
+
+
+def test_fingers_and_keys_zoom_and_turn(ripples):
+    ripples.click("[data-view=top]")
+    whole(ripples)
+    shown = share(ripples.picture(), lambda pixel: pixel == PAPER)
+    ripples.pinch(450, 370, 80, 200)
+    whole(ripples)
+    assert share(ripples.picture(), lambda pixel: pixel == PAPER) < shown / 2
+    ripples.run("document.getElementById('stage').focus()")
+    ripples.press("0")
+    whole(ripples)
+    assert share(ripples.picture(), lambda pixel: pixel == PAPER) == pytest.approx(shown, abs=0.03)
+    ripples.press("2")
+    whole(ripples)
+    assert share(ripples.picture(), lambda pixel: pixel == PAPER) > shown + 0.2, "from the front"
+    turned = ripples.picture()
+    ripples.press("\ue012", "\ue012", "\ue013")
+    whole(ripples)
+    assert ripples.picture() != turned
+
+
+def test_a_click_tells_the_coordinates_of_a_point(ripples):
+    ripples.click("[data-view=top]")
+    whole(ripples)
+    _, _, width, height = ripples.stage()
+    ripples.click_at(width / 2, height / 2)
+    whole(ripples)
+    words = ripples.text("#card")
+    assert words.startswith(("x 0.0", "x \u22120.0")), words
+    assert "z 0.9" in words
+    assert "intensity 9" in words
+    assert "colour" in words
+    assert ripples.one("#ring").is_displayed()
+    ripples.press("\ue00c")
+    assert not ripples.one("#card").is_displayed()
+
+
+def test_larger_points_cover_more(ripples):
+    ripples.set("#point-size", 1)
+    whole(ripples)
+    shown = share(ripples.picture(), lambda pixel: pixel != PAPER)
+    ripples.set("#point-size", 8)
+    whole(ripples)
+    assert share(ripples.picture(), lambda pixel: pixel != PAPER) > shown * 1.1
+
+
+def test_names_are_texts_and_what_was_taken_off_is_told(ripples):
+    assert ripples.text("#title").startswith(HOSTILE)
+    assert HOSTILE in ripples.text("#notes")
+    assert "Taken off4,512,000, 5,400,000, 0" in ripples.text("#about")
+    assert ripples.all("img") == []
+
+
+def test_tells_how_many_points_it_shows_of_how_many(open_page):
+    page = open_page("thin.html")
+    whole(page)
+    assert page.text("#summary") == "1,000 of 40,000 points"
+    assert "Of 40,000 points this page shows 1,000, evenly picked" in page.text("#notes")
+    # Neither intensities nor colours: there is the height to choose.
+    assert [e.is_displayed() for e in page.all("[name=colour-by]")] == [False, True, False]
+    page.click("[data-view=top]")
+    whole(page)
+    picture = page.picture()
+    quarters = [picture.crop((x, y, x + picture.width // 2, y + picture.height // 2))
+                for x in (0, picture.width // 2) for y in (0, picture.height // 2)]
+    shown = [share(quarter, lambda pixel: pixel != PAPER) for quarter in quarters]
+    assert max(shown) < 1.6 * min(shown), "the points are picked from everywhere"
+
+
+def test_a_scan_without_points_opens(open_page):
+    page = open_page("no_points.html")
+    assert page.text("#summary") == "0 points"
+    assert "Left out: 1 point without a place." in page.text("#notes")
+    page.click_at(300, 300)
+    page.press("1", "+")
+
+
+def test_says_so_where_the_browser_cannot_draw_in_space(open_page, driver):
+    script = driver.execute_cdp_cmd("Page.addScriptToEvaluateOnNewDocument", {
+        "source": "HTMLCanvasElement.prototype.getContext = () => null;"
+                  "addEventListener('DOMContentLoaded',"
+                  " () => { document.documentElement.dataset.ready = 'true'; });"})
+    page = open_page("ripples.html")
+    driver.execute_cdp_cmd("Page.removeScriptToEvaluateOnNewDocument", script)
+    assert "WebGL 2" in page.text("#failure")
+    assert page.one("#failure").is_displayed()
+    assert "Points40,000" in page.text("#about")
+
+
+def test_dark_and_narrow(ripples):
+    ripples.scheme("dark")
+    whole(ripples)
+    assert ripples.picture().getpixel((5, 400)) == (16, 19, 25)
+    ripples.size(360, 700)
+    whole(ripples)
+    assert ripples.run("return document.documentElement.scrollWidth") <= 360
+    assert share(ripples.picture(), is_red) > 0.05
+
+
+def test_everything_that_can_be_used_has_a_name(ripples):
+    nameless = ripples.run("""
+        return [...document.querySelectorAll('button, input, select, [tabindex="0"]')].filter((e) =>
+            !(e.getAttribute('aria-label') || e.textContent.trim() || e.labels?.length))
+            .map((e) => e.outerHTML);""")
+    assert nameless == []

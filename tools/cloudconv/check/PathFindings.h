@@ -1,0 +1,38 @@
+#pragma once
+
+#include "converters/DrawingPath.h"
+#include "tools/cloudconv/check/Finding.h"
+
+#include <string>
+#include <vector>
+
+/// What is found in a path.
+struct PathFindings {
+    /// By kind, and in the order of the path.
+    std::vector<Finding> findings;
+    /// What is no finding, and yet to be known: annotation that was left out, say.
+    std::vector<std::string> notes;
+};
+
+/// How contours are to be followed, to be looked at: in the order in which they are drawn, without
+/// additional points on lines.
+converters::PathOptions optionsForChecking(converters::PathOptions options);
+
+/// What a user must know of a drawing before something follows its path.
+///
+/// - near misses: ends of open contours that are not joined and lie apart by no more than
+///   `distance`. Of the ends near an end, the nearest;
+/// - duplicates: entities that equal an earlier one, of any kind and in either direction;
+/// - entities without extent;
+/// - geometry that was left out; annotation, and layers that nobody asked for, are notes;
+/// - open contours that touch themselves, and closed ones that cross themselves, seen from above;
+/// - a drawing that names no unit.
+///
+/// The cost grows as n log n with the points; it ends with a note where contours are so tangled
+/// that it would not.
+///
+/// @param path      read with optionsForChecking()
+/// @param options   those that it was read with
+/// @param distance  in units of the path
+PathFindings findingsOf(const converters::DrawingPath& path, const converters::PathOptions& options,
+                        double distance);
