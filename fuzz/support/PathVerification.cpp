@@ -73,9 +73,9 @@ void verifyPieces(const DrawingPath& path, const PathContour& contour) {
         const PathPiece& piece = path.pieces[i];
         FUZZ_VERIFY(piece.firstPoint == point && piece.lastPoint < contour.endPoint);
         // What has no extent is a contour of one point.
-        FUZZ_VERIFY(piece.lastPoint > piece.firstPoint ||
-                    (piece.lastPoint == piece.firstPoint &&
-                     contour.endPoint == contour.firstPoint + 1));
+        FUZZ_VERIFY(
+            piece.lastPoint > piece.firstPoint ||
+            (piece.lastPoint == piece.firstPoint && contour.endPoint == contour.firstPoint + 1));
         FUZZ_VERIFY(piece.curve < curvesOf(path, piece.kind));
         FUZZ_VERIFY(piece.entity >= contour.firstEntity && piece.entity < contour.endEntity);
         point = piece.lastPoint;

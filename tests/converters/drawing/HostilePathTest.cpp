@@ -335,6 +335,14 @@ TEST(HostilePath, AnglesOfThousandsOfDegreesAreTurnsAndTheRest) {
     EXPECT_NEAR(turned.points[0].x, plain.points[0].x, 1e-9);
 }
 
+TEST(HostilePath, AnglesOnEitherSideOfZeroAreTurnsAndTheRest) {
+    const DrawingPath path =
+        pathOf(drawingOf("0\nARC\n8\n0\n10\n0\n20\n0\n40\n1\n50\n717\n51\n-115\n"));
+    ASSERT_EQ(path.arcs.size(), 1U);
+    constexpr double degree = 3.14159265358979323846 / 180;
+    EXPECT_NEAR(path.arcs[0].sweep, 248 * degree, 1e-9);
+}
+
 TEST(HostilePath, KnotsThatFallAreLeftOutAsBroken) {
     const DrawingPath path = pathOf(
         drawingOf(splineStart + "40\n0\n40\n0\n40\n0\n40\n1\n40\n0.5\n40\n1\n" + splinePoints));
