@@ -89,7 +89,7 @@ DrawingPath readPath(std::string_view file, const PathOptions& options) {
     writeContours({drawing, expansion, layers, links}, settings, path,
                   progress.part(endOfJoining, 1));
 
-    // reorder(path, options.order);
+    reorder(path, options.order);
 
     path.drawingUnit = settings.drawingUnit;
     path.unit = settings.unit;

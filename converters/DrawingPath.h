@@ -82,7 +82,7 @@ struct PathEntity {
 
 /// What a piece of a contour is, exactly.
 enum class PathCurveKind : std::uint8_t {
-    /// A point by itself.
+    /// A point by itself: a POINT, or an entity without extent.
     point,
     /// The straight line between the two ends of the piece.
     line,

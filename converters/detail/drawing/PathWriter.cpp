@@ -92,10 +92,7 @@ public:
     explicit Counter(const SamplingLimits& limits) : m_limits(limits) {}
 
     void begin(const Point&) { addPoints(1); }
-    void entity(const Entity& entity, const Placement&) {
-        ++entities;
-        m_isPoint = entity.kind == EntityKind::point;
-    }
+    void entity(const Entity&, const Placement&) { ++entities; }
     void curve(const Curve& curve) {
         addPoints(countPoints(curve, m_limits));
         ++pieces;
@@ -130,7 +127,6 @@ private:
 
     const SamplingLimits& m_limits;
     std::size_t m_piecesOfContour = 0;
-    bool m_isPoint = false;
 };
 
 PathEntityKind pathKindOf(EntityKind kind) {
@@ -172,7 +168,6 @@ private:
     const SamplingLimits& m_limits;
     DrawingPath& m_path;
     PathContour m_contour{};
-    bool m_isPoint = false;
 };
 
 void Writer::begin(const Point& start) {
@@ -192,7 +187,6 @@ void Writer::entity(const Entity& entity, const Placement& placement) {
         m_contour.trueColour = colour.trueColour;
     }
     m_path.entities.push_back({entity.handle, placement.insert, layer, pathKindOf(entity.kind)});
-    m_isPoint = entity.kind == EntityKind::point;
 }
 
 /// Keeps the exact curve of a piece.
@@ -237,8 +231,8 @@ void Writer::curve(Curve&& curve) {
 void Writer::end(bool closed, const Point& start) {
     if (m_contour.firstPiece == m_path.pieces.size()) {
         const auto entity = static_cast<std::uint32_t>(m_path.entities.size() - 1);
-        m_path.pieces.push_back({m_contour.firstPoint, m_contour.firstPoint, 0, entity,
-                                 m_isPoint ? PathCurveKind::point : PathCurveKind::line});
+        m_path.pieces.push_back(
+            {m_contour.firstPoint, m_contour.firstPoint, 0, entity, PathCurveKind::point});
     } else if (closed) {
         m_path.points.back() = start;
     }

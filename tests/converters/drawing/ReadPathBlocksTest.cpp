@@ -166,10 +166,11 @@ TEST(ReadPathBlocks, OfEqualNamesCountAsTheFirstThatHoldsAnything) {
 
 TEST(ReadPathBlocks, WithAttributesAreFollowedByText) {
     const DrawingPath path = pathOf(drawing(
-        block("a", std::string(lineInX) + "  0 ATTDEF  8 t  2 TAG"),
+        block("a", std::string(lineInX) + "  0 ATTDEF  8 t  2 TAG  70 0  0 ATTDEF  8 c  100 "
+                                          "AcDbEntity  100 AcDbText  2 TAG  70 2"),
         "0 INSERT  8 0  66 1  2 a  0 ATTRIB  8 t  10 1  20 1  0 SEQEND  8 0  0 POINT  10 3  20 4"));
     EXPECT_EQ(describe(path), "(0, 0) (1, 0)\n(3, 4)\n");
-    EXPECT_EQ(leftOut(path), "1 ATTRIB on t: annotation\n");
+    EXPECT_EQ(leftOut(path), "1 ATTDEF on c: annotation\n1 ATTRIB on t: annotation\n");
 }
 
 TEST(ReadPathBlocks, CountWhatTheyLeaveOutOnceForEachTimeThatTheyAreDrawn) {

@@ -58,7 +58,8 @@ TEST(ReadPathEntities, LineMayHaveItsCoordinatesInAnyOrder) {
 TEST(ReadPathEntities, LineWithoutExtentIsAContourOfOnePoint) {
     const DrawingPath path = pathOf(drawingOf("0 LINE  10 1  20 2  11 1  21 2"));
     EXPECT_EQ(describe(path), "(1, 2)\n");
-    EXPECT_EQ(path.pieces[0].kind, PathCurveKind::line);
+    EXPECT_EQ(path.pieces[0].kind, PathCurveKind::point);
+    EXPECT_EQ(path.entities[0].kind, PathEntityKind::line);
     EXPECT_FALSE(path.contours[0].closed);
 }
 
@@ -103,6 +104,12 @@ TEST(ReadPathEntities, ArcWhoseAnglesDifferByAFullTurnIsACircle) {
         EXPECT_TRUE(path.contours.at(0).closed) << angles;
         EXPECT_NEAR(path.length, 4 * pi, 1e-9);
     }
+}
+
+TEST(ReadPathEntities, ArcMayHaveAnglesOfManyTurns) {
+    const DrawingPath path = pathOf(drawingOf("0 ARC  10 0  20 0  40 2  50 720  51 -270"));
+    EXPECT_NEAR(path.length, pi, 1e-9);
+    expectNear(path.points.back(), {0, 2, 0});
 }
 
 TEST(ReadPathEntities, ArcOfEqualAnglesHasNoExtent) {

@@ -515,10 +515,13 @@ bool DrawingParser<Groups>::skipApplicationData() {
     return false;
 }
 
-/// Reads an entity of a kind that draws nothing to follow.
+/// Reads an entity of a kind that draws nothing to follow. An ATTDEF in a block is drawn only where
+/// it is constant: what an INSERT draws of others are ATTRIBs.
 template <typename Groups>
 void DrawingParser<Groups>::readOther() {
+    constexpr std::int64_t constant = 2;
     const std::string_view kind = m_name;
+    const bool isForm = m_kind == ObjectKind::attributeDefinition;
     bool isCommon = true;
     bool goesOn = true;
     while (goesOn && nextGroup()) {
@@ -526,12 +529,15 @@ void DrawingParser<Groups>::readOther() {
         if (code == subclassMarker) {
             // What all entities have ends where the data of the kind begin.
             isCommon = trimmedText() == "AcDbEntity";
-        } else if (isCommon || (code == 8 && !m_entity.attributes.hasLayer)) {
+        } else if (isCommon || (code == 8 && !m_entity.attributes.hasLayer) ||
+                   (code == 70 && isForm)) {
             goesOn = readAttribute();
         }
     }
     beginObject();
-    m_builder.addNotDrawn(m_entity.attributes, kind, reasonOf(kind));
+    if (!isForm || !m_builder.isInBlock() || (m_entity.flags & constant) != 0) {
+        m_builder.addNotDrawn(m_entity.attributes, kind, reasonOf(kind));
+    }
 }
 
 template <typename Groups>

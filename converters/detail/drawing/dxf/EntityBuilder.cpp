@@ -1,6 +1,5 @@
 #include "converters/detail/drawing/dxf/EntityBuilder.h"
 
-#include "converters/detail/drawing/dxf/EntityNames.h"
 #include "converters/detail/drawing/dxf/KindNumbers.h"
 #include "converters/detail/drawing/dxf/Numbers.h"
 #include "converters/detail/drawing/geometry/Angle.h"
@@ -94,10 +93,6 @@ void EntityBuilder::add(EntityKind kind, const EntityGroups& groups, std::size_t
 
 void EntityBuilder::addNotDrawn(const EntityAttributes& attributes, std::string_view kind,
                                 LeftOutReason reason) {
-    // What an INSERT draws of it is an ATTRIB.
-    if (m_owner == ContentsOf::block && objectKindOf(kind) == ObjectKind::attributeDefinition) {
-        return;
-    }
     const std::uint32_t number = m_drawing.kindNames.numberOf(withoutBlanks(kind));
     const auto flags = static_cast<std::uint8_t>(flagsOf(attributes));
     const auto [place, isNew] = m_places.emplace(

@@ -33,6 +33,7 @@ public:
     explicit EntityBuilder(Drawing& drawing) : m_drawing(drawing) {}
 
     void beginContents(ContentsOf owner);
+    bool isInBlock() const { return m_owner == ContentsOf::block; }
     /// Ends them: the ranges of what was added.
     Contents endContents();
 

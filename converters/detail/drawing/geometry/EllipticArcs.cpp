@@ -16,10 +16,8 @@ std::optional<double> sweepBetween(double start, double end, double turn, double
     if (!std::isfinite(start) || !std::isfinite(end) || std::fabs(end - start) <= 1e-9) {
         return std::nullopt;
     }
-    // The remainders may be up to two turns apart.
     double sweep = std::fmod(std::fmod(end, turn) - std::fmod(start, turn), turn);
     sweep += sweep < 0 ? turn : 0;
-    sweep -= sweep >= turn ? turn : 0;
     const bool apart = std::fabs(end - start) > turn / 2;
     if (sweep == 0 || sweep >= turn - slack || (sweep <= slack && apart)) {
         return turn;
