@@ -137,7 +137,7 @@ TEST_F(CloudconvScan, ReplacesItsInputOnlyWhenForced) {
 }
 
 TEST_F(CloudconvScan, RefusesWhatIsNoNumberOrNotWhole) {
-    for (const std::string& body : {"1,5 2 3\n", "1 2\n", "1 2 x\n", ""}) {
+    for (const char* const body : {"1,5 2 3\n", "1 2\n", "1 2 x\n", ""}) {
         const fs::path file = input(asciiScan("1", coordinates, body));
         writeFile(in("out.ply"), "old");
         const ProgramResult result = run({file, in("out.ply")});
