@@ -31,6 +31,11 @@ inline std::uint64_t loadWord(const char* text) {
     return word;
 }
 
+inline void storeWord(std::uint64_t word, char* text) {
+    word = canUseWords ? word : __builtin_bswap64(word);
+    std::memcpy(text, &word, sizeof word);
+}
+
 /// The top bit of each byte: is the byte above 9? Right up to the first such byte, the only one
 /// that matters: nothing carries out of a byte before it.
 inline std::uint64_t othersThanDigits(std::uint64_t values) {
@@ -50,6 +55,18 @@ inline std::uint64_t joinDigits(std::uint64_t digits) {
     digits = (digits * 10 + (digits >> 8)) & 0x00FF00FF00FF00FF;
     digits = (digits * 100 + (digits >> 16)) & 0x0000FFFF0000FFFF;
     return (digits * 10000 + (digits >> 32)) & 0xFFFFFFFF;
+}
+
+/// The digits of a number below 10^8, each as its value, the first in the lowest byte: what
+/// joinDigits() takes.
+inline std::uint64_t splitDigits(std::uint32_t number) {
+    // Halves, of four digits, of two, of one: the upper one goes to the lower half of the word. The
+    // multiplications are divisions by 100 and by 10, exact for numbers so small.
+    std::uint64_t word = number / 10000 | std::uint64_t{number % 10000} << 32;
+    const std::uint64_t hundreds = (word * 5243 >> 19) & 0x0000007F0000007F;
+    word = hundreds | (word - 100 * hundreds) << 16;
+    const std::uint64_t tens = (word * 103 >> 10) & 0x000F000F000F000F;
+    return tens | (word - 10 * tens) << 8;
 }
 
 /// Value of the first `count` characters of a word, all digits; count is 1 to 8.

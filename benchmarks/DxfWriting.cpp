@@ -1,10 +1,14 @@
 // toDxf beside a loop over dxflib's writer, which writes a file of its own in the same directory.
+//
+// The limit is what the file alone costs: writing the same bytes to it, reading them back, removing
+// it.
 
 #include "benchmarks/Inputs.h"
 #include "converters/Converters.h"
 
 #include <dxflib/dl_dxf.h>
 #include <dxflib/dl_writer_ascii.h>
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <filesystem>
@@ -46,7 +50,25 @@ void bareDxflib(benchmark::State& state) {
     std::filesystem::remove(path);
 }
 
+void fileAlone(benchmark::State& state) {
+    const std::vector<char>& bytes = pointDrawingOf(static_cast<std::size_t>(state.range(0)));
+    const std::string path = converters::tmpDxfPath / ("file" + std::to_string(getpid()) + ".dxf");
+    for (auto _ : state) {
+        const int file = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+        const ssize_t written = write(file, bytes.data(), bytes.size());
+        close(file);
+        std::vector<unsigned char> back;
+        if (written != static_cast<ssize_t>(bytes.size()) || !converters::from_file(path, back) ||
+            back.size() != bytes.size()) {
+            state.SkipWithError("not written");
+        }
+        benchmark::DoNotOptimize(back.data());
+        std::filesystem::remove(path);
+    }
+}
+
 BENCHMARK(ours)->Name("toDxf")->Apply(allSizes);
+BENCHMARK(fileAlone)->Name("toDxf-file")->Apply(allSizes);
 BENCHMARK(bareDxflib)->Name("toDxf-dxflib")->Apply(allSizes);
 
 } // namespace

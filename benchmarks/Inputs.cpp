@@ -2,6 +2,7 @@
 
 #include "converters/Converters.h"
 #include "tests/support/SampleClouds.h"
+#include "tests/support/SampleDrawings.h"
 
 #include <unistd.h>
 
@@ -52,6 +53,13 @@ const std::vector<char>& pointDrawingOf(std::size_t size) {
         std::vector<unsigned char> file;
         converters::toDxf(pointsOf(points), file);
         return std::vector<char>(file.begin(), file.end());
+    });
+}
+
+const std::vector<char>& lineDrawingOf(std::size_t size) {
+    return kept(size, [](std::size_t lines) {
+        const std::string text = lineDrawing(lines, 1.0);
+        return std::vector<char>(text.begin(), text.end());
     });
 }
 

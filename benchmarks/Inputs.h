@@ -18,6 +18,8 @@ const std::vector<unsigned char>& binaryPlyOf(std::size_t size);
 const std::vector<unsigned char>& asciiPlyOf(std::size_t size);
 /// A drawing of `size` POINTs.
 const std::vector<char>& pointDrawingOf(std::size_t size);
+/// A drawing of `size` LINEs of 11 points, as in lineDrawing().
+const std::vector<char>& lineDrawingOf(std::size_t size);
 
 /// The path of a file in memory. The caller removes it.
 std::string memoryFile(const std::string& name);

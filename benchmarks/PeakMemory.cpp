@@ -8,6 +8,7 @@
 #include "dxfeditor/DXFDocument.h"
 #include "dxfeditor/DXFReader.h"
 #include "tests/support/SampleClouds.h"
+#include "tests/support/SampleDrawings.h"
 
 #include <malloc.h>
 #include <sys/wait.h>
@@ -17,6 +18,7 @@
 #include <cstdlib>
 #include <fstream>
 #include <functional>
+#include <set>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -124,12 +126,6 @@ std::string pointGroups(int code, double x, double y) {
     return groups;
 }
 
-std::string lineOf(int i) {
-    const double x = 2.0 * (i % 1000);
-    const double y = i / 1000;
-    return "0\nLINE\n8\n0\n" + pointGroups(10, x, y) + pointGroups(11, x + 1, y);
-}
-
 std::string circleOf(int i) {
     return "0\nCIRCLE\n8\n0\n" + pointGroups(10, i, i) + "40\n1.5\n";
 }
@@ -221,18 +217,47 @@ std::vector<char> pointDrawing(std::size_t size) {
     return {file.begin(), file.end()};
 }
 
+void measureLines(std::size_t lines, const char* shape, double length) {
+    const std::string text = lineDrawing(lines, length);
+    const std::string name = "fromDxf, " + std::to_string(lines) + " LINEs of " + shape;
+    measureFromDxf<std::vector<cv::Point3_<double>>>(name.c_str(), {text.begin(), text.end()});
+}
+
 /// Prints the bytes that one entity of a kind takes in the model.
-void reportHeld(const char* kind, const std::function<std::string(int)>& entity) {
+/// @param most  the goal, or 0 where there is none
+void reportHeld(const char* kind, std::size_t most,
+                const std::function<std::vector<char>(std::size_t)>& drawing) {
     constexpr std::size_t count = 10000;
     inProcess([&] {
-        const std::size_t held =
-            heldFor(drawingOf(2 * count, entity)) - heldFor(drawingOf(count, entity));
-        std::printf("  {\"held\": \"%s\", \"bytes\": %zu},\n", kind, held / count);
+        const std::size_t held = heldFor(drawing(2 * count)) - heldFor(drawing(count));
+        std::printf("  {\"held\": \"%s\", \"bytes\": %zu, \"most\": %zu},\n", kind, held / count,
+                    most);
     });
 }
 
-std::function<std::string(int)> with(std::string (*entity)(int, int), int parts) {
-    return [=](int i) { return entity(i, parts); };
+using DrawingOf = std::function<std::vector<char>(std::size_t)>;
+
+DrawingOf drawingOf(std::string (*entity)(int)) {
+    return [=](std::size_t count) { return drawingOf(count, entity); };
+}
+
+DrawingOf drawingOf(std::string (*entity)(int, int), int parts) {
+    return [=](std::size_t count) {
+        return drawingOf(count, [=](int i) { return entity(i, parts); });
+    };
+}
+
+void reportAllHeld() {
+    reportHeld("LINE", 170, [](std::size_t count) {
+        const std::string text = lineDrawing(count, 1.0);
+        return std::vector<char>(text.begin(), text.end());
+    });
+    reportHeld("CIRCLE", 160, drawingOf(circleOf));
+    reportHeld("ARC", 170, drawingOf(arcOf));
+    reportHeld("LWPOLYLINE, 4 vertices", 420, drawingOf(polylineOf, 4));
+    reportHeld("LWPOLYLINE, 12 vertices", 0, drawingOf(polylineOf, 12));
+    reportHeld("SPLINE, 8 control points", 560, drawingOf(splineOf, 8));
+    reportHeld("SPLINE, 24 control points", 0, drawingOf(splineOf, 24));
 }
 
 } // namespace
@@ -240,20 +265,18 @@ std::function<std::string(int)> with(std::string (*entity)(int, int), int parts)
 int main(int argc, char** argv) {
     using Points = std::vector<cv::Point3_<double>>;
     const std::size_t size = argc > 1 ? std::strtoull(argv[1], nullptr, 10) : 1000000;
+    constexpr std::size_t mostLines = 5000000;
     std::printf("[\n");
     measurePly("toPlyBinary", converters::toPlyBinary, "fromPly, binary", size);
     measurePly("toPlyAscii", converters::toPlyAscii, "fromPly, ASCII", size);
     measureToDxf(size);
     measureFromDxf<Points>("fromDxf, POINTs", pointDrawing(size));
     measureFromDxf<pcl::PointCloud<pcl::PointXYZ>>("fromDxf, POINTs, cloud", pointDrawing(size));
-    measureFromDxf<Points>("fromDxf, LINEs of 11 points", drawingOf(size, lineOf));
-    reportHeld("LINE", lineOf);
-    reportHeld("CIRCLE", circleOf);
-    reportHeld("ARC", arcOf);
-    reportHeld("LWPOLYLINE, 4 vertices", with(polylineOf, 4));
-    reportHeld("LWPOLYLINE, 12 vertices", with(polylineOf, 12));
-    reportHeld("SPLINE, 8 control points", with(splineOf, 8));
-    reportHeld("SPLINE, 24 control points", with(splineOf, 24));
+    for (const std::size_t lines : std::set<std::size_t>{size, mostLines}) {
+        measureLines(lines, "11 points", 1.0);
+        measureLines(lines, "one point", 0.05);
+    }
+    reportAllHeld();
     std::printf("  {\"size\": %zu}\n]\n", size);
     return 0;
 }

@@ -107,6 +107,7 @@ public:
 private:
     /// The current entity, if it is a spline that may grow.
     DXFEDITOR_HIDDEN DXFSpline* currentSpline() const;
+    DXFEDITOR_HIDDEN void shrinkCurrent();
     /// Makes an entity current that endSection() has to end.
     DXFEDITOR_HIDDEN void startSimple(std::shared_ptr<DXFEntity> entity);
     /// Makes an entity current that dxflib ends itself.

@@ -61,6 +61,7 @@ private:
     static DxfObjectKind kindOf(std::string_view name);
 
     DxfGroups m_groups;
+    DxfCodeLines m_lines;
     /// The next object; meaningful while m_found.
     std::string_view m_name;
     DxfObjectKind m_kind = DxfObjectKind::Other;
@@ -77,9 +78,9 @@ bool DxfObjects::next(DxfObject& object, Take take) {
     m_found = false;
     // Of its own, so that it stays in registers.
     DxfGroups groups = m_groups;
-    const std::string_view text = groups.rest();
-    std::size_t passed = 0;
-    for (DxfGroup group; groups.next(group);) {
+    const char* const begin = groups.rest().data();
+    const char* end = begin;
+    for (DxfGroup group; groups.next(group, m_lines);) {
         if (group.beginsObject()) {
             m_found = true;
             m_name = group.value;
@@ -87,10 +88,10 @@ bool DxfObjects::next(DxfObject& object, Take take) {
             break;
         }
         take(group);
-        passed = text.size() - groups.rest().size();
+        end = groups.rest().data();
     }
     m_groups = groups;
-    object.groups = text.substr(0, passed);
+    object.groups = {begin, static_cast<std::size_t>(end - begin)};
     object.complete = m_found;
     return true;
 }

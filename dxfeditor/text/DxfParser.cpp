@@ -1,5 +1,6 @@
 #include "dxfeditor/text/DxfParser.h"
 
+#include "dxfeditor/DXFReader.h"
 #include "dxfeditor/detail/reading/ClassicLocale.h"
 #include "dxfeditor/detail/reading/DxfEntityDecoder.h"
 #include "dxfeditor/detail/reading/DxfIntake.h"
@@ -11,6 +12,7 @@
 #include <istream>
 #include <streambuf>
 #include <string>
+#include <typeinfo>
 
 namespace dxfeditor {
 
@@ -36,10 +38,11 @@ bool hasCounts(const DxfObject& object) {
 }
 
 /// Hands what the intake has ready to dxflib.
-void parsePiece(DxfIntake& intake, DL_CreationInterface& reader) {
+void parsePiece(DxfIntake& intake, DxfEntityDecoder& decoder, DL_CreationInterface& reader) {
     if (intake.output().empty()) {
         return;
     }
+    decoder.attributesWereSet();
     intake.close();
     StringBuffer buffer(intake.output());
     std::istream stream(&buffer);
@@ -63,27 +66,28 @@ void parseDxf(std::string_view text, DL_CreationInterface& reader, DxfDecoding d
     text = text.substr(0, text.find('\0'));
     const ClassicLocale classicLocale;
     DxfIntake intake(text);
-    DxfEntityDecoder decoder;
+    // What a class derived from the reader does in its callbacks is not known.
+    DxfEntityDecoder decoder(typeid(reader) == typeid(DXFReader));
     DxfObjects objects(text);
     const auto next = [&](DxfObject& object) {
         return decoding == DxfDecoding::Ours ? decoder.next(objects, object) : objects.next(object);
     };
     for (DxfObject object; next(object);) {
         if (decoder.hasDecoded()) {
-            parsePiece(intake, reader);
+            parsePiece(intake, decoder, reader);
             decoder.report(reader);
             continue;
         }
         if (hasCounts(object)) {
             // Nothing is torn apart: these end a polyline that they follow.
-            parsePiece(intake, reader);
+            parsePiece(intake, decoder, reader);
         }
         intake.append(object);
         if (intake.output().size() >= pieceSize && intake.canBeClosed()) {
-            parsePiece(intake, reader);
+            parsePiece(intake, decoder, reader);
         }
     }
-    parsePiece(intake, reader);
+    parsePiece(intake, decoder, reader);
 }
 
 } // namespace dxfeditor

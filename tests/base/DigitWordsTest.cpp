@@ -6,6 +6,7 @@
 
 #include <charconv>
 #include <cstdint>
+#include <cstdio>
 #include <cstring>
 #include <iterator>
 #include <random>
@@ -111,6 +112,24 @@ TEST(DigitWordsTest, AnythingThatIsReadIsTheNumberThatItSays) {
         }
     }
     EXPECT_GT(count, 100000);
+}
+
+TEST(DigitWordsTest, SplitsEveryNumberOfUpToEightDigits) {
+    std::mt19937 random(3);
+    const auto expectSplit = [](std::uint32_t number) {
+        char text[9];
+        std::snprintf(text, sizeof text, "%08u", static_cast<unsigned>(number));
+        const std::uint64_t digits = base::splitDigits(number);
+        char stored[8];
+        base::storeWord(digits + base::everyByte('0'), stored);
+        ASSERT_EQ(std::string(stored, sizeof stored), text);
+        ASSERT_EQ(base::joinDigits(digits), number);
+    };
+    // Each half on its own goes through all its values.
+    for (std::uint32_t half = 0; half < 10000; ++half) {
+        expectSplit(half);
+        expectSplit(half * 10000 + random() % 10000);
+    }
 }
 
 } // namespace

@@ -299,6 +299,21 @@ std::string ordinaryDrawing() {
     return drawing.text;
 }
 
+std::string lineDrawing(std::size_t lines, double length) {
+    std::string text = "0\nSECTION\n2\nENTITIES\n";
+    for (std::size_t i = 0; i < lines; ++i) {
+        const double x = 2.0 * static_cast<double>(i % 1000);
+        const auto y = static_cast<double>(i / 1000);
+        char entity[256];
+        std::snprintf(
+            entity, sizeof entity,
+            "0\nLINE\n8\n0\n10\n%.12f\n20\n%.12f\n30\n0.0\n11\n%.12f\n21\n%.12f\n31\n0.0\n", x, y,
+            x + length, y);
+        text += entity;
+    }
+    return text + "0\nENDSEC\n0\nEOF\n";
+}
+
 void addShuffledContours(DXFDocument& document, std::size_t lines) {
     constexpr std::size_t polygonsInRow = 100;
     constexpr double spacing = 50.0;

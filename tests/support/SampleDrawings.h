@@ -10,6 +10,10 @@ class DXFDocument;
 /// polylines and splines. Always the same.
 std::string ordinaryDrawing();
 
+/// The text of a drawing of lines in rows of a thousand. None meets another; each is of this
+/// length, at most 1.
+std::string lineDrawing(std::size_t lines, double length);
+
 /// Fills an empty document with `lines` unit lines (a multiple of 100) that are the sides of
 /// hundred-sided polygons far from each other; shuffled, every other one flipped, by chance.
 void addShuffledContours(DXFDocument& document, std::size_t lines);

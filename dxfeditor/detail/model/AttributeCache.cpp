@@ -35,13 +35,17 @@ bool matches(const DXFAttributes& record, const DL_Attributes& attributes) {
 } // namespace
 
 std::shared_ptr<DXFAttributes> AttributeCache::recordOf(const DL_Attributes& attributes) {
-    std::shared_ptr<DXFAttributes>& known = m_records[hashOf(attributes) % placeCount];
-    if (known == nullptr || !matches(*known, attributes)) {
-        known = DXFAdapter::makeAttributes(attributes);
-    } else if (known->handle() != attributes.getHandle()) {
-        known = known->withHandle(attributes.getHandle());
+    if (m_last == nullptr || !matches(*m_last, attributes)) {
+        std::shared_ptr<DXFAttributes>& known = m_records[hashOf(attributes) % placeCount];
+        if (known == nullptr || !matches(*known, attributes)) {
+            known = DXFAdapter::makeAttributes(attributes);
+        }
+        m_last = known;
     }
-    return known;
+    if (m_last->handle() != attributes.getHandle()) {
+        m_last = m_last->withHandle(attributes.getHandle());
+    }
+    return m_last;
 }
 
 } // namespace dxfeditor

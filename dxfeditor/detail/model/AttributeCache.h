@@ -24,6 +24,8 @@ public:
 private:
     static constexpr std::size_t placeCount = 256;
 
+    /// The record given last: mostly the next entity has the same one.
+    std::shared_ptr<DXFAttributes> m_last;
     std::array<std::shared_ptr<DXFAttributes>, placeCount> m_records;
 };
 

@@ -23,19 +23,28 @@ bool isDigitOrPoint(char c) {
     return (c >= '0' && c <= '9') || c == '.';
 }
 
-std::string_view withoutBlanks(std::string_view text) {
-    while (!text.empty() && text.front() == ' ') {
-        text.remove_prefix(1);
+/// Reads a plain number, which may stand between blanks.
+bool readPlainReal(std::string_view text, double& number) {
+    const char* begin = text.data();
+    const char* end = begin + text.size();
+    while (begin != end && *begin == ' ') {
+        ++begin;
     }
-    while (!text.empty() && text.back() == ' ') {
-        text.remove_suffix(1);
+    while (begin != end && end[-1] == ' ') {
+        --end;
     }
-    return text;
+    const char* const first = begin != end && *begin == '-' ? begin + 1 : begin;
+    // Neither "inf" nor "nan" nor a plus sign, on which dxflib and from_chars differ.
+    if (first == end || !isDigitOrPoint(*first)) {
+        return false;
+    }
+    const auto [behind, error] = std::from_chars(begin, end, number);
+    return error == std::errc() && behind == end;
 }
 
 } // namespace
 
-DxfEntityDecoder::DxfEntityDecoder() {
+DxfEntityDecoder::DxfEntityDecoder(bool setsAlone) : m_setsAlone(setsAlone) {
     decodeStyle();
 }
 
@@ -185,7 +194,7 @@ bool DxfEntityDecoder::decodeSequence(DxfObjects& objects) {
     m_sequence.clear();
     DxfObjects ahead = objects;
     for (DxfObject vertex; ahead.nextKind() == DxfObjectKind::Vertex;) {
-        const unsigned style = m_styleNumber;
+        const std::uint64_t style = m_styleNumber;
         if (!read(ahead, vertex) || !decode(vertex)) {
             return false;
         }
@@ -253,7 +262,7 @@ void DxfEntityDecoder::report(DL_CreationInterface& reader) {
     if (m_kind == DxfObjectKind::Polyline) {
         return reportSequence(reader);
     }
-    report(reader, m_style, m_handle, m_elevation);
+    reportStyle(reader);
     const auto& n = m_numbers;
     switch (m_kind) {
     case DxfObjectKind::Point:
@@ -292,8 +301,19 @@ void DxfEntityDecoder::report(DL_CreationInterface& reader) {
 }
 
 /// Attributes and extrusion, which come before the record.
-void DxfEntityDecoder::report(DL_CreationInterface& reader, Style& style, int handle,
-                              double elevation) {
+void DxfEntityDecoder::reportStyle(DL_CreationInterface& reader) {
+    if (m_setsAlone && m_styleNumber == m_reportedStyle && m_handle == m_reportedHandle) {
+        const auto& direction = m_style.direction;
+        reader.setExtrusion(direction[0], direction[1], direction[2], m_elevation);
+        return;
+    }
+    reportStyle(reader, m_style, m_handle, m_elevation);
+    m_reportedStyle = m_styleNumber;
+    m_reportedHandle = m_handle;
+}
+
+void DxfEntityDecoder::reportStyle(DL_CreationInterface& reader, Style& style, int handle,
+                                   double elevation) {
     style.attributes.setHandle(handle);
     reader.setAttributes(style.attributes);
     const auto& direction = style.direction;
@@ -301,17 +321,18 @@ void DxfEntityDecoder::report(DL_CreationInterface& reader, Style& style, int ha
 }
 
 void DxfEntityDecoder::reportSequence(DL_CreationInterface& reader) {
-    report(reader, m_sequenceStyles[0], m_handle, m_elevation);
+    reportStyle(reader, m_sequenceStyles[0], m_handle, m_elevation);
     reader.addPolyline(m_polyline);
     reader.endSection();
     for (const SequenceVertex& vertex : m_sequence) {
-        report(reader, m_sequenceStyles[vertex.style], vertex.handle, vertex.data.z);
+        reportStyle(reader, m_sequenceStyles[vertex.style], vertex.handle, vertex.data.z);
         if (!vertex.isFace) {
             reader.addVertex(vertex.data);
         }
         reader.endSection();
     }
     reader.endEntity();
+    attributesWereSet();
 }
 
 void DxfEntityDecoder::reportLwPolyline(DL_CreationInterface& reader) const {
@@ -337,18 +358,9 @@ void DxfEntityDecoder::reportSpline(DL_CreationInterface& reader) const {
 }
 
 double DxfEntityDecoder::real(std::string_view text) {
-    text = withoutBlanks(text);
-    const std::size_t first = !text.empty() && text.front() == '-' ? 1 : 0;
     double number = 0.0;
-    // Neither "inf" nor "nan" nor a plus sign, on which dxflib and from_chars differ.
-    if (text.size() > first && isDigitOrPoint(text[first])) {
-        const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-        if (error == std::errc() && end == text.data() + text.size()) {
-            return number;
-        }
-    }
-    m_isPlain = false;
-    return 0.0;
+    m_isPlain = readPlainReal(text, number) && m_isPlain;
+    return number;
 }
 
 int DxfEntityDecoder::handle() {

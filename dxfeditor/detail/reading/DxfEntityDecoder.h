@@ -30,7 +30,10 @@ namespace dxfeditor {
 /// they differ from those of the object before.
 class DxfEntityDecoder {
 public:
-    DxfEntityDecoder();
+    /// @param setsAlone  whether nobody but the decoder sets the reader's attributes: then those
+    /// that
+    ///                   the reader has already are not set again
+    explicit DxfEntityDecoder(bool setsAlone = false);
 
     /// Reads the next object, and decodes it if it can. Decoding a POLYLINE takes the vertices
     /// behind it from `objects`; if it cannot be decoded, they stay there.
@@ -42,6 +45,9 @@ public:
 
     /// Reports what is decoded.
     void report(DL_CreationInterface& reader);
+
+    /// To be called when somebody else has set the reader's attributes nevertheless.
+    void attributesWereSet() { m_reportedStyle = noStyle; }
 
 private:
     /// Attributes without the handle, and the direction of extrusion: what many entities have in
@@ -72,7 +78,9 @@ private:
     void decodeStyle();
     DL_PolylineData polyline(int vertexCount);
 
-    static void report(DL_CreationInterface& reader, Style& style, int handle, double elevation);
+    void reportStyle(DL_CreationInterface& reader);
+    static void reportStyle(DL_CreationInterface& reader, Style& style, int handle,
+                            double elevation);
     void reportSequence(DL_CreationInterface& reader);
     void reportLwPolyline(DL_CreationInterface& reader) const;
     void reportSpline(DL_CreationInterface& reader) const;
@@ -113,7 +121,13 @@ private:
     DxfLastValues m_styleValues;
     bool m_isStylePlain = true;
     /// Grows with each style made.
-    unsigned m_styleNumber = 0;
+    std::uint64_t m_styleNumber = 0;
+
+    /// What the reader has, where nobody else sets it.
+    static constexpr std::uint64_t noStyle = 0;
+    bool m_setsAlone;
+    std::uint64_t m_reportedStyle = noStyle;
+    int m_reportedHandle = -1;
 
     DxfObjectKind m_kind = DxfObjectKind::Other;
     int m_handle = -1;

@@ -6,6 +6,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <string_view>
 
 namespace dxfeditor {
@@ -48,6 +49,28 @@ private:
 
 inline constexpr DxfSlots dxfSlots;
 
+/// Whether two texts are the same; without a call of memcmp for short ones, as attributes are.
+inline bool areSameText(std::string_view a, std::string_view b) {
+    // From both sides, which overlap.
+    const auto wordsAreEqual = [&](auto word) {
+        decltype(word) other;
+        const std::size_t last = a.size() - sizeof word;
+        std::memcpy(&word, a.data(), sizeof word);
+        std::memcpy(&other, b.data(), sizeof word);
+        const bool begin = word == other;
+        std::memcpy(&word, a.data() + last, sizeof word);
+        std::memcpy(&other, b.data() + last, sizeof word);
+        return begin && word == other;
+    };
+    if (a.size() != b.size() || a.size() > 2 * sizeof(std::uint64_t)) {
+        return a == b;
+    }
+    return a.size() >= sizeof(std::uint64_t)   ? wordsAreEqual(std::uint64_t{})
+           : a.size() >= sizeof(std::uint32_t) ? wordsAreEqual(std::uint32_t{})
+           : a.size() >= sizeof(std::uint16_t) ? wordsAreEqual(std::uint16_t{})
+                                               : a.empty() || a.front() == b.front();
+}
+
 /// The last value of each group of an object: where a code comes twice, dxflib takes the last.
 /// Keeps those of the codes that records are made of.
 class DxfLastValues {
@@ -81,7 +104,7 @@ public:
         }
         for (std::uint64_t rest = m_present & slots; rest != 0; rest &= rest - 1) {
             const auto slot = static_cast<std::size_t>(__builtin_ctzll(rest));
-            if (m_values[slot] != other.m_values[slot]) {
+            if (!areSameText(m_values[slot], other.m_values[slot])) {
                 return false;
             }
         }

@@ -2,6 +2,7 @@
 
 #include "dxfeditor/detail/writing/RealText.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstring>
 
@@ -28,6 +29,16 @@ char* writeCoordinate(const char (&line)[5], double value, char* to) {
     to = writeReal(value, to + 4);
     *to++ = '\n';
     return to;
+}
+
+constexpr std::size_t longestCoordinates = 3 * (4 + longestReal + 1);
+
+/// Writes the coordinates of a POINT.
+/// @param to  room for longestCoordinates characters
+char* writeCoordinates(const cv::Point3_<double>& point, char* to) {
+    to = writeCoordinate(" 10\n", point.x, to);
+    to = writeCoordinate(" 20\n", point.y, to);
+    return writeCoordinate(" 30\n", point.z, to);
 }
 
 } // namespace
@@ -79,12 +90,9 @@ void DxfTextWriter::dxfString(int gc, const std::string& value) const {
 }
 
 void appendPoint(const std::string& head, const cv::Point3_<double>& point, std::string& text) {
-    char coordinates[3 * (4 + longestReal + 1)];
-    char* end = writeCoordinate(" 10\n", point.x, coordinates);
-    end = writeCoordinate(" 20\n", point.y, end);
-    end = writeCoordinate(" 30\n", point.z, end);
+    char coordinates[longestCoordinates];
     text += head;
-    text.append(coordinates, static_cast<std::size_t>(end - coordinates));
+    text.append(coordinates, writeCoordinates(point, coordinates));
 }
 
 /// While it lives, groups are written apart from the text so far, and nobody takes them away.
@@ -118,10 +126,22 @@ std::string DxfTextWriter::pointHead(const DL_Attributes& attributes) const {
 
 void DxfTextWriter::writePoints(const DL_Attributes& attributes,
                                 const std::vector<cv::Point3_<double>>& points) const {
+    constexpr std::size_t blockSize = std::size_t{1} << 15;
     const std::string head = pointHead(attributes);
+    const std::size_t longestPoint = head.size() + longestCoordinates;
+    // Many points at a time, so that the text need not grow by each.
+    std::vector<char> block(std::max(blockSize, longestPoint));
+    char* const begin = block.data();
+    char* const lastRoom = begin + block.size() - longestPoint;
+    char* end = begin;
     for (const cv::Point3_<double>& point : points) {
-        appendPoint(head, point, m_text);
-        groupWritten();
+        std::memcpy(end, head.data(), head.size());
+        end = writeCoordinates(point, end + head.size());
+        if (end > lastRoom || &point == &points.back()) {
+            m_text.append(begin, end);
+            groupWritten();
+            end = begin;
+        }
     }
 }
 

@@ -7,8 +7,9 @@
 
 #include "dxfeditor/detail/writing/RealText.h"
 
+#include "base/DigitWords.h"
+
 #include <algorithm>
-#include <array>
 #include <charconv>
 #include <cmath>
 #include <cstdint>
@@ -39,40 +40,54 @@ Decimal rounded(std::uint64_t mantissa, unsigned shift) {
     if (shift >= 108) {
         return {0, 0};
     }
-    Decimal result = {shift < 64 ? mantissa >> shift : 0, 0};
-    const std::uint64_t fraction = shift < 64 ? mantissa - (result.whole << shift) : mantissa;
-    const Wide scaled = static_cast<Wide>(fraction) * decimalScale;
-    result.decimals = static_cast<std::uint64_t>(scaled >> shift);
-    const Wide rest = scaled - (static_cast<Wide>(result.decimals) << shift);
-    const Wide half = static_cast<Wide>(1) << (shift - 1);
-    if (rest > half || (rest == half && (result.decimals & 1) != 0)) {
-        ++result.decimals;
+    Decimal result = {0, 0};
+    Wide rest;
+    Wide half;
+    if (shift < 64) {
+        // Of 64 bits below the point, the product has the decimals above them.
+        result.whole = mantissa >> shift;
+        const Wide scaled = static_cast<Wide>(mantissa << (64 - shift)) * decimalScale;
+        result.decimals = static_cast<std::uint64_t>(scaled >> 64);
+        rest = static_cast<std::uint64_t>(scaled);
+        half = static_cast<Wide>(1) << 63;
+    } else {
+        const Wide scaled = static_cast<Wide>(mantissa) * decimalScale;
+        result.decimals = static_cast<std::uint64_t>(scaled >> shift);
+        rest = scaled - (static_cast<Wide>(result.decimals) << shift);
+        half = static_cast<Wide>(1) << (shift - 1);
     }
+    // Up or down is as good as random: a branch on it would be mispredicted.
+    const unsigned isAbove = rest > half ? 1 : 0;
+    const unsigned isHalf = rest == half ? 1 : 0;
+    result.decimals += isAbove | (isHalf & static_cast<unsigned>(result.decimals & 1));
     if (result.decimals == decimalScale) {
         return {result.whole + 1, 0};
     }
     return result;
 }
 
-/// The texts "00" to "99", one behind the other.
-constexpr std::array<char, 200> makeDigitPairs() {
-    std::array<char, 200> pairs = {};
-    for (std::size_t i = 0; i < 100; ++i) {
-        pairs[2 * i] = static_cast<char>('0' + i / 10);
-        pairs[2 * i + 1] = static_cast<char>('0' + i % 10);
+constexpr std::uint64_t eightDigits = 100'000'000;
+
+/// Stores eight digits, each as its value, as text.
+void storeDigits(std::uint64_t digits, char* to) {
+    base::storeWord(digits + base::everyByte('0'), to);
+}
+
+/// Number of digits of a word up to its last one that is not zero, of which it has one.
+unsigned significantDigits(std::uint64_t digits) {
+    return base::wordLength - static_cast<unsigned>(__builtin_clzll(digits)) / 8;
+}
+
+char* writeWhole(std::uint64_t whole, char* to) {
+    if (whole >= eightDigits) {
+        return std::to_chars(to, to + 20, whole).ptr;
     }
-    return pairs;
-}
-constexpr std::array<char, 200> digitPairs = makeDigitPairs();
-
-void writeFourDigits(std::uint32_t value, char* to) {
-    std::memcpy(to, digitPairs.data() + std::size_t{value / 100} * 2, 2);
-    std::memcpy(to + 2, digitPairs.data() + std::size_t{value % 100} * 2, 2);
-}
-
-void writeEightDigits(std::uint32_t value, char* to) {
-    writeFourDigits(value / 10'000, to);
-    writeFourDigits(value % 10'000, to + 4);
+    const std::uint64_t digits = base::splitDigits(static_cast<std::uint32_t>(whole));
+    // The last digit is written in any case.
+    constexpr std::uint64_t lastDigit = std::uint64_t{1} << 56;
+    const auto zeros = static_cast<unsigned>(__builtin_ctzll(digits | lastDigit)) / 8;
+    storeDigits(digits >> (8 * zeros), to);
+    return to + base::wordLength - zeros;
 }
 
 /// Writes the point and the decimals without the zeros at their end, at least one decimal.
@@ -82,14 +97,16 @@ char* writeDecimals(std::uint64_t decimals, char* to) {
         *to++ = '0';
         return to;
     }
-    constexpr std::uint64_t eightDigits = 100'000'000;
-    writeEightDigits(static_cast<std::uint32_t>(decimals / eightDigits), to);
-    writeEightDigits(static_cast<std::uint32_t>(decimals % eightDigits), to + 8);
-    char* end = to + 16;
-    while (end[-1] == '0') {
-        --end;
+    const std::uint64_t first =
+        base::splitDigits(static_cast<std::uint32_t>(decimals / eightDigits));
+    const std::uint64_t last =
+        base::splitDigits(static_cast<std::uint32_t>(decimals % eightDigits));
+    storeDigits(first, to);
+    if (last == 0) {
+        return to + significantDigits(first);
     }
-    return end;
+    storeDigits(last, to + base::wordLength);
+    return to + base::wordLength + significantDigits(last);
 }
 
 char* writeWord(const char* word, char* to) {
@@ -101,9 +118,9 @@ char* writeWord(const char* word, char* to) {
 char* writeReal(double value, char* to) {
     std::uint64_t bits;
     std::memcpy(&bits, &value, sizeof bits);
-    if ((bits >> 63) != 0) {
-        *to++ = '-';
-    }
+    // Without a branch on the sign, which is as good as random.
+    *to = '-';
+    to += bits >> 63;
     const unsigned exponent = static_cast<unsigned>(bits >> 52) & 0x7FFU;
     const std::uint64_t fraction = bits & 0xF'FFFF'FFFF'FFFF;
     if (exponent == 0x7FF) {
@@ -120,8 +137,7 @@ char* writeReal(double value, char* to) {
     const bool subnormal = exponent == 0;
     const std::uint64_t mantissa = fraction | (subnormal ? 0 : std::uint64_t{1} << 52);
     const Decimal decimal = rounded(mantissa, exponentOfWhole - (subnormal ? 1 : exponent));
-    to = std::to_chars(to, to + 20, decimal.whole).ptr;
-    return writeDecimals(decimal.decimals, to);
+    return writeDecimals(decimal.decimals, writeWhole(decimal.whole, to));
 }
 
 } // namespace dxfeditor

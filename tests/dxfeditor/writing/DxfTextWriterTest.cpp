@@ -250,7 +250,7 @@ TEST(DxfTextWriter, NullTextIsEmpty) {
 TEST(DxfTextWriter, RunOfPointsIsWrittenAsDxflibWritesEachPoint) {
     std::mt19937_64 random = randomEngine();
     std::vector<cv::Point3_<double>> points = {{-0.0, infinity, 1e300}};
-    for (int i = 0; i < 100; ++i) {
+    for (int i = 0; i < 1000; ++i) {
         points.emplace_back(fromBits(random()), fromBits(random()), fromBits(random()));
     }
     const DL_Attributes attributes("walls", 3, 0x112233, 25, "DASHED", 77);
