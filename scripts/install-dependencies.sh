@@ -11,7 +11,7 @@ packages=(
   libcli11-dev nlohmann-json3-dev libcairo2-dev fonts-dejavu-core
   # to test
   libgtest-dev libgmock-dev clang libclang-rt-14-dev clang-format-14 valgrind
-  gdal-bin python3-ezdxf parallel rsync
+  gdal-bin python3-ezdxf python3-open3d python3-vtk9 parallel rsync
   doxygen
   # to build and test the Python package
   python3-dev python3-pybind11 python3-numpy
