@@ -11,7 +11,7 @@ packages=(
   libcli11-dev nlohmann-json3-dev libcairo2-dev fonts-dejavu-core
   # to test
   libgtest-dev libgmock-dev clang libclang-rt-14-dev clang-format-14 valgrind
-  gdal-bin python3-ezdxf python3-gdal python3-scipy parallel rsync
+  gdal-bin python3-ezdxf python3-gdal python3-scipy python3-open3d python3-vtk9 parallel rsync
   doxygen
   chromium chromium-driver python3-selenium python3-pil
   # to build and test the Python package
