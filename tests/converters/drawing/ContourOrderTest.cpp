@@ -1,7 +1,7 @@
 #include "converters/detail/drawing/contours/ContourOrder.h"
 
 #include "converters/detail/drawing/geometry/Angle.h"
-#include "tests/support/RandomCurves.h"
+#include "tests/converters/drawing/support/RandomCurves.h"
 
 #include <gtest/gtest.h>
 
