@@ -82,6 +82,7 @@ TEST_F(CloudconvScan, ShiftsInDoublePrecision) {
     for (const char* shift : {"1,2", "1,2,3,4", "a,b,c", "nan,0,0", "", "1;2;3"}) {
         EXPECT_EQ(run({in("in.ply"), in("out.ply"), "--shift", shift}).status, 2) << shift;
     }
+    EXPECT_THAT(run({in("in.ply"), in("out.ply"), "--xyzi"}).errors, HasSubstr("(--shift auto)\n"));
     const std::string far =
         asciiScan("2", "property double x\nproperty double y\nproperty double z\n",
                   "4500000.125 2 3\n4500001.25 5 6\n");

@@ -201,8 +201,14 @@ private:
                         " (nan or infinite)");
         }
         for (const std::string& note : report.notes) {
-            m_notes.add(note);
+            m_notes.add(note + optionFor(note));
         }
+    }
+
+    /// The option that helps against what a note of the reader tells.
+    static std::string optionFor(const std::string& note) {
+        constexpr char ofShift[] = "a shift would keep them";
+        return note.find(ofShift) == std::string::npos ? "" : " (--shift auto)";
     }
 
     void tellWhatIsDropped(const ScanReport& report) {
