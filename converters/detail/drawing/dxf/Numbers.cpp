@@ -122,7 +122,8 @@ TolerantReal readTolerantReal(std::string_view text) {
     std::copy(text.begin(), text.end(), copy.begin());
     char* const end = copy.data() + text.size();
     // As Fortran writes an exponent.
-    std::replace_if(copy.data(), end, [](char c) { return c == 'd' || c == 'D'; }, 'e');
+    std::replace_if(
+        copy.data(), end, [](char c) { return c == 'd' || c == 'D'; }, 'e');
     char* const comma = std::find(copy.data(), end, ',');
     const bool hasComma = comma != end;
     if (hasComma) {
