@@ -20,16 +20,19 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
+#include <map>
 #include <memory>
+#include <string>
+#include <string_view>
 
 namespace {
 
 constexpr std::size_t points = 1000000;
 
-/// A scan as a file, for as long as a benchmark runs.
+/// A scan as a file in memory's file system, removed at the end.
 class ScanOnDisk {
 public:
-    explicit ScanOnDisk(const ScanKind& kind) : m_path(memoryFile("scan.ply")) {
+    ScanOnDisk(const std::string& name, const ScanKind& kind) : m_path(memoryFile(name + ".ply")) {
         writeFile(m_path, scanFileOf(kind, points));
     }
     ~ScanOnDisk() { std::remove(m_path.c_str()); }
@@ -42,12 +45,23 @@ private:
     std::string m_path;
 };
 
+std::string nameOf(const ScanKind& kind) {
+    return std::string(kind.isRich ? "double-colours-normals-" : "float-intensity-") +
+           (kind.hasFaces ? "faces-" : "") + kind.format;
+}
+
+/// The path of a scan, which is made on first need.
+const std::string& pathOf(const ScanKind& kind) {
+    static std::map<std::string, ScanOnDisk> files;
+    const std::string name = nameOf(kind);
+    return files.try_emplace(name, name, kind).first->second.path();
+}
+
 void ours(benchmark::State& state, ScanKind kind) {
-    const ScanOnDisk scan(kind);
+    const std::string& path = pathOf(kind);
     for (auto _ : state) {
         pcl::PointCloud<pcl::PointXYZI> cloud;
-        if (!converters::readScan(std::filesystem::path(scan.path()), cloud) ||
-            cloud.size() != points) {
+        if (!converters::readScan(std::filesystem::path(path), cloud) || cloud.size() != points) {
             state.SkipWithError("not read");
         }
         benchmark::DoNotOptimize(cloud.data());
@@ -66,10 +80,10 @@ void oursInMemory(benchmark::State& state, ScanKind kind) {
 }
 
 void vtkReader(benchmark::State& state, ScanKind kind) {
-    const ScanOnDisk scan(kind);
+    const std::string& path = pathOf(kind);
     for (auto _ : state) {
         const auto reader = vtkSmartPointer<vtkPLYReader>::New();
-        reader->SetFileName(scan.path().c_str());
+        reader->SetFileName(path.c_str());
         reader->Update();
         if (reader->GetOutput()->GetNumberOfPoints() != static_cast<vtkIdType>(points)) {
             state.SkipWithError("not read");
@@ -78,11 +92,10 @@ void vtkReader(benchmark::State& state, ScanKind kind) {
 }
 
 void open3dReader(benchmark::State& state, ScanKind kind) {
-    const ScanOnDisk scan(kind);
+    const std::string& path = pathOf(kind);
     for (auto _ : state) {
         open3d::geometry::PointCloud cloud;
-        if (!open3d::io::ReadPointCloudFromPLY(scan.path(), cloud, {}) ||
-            cloud.points_.size() != points) {
+        if (!open3d::io::ReadPointCloudFromPLY(path, cloud, {}) || cloud.points_.size() != points) {
             state.SkipWithError("not read");
         }
     }
@@ -130,10 +143,10 @@ void loop(benchmark::State& state, ScanKind kind) {
 }
 
 void fromFile(benchmark::State& state) {
-    const ScanOnDisk scan({true, false, "binary_little_endian"});
+    const std::string& path = pathOf({true, false, "binary_little_endian"});
     for (auto _ : state) {
         std::vector<unsigned char> bytes;
-        if (!converters::from_file(scan.path(), bytes)) {
+        if (!converters::from_file(path, bytes)) {
             state.SkipWithError("not read");
         }
         benchmark::DoNotOptimize(bytes.data());
@@ -141,11 +154,11 @@ void fromFile(benchmark::State& state) {
 }
 
 void freshBuffer(benchmark::State& state) {
-    const ScanOnDisk scan({true, false, "binary_little_endian"});
-    const std::size_t size = std::filesystem::file_size(scan.path());
+    const std::string& path = pathOf({true, false, "binary_little_endian"});
+    const std::size_t size = std::filesystem::file_size(path);
     for (auto _ : state) {
         const std::unique_ptr<unsigned char[]> bytes(new unsigned char[size]);
-        const int file = open(scan.path().c_str(), O_RDONLY);
+        const int file = open(path.c_str(), O_RDONLY);
         if (read(file, bytes.get(), size) != static_cast<ssize_t>(size)) {
             state.SkipWithError("not read");
         }
@@ -154,9 +167,9 @@ void freshBuffer(benchmark::State& state) {
     }
 }
 
-void registerKind(const std::string& name, ScanKind kind) {
+void registerKind(const ScanKind& kind) {
     const auto add = [&](const std::string& reader, void (*run)(benchmark::State&, ScanKind)) {
-        benchmark::RegisterBenchmark(("readScan-" + name + reader).c_str(), run, kind)
+        benchmark::RegisterBenchmark(("readScan-" + nameOf(kind) + reader).c_str(), run, kind)
             ->Unit(benchmark::kMillisecond);
     };
     add("", ours);
@@ -172,9 +185,7 @@ void registerKind(const std::string& name, ScanKind kind) {
     for (const bool isRich : {false, true}) {
         for (const bool hasFaces : {false, true}) {
             for (const char* format : {"ascii", "binary_little_endian", "binary_big_endian"}) {
-                registerKind(std::string(isRich ? "double-colours-normals-" : "float-intensity-") +
-                                 (hasFaces ? "faces-" : "") + format,
-                             {isRich, hasFaces, format});
+                registerKind({isRich, hasFaces, format});
             }
         }
     }

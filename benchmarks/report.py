@@ -38,8 +38,14 @@ class Times:
         return sorted(int(key.rpartition("/")[2]) for key in self._rounds
                       if key.rpartition("/")[0] == name)
 
+    def single(self, prefix, suffix=""):
+        """Names of benchmarks without sizes: those of ours, or of the peer that the suffix names."""
+        return [key for key in self._rounds if key.startswith(prefix)
+                and (key.endswith(suffix) if suffix
+                     else not key.endswith(("-VTK", "-Open3D", "-memory", "-loop")))]
+
     def names(self):
-        return list(dict.fromkeys(key.rpartition("/")[0] for key in self._rounds))
+        return list(dict.fromkeys(key.rpartition("/")[0] for key in self._rounds if "/" in key))
 
 
 def print_table(title, heads, rows):
@@ -125,7 +131,22 @@ def goals_of_time(times):
                  "100 × 10,000 runs", 100 * times.least("stitching", 10000), 2)
     goals.within("sampling", times.least("sampling", size), "loop",
                  times.least("sampling-loop", size), 1.3)
+    goals.within("from_file", times.least("from_file"), "buffer",
+                 times.least("from_file-buffer"), 1.2)
+    add_goals_of_scans(goals, times)
     return goals
+
+
+def add_goals_of_scans(goals, times):
+    for name in times.single("readScan-"):
+        ours = times.least(name)
+        peers = {peer: times.least(f"{name}-{peer}") for peer in ("VTK", "Open3D")}
+        best = min(peers, key=peers.get)
+        goals.faster(name, ours, best, peers[best], 5)
+    for name in times.single("readScan-", "-loop"):
+        kind = name.removesuffix("-loop")
+        goals.within(f"{kind} in memory", times.least(f"{kind}-memory"), "loop",
+                     times.least(name), 3)
 
 
 def goals_of_memory(measured):

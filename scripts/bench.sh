@@ -35,7 +35,7 @@ scripts/build.sh release -DCONVERTERS_BUILD_BENCHMARKS=ON converters_benchmark p
 mkdir -p build/benchmark
 if [ "$report" = goals ]; then
   size=1000000
-  filter="^(pack|(to|from)Ply.*|sampling.*)/$size\$|Dxf(-.*)?/$drawing_size\$|Lines|Ordinary|^stitching(-scan)?/[0-9]{4,5}\$|^stitching/[0-9]{6,7}\$$scanned"
+  filter="^(pack|(to|from)Ply.*|sampling.*)/$size\$|Dxf(-.*)?/$drawing_size\$|Lines|Ordinary|^readScan|^from_file|^stitching(-scan)?/[0-9]{4,5}\$|^stitching/[0-9]{6,7}\$$scanned"
 else
   size=5000000
   rounds=4

@@ -11,8 +11,9 @@ packages=(
   libcli11-dev nlohmann-json3-dev libcairo2-dev fonts-dejavu-core
   # to test
   libgtest-dev libgmock-dev clang libclang-rt-14-dev clang-format-14 valgrind
-  gdal-bin python3-ezdxf python3-gdal python3-scipy parallel rsync
+  gdal-bin python3-ezdxf python3-gdal python3-scipy python3-open3d python3-vtk9 parallel rsync
   doxygen
+  chromium chromium-driver python3-selenium python3-pil
   # to build and test the Python package
   python3-dev python3-pybind11 python3-numpy
   python3-pytest python3-matplotlib python3-pip python3-setuptools python3-venv python3-wheel mypy

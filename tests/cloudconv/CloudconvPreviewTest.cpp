@@ -315,17 +315,159 @@ TEST_F(CloudconvPreview, MarksTheGapOfTheShippedDrawing) {
 
 TEST_F(CloudconvPreview, ListsOpenContoursFirstWhenNotAllCanBe) {
     Groups entities;
-    for (int i = 0; i < 60; ++i) {
+    for (int i = 0; i < 20; ++i) {
         const double x = 4.0 * i;
         entities = entities + line(x, 0, x + 1, 0) + line(x + 1, 0, x + 1, 1) +
                    (i == 3 ? Groups() : line(x + 1, 1, x, 0));
     }
-    const std::string words = wordsOf(drawingFile(drawing(entities)));
-    EXPECT_THAT(words, StartsWith("60 contours (1 open, 59 closed)"));
-    EXPECT_THAT(wordsOf(drawingFile(drawing(line(0, 0, 1, 0) + pointAt(5, 5, 0)))),
-                StartsWith("2 contours (1 open, 1 of points), 12 points"));
+    const std::string words = wordsOf(drawingFile(drawing(entities)), {}, {"--size", "1000x480"});
+    EXPECT_THAT(words, StartsWith("20 contours (1 open, 19 closed)"));
     EXPECT_THAT(words, HasSubstr("  open 2;"));
-    EXPECT_THAT(words, HasSubstr(" more;"));
+    EXPECT_THAT(words, HasSubstr(" more contours;"));
+    EXPECT_THAT(wordsOf(drawingFile(drawing(line(0, 0, 1, 0) + pointAt(5, 5, 0)))),
+                StartsWith("2 contours (1 open, 1 of points), 3 points"));
+}
+
+/// So many lines of length 1, in turns on layers of these names.
+Groups linesOn(int lines, const std::vector<std::string>& layers) {
+    Groups entities;
+    for (int i = 0; i < lines; ++i) {
+        const std::string x = std::to_string(2 * i);
+        const std::string& layer = layers[static_cast<std::size_t>(i) % layers.size()];
+        entities =
+            entities + Groups{"0", "LINE", "8", layer, "10", x, "20", "0", "11", x, "21", "1"};
+    }
+    return entities;
+}
+
+TEST_F(CloudconvPreview, SumsUpByLayerBeyondTwentyContours) {
+    const fs::path file = drawingFile(drawing(linesOn(21, {"walls", "doors", "<x>&"})));
+    EXPECT_THAT(wordsOf(file),
+                HasSubstr("Layers length; walls (7) 7; doors (7) 7; &lt;x&gt;&amp; (7) 7;"));
+    const Pixels pixels = pixelsOf(file);
+    EXPECT_GT(extentOf(pixels, blue).count, 500);
+    EXPECT_GT(extentOf(pixels, vermillion).count, 500);
+    const std::string few = wordsOf(drawingFile(drawing(linesOn(20, {"walls", "doors"}))));
+    EXPECT_THAT(few, HasSubstr("20  open 1;"));
+    EXPECT_THAT(few, Not(HasSubstr("walls")));
+    EXPECT_THAT(wordsOf(drawingFile(drawing(linesOn(21, {"walls"})))),
+                HasSubstr("Contours length; 21  open 21;"));
+}
+
+TEST_F(CloudconvPreview, DrawsWaysOfManyContoursOnlyWhenAskedTo) {
+    constexpr char way[] = "way to the next contour";
+    EXPECT_THAT(wordsOf(drawingFile(drawing(linesOn(3, {"a"})))), HasSubstr(way));
+    const fs::path many = drawingFile(drawing(linesOn(30, {"a"})));
+    EXPECT_THAT(wordsOf(many), Not(HasSubstr(way)));
+    EXPECT_THAT(wordsOf(many, {}, {"--ways"}), HasSubstr(way));
+    const std::uint32_t grey = 0x999999;
+    EXPECT_LT(extentOf(pixelsOf(many), grey).count, 10);
+    EXPECT_GT(extentOf(pixelsOf(many, {}, {"--ways"}), grey).count, 50);
+}
+
+TEST_F(CloudconvPreview, WithoutMarksHasTheLinesAlone) {
+    const fs::path file =
+        drawingFile(drawing(line(0, 0, 10, 0) + line(10, 0, 10, 10) + line(10, 10, 0.002, 0.002)));
+    const Pixels marked = pixelsOf(file);
+    const Pixels bare = pixelsOf(file, {}, {"--no-marks"});
+    EXPECT_GT(extentOf(marked, gapRed).count, 100);
+    EXPECT_EQ(extentOf(bare, gapRed).count, 0);
+    EXPECT_LT(extentOf(bare, ink).count, extentOf(marked, ink).count - 30)
+        << "no boxes at the ends";
+    EXPECT_GT(extentOf(bare, blue).count, 1000);
+    const std::string words = wordsOf(file, {}, {"--no-marks"});
+    EXPECT_THAT(words, Not(HasSubstr("direction")));
+    EXPECT_THAT(words, Not(HasSubstr("start of")));
+    EXPECT_THAT(words, HasSubstr("open by 0.00283")) << "what is known is told";
+}
+
+TEST_F(CloudconvPreview, HasTheLayersAskedForAndSaysWhatIsLeftOut) {
+    const Groups text = {"0", "TEXT", "8", "notes", "10", "0", "20", "0", "40", "1", "1", "hello"};
+    const fs::path file = drawingFile(drawing(linesOn(4, {"walls", "doors"}) + text + text));
+    const std::string annotation = "2 TEXT (annotation)";
+    EXPECT_THAT(
+        wordsOf(file, {"left out: " + annotation}),
+        StartsWith("4 contours (4 open), 8 points; left out: " + annotation + "; Contours"));
+    const std::string words = wordsOf(file, {}, {"--layer", "W*", "--quiet"});
+    EXPECT_THAT(words, StartsWith("2 contours (2 open), 4 points; left out: "));
+    EXPECT_THAT(words, HasSubstr("2 LINE (on a layer not asked for: doors)"));
+    const ProgramResult none = run({"preview", file, in("a.svg"), "--layer", "roof"});
+    EXPECT_EQ(none.status, 1);
+    EXPECT_THAT(none.errors, HasSubstr(": nothing to draw: left out 2 LINE ("));
+}
+
+TEST_F(CloudconvPreview, DrawsThePathUnlessTheWalkIsAskedFor) {
+    // A half circle: the path follows the arc, the walk its chord.
+    const fs::path file =
+        drawingFile(drawing(Groups{"0", "LWPOLYLINE", "8", "0", "90", "2", "70", "0", "10", "0",
+                                   "20", "0", "42", "1", "10", "10", "20", "0"}));
+    EXPECT_THAT(wordsOf(file), HasSubstr("1  open 15.71"));
+    EXPECT_THAT(wordsOf(file, {}, {"--plain"}), HasSubstr("1  open 10;"));
+    EXPECT_GT(extentOf(pixelsOf(file), blue).height(), 200);
+    EXPECT_LT(extentOf(pixelsOf(file, {}, {"--plain"}), blue).height(), 30);
+}
+
+TEST_F(CloudconvPreview, HasLengthsWithoutExponents) {
+    const std::string words = wordsOf(drawingFile(drawing(line(0, 0, 10951.25, 0))));
+    EXPECT_THAT(words, HasSubstr("1  open 10951;"));
+}
+
+TEST_F(CloudconvPreview, OfADrawingIsAPageWithItsFindings) {
+    const fs::path file =
+        drawingFile(drawing(line(0, 0, 10, 0) + line(10, 0, 10, 10) + line(10, 10, 0.002, 0.002)));
+    const std::string page = readFile(pictureOf(file, ".html"));
+    EXPECT_THAT(page, StartsWith("<!DOCTYPE html>\n"));
+    EXPECT_THAT(page, HasSubstr("<title>in.dxf</title>"));
+    EXPECT_THAT(page, HasSubstr("default-src 'none'; script-src 'sha256-"));
+    EXPECT_THAT(page, HasSubstr("near miss: "));
+    EXPECT_THAT(page, HasSubstr("\"title\":\"in.dxf\""));
+    EXPECT_EQ(readFile(pictureOf(file, ".html")), page) << "the same every time";
+    EXPECT_THAT(readFile(pictureOf(file, ".html", {}, {"--plain"})), HasSubstr("near miss: "));
+    const ProgramResult result = run({"preview", file, "-", "--to", "html", "--quiet"});
+    EXPECT_EQ(result.output, page);
+}
+
+TEST_F(CloudconvPreview, OfAScanIsAPageOfNoMorePointsThanAskedFor) {
+    const fs::path file = input(scanOf({"0 0 0 1", "1 0 0 2", "2 0 0 3", "nan 0 0 4"}));
+    const std::string note = "left out 1 point without a place (nan, infinite or too far away)";
+    const std::string page = readFile(pictureOf(file, ".html", {note}));
+    EXPECT_THAT(page, StartsWith("<!DOCTYPE html>\n"));
+    EXPECT_THAT(page, HasSubstr("\"points\":4"));
+    EXPECT_THAT(page, HasSubstr("\"shown\":3"));
+    EXPECT_THAT(readFile(pictureOf(file, ".html", {note}, {"--points", "2"})),
+                HasSubstr("\"shown\":2"));
+}
+
+TEST_F(CloudconvPreview, OfAScanIsSeenFromTheSideAskedFor) {
+    const fs::path file = input(scanOf({"0 0 0 5", "10 0 4 9"}));
+    const auto slopeFrom = [&](const std::string& view) {
+        const Pixels pixels = pixelsOf(file, {}, {"--view", view});
+        return extentOf(pixels, 0x440154).top - extentOf(pixels, 0xFDE725).top;
+    };
+    EXPECT_NEAR(slopeFrom("top"), 0, 2);
+    EXPECT_GT(slopeFrom("front"), 100);
+    EXPECT_GT(slopeFrom("ISO"), 20);
+    EXPECT_THAT(wordsOf(file, {}, {"--view", "side"}), HasSubstr("seen from the right"));
+    EXPECT_THAT(wordsOf(file, {}, {"--view", "iso"}),
+                HasSubstr("x: 0 to 10; y: 0 to 0; z: 0 to 4"));
+}
+
+TEST_F(CloudconvPreview, OfAScanHasTheColoursAskedFor) {
+    const fs::path file =
+        input("ply\nformat ascii 1.0\nelement vertex 2\nproperty double x\nproperty double y\n"
+              "property double z\nproperty uchar red\nproperty uchar green\n"
+              "property uchar blue\nelement face 0\nproperty list uchar int vertex_indices\n"
+              "end_header\n4512000 5400000 1 255 0 0\n4512009 5400000 2 0 0 255\n");
+    const Pixels pixels = pixelsOf(file, {}, {"--quiet"});
+    EXPECT_GT(extentOf(pixels, 0xFF0000).count, 20);
+    EXPECT_GT(extentOf(pixels, 0x0000FF).count, 20);
+    EXPECT_THAT(wordsOf(file, {}, {"--quiet"}), HasSubstr("Colours of the file"));
+    EXPECT_GT(extentOf(pixelsOf(file, {}, {"--colour", "height", "--quiet"}), 0xFDE725).count, 20);
+    EXPECT_THAT(run({"preview", file, in("a.png"), "--colour", "intensity"}).errors,
+                HasSubstr("has no intensities for --colour intensity"));
+    EXPECT_EQ(run({"preview", file, in("a.png"), "--plain"}).status, 1) << "by the fixed rules";
+    EXPECT_THAT(run({"preview", input(scanOf({"0 0 0 1"})), in("a.png"), "--colour", "rgb"}).errors,
+                HasSubstr("has no colours for --colour rgb"));
 }
 
 TEST_F(CloudconvPreview, OfAScanIsColouredByIntensityWithTheHighestPointsInFront) {
@@ -342,15 +484,15 @@ TEST_F(CloudconvPreview, OfAScanIsColouredByIntensityWithTheHighestPointsInFront
 TEST_F(CloudconvPreview, OfTheShippedScanSaysWhatIsLeftOut) {
     const std::string note = "left out 19 points without a place (nan, infinite or too far away)";
     EXPECT_EQ(wordsOf(examples / "ripple_scan.ply", {note}),
-              "1200 points, organised 40 \xC3\x97 30; Intensity; seen from above: greater z; "
-              "hides what is below; left out 19 points without a place");
+              "1200 points, organised 40 \xC3\x97 30; Intensity; seen from above: what is nearer; "
+              "hides what is behind; left out 19 points without a place");
 }
 
 TEST_F(CloudconvPreview, OfAScanWithoutIntensityIsColouredByHeight) {
     const fs::path file = input("ply\nformat ascii 1.0\nelement vertex 2\nproperty float x\n"
                                 "property float y\nproperty float z\nend_header\n0 0 1\n9 0 2\n");
-    const std::string note = "no property \"intensity\" of type float, coloured by z";
-    EXPECT_THAT(wordsOf(file, {note}), HasSubstr("z (no intensity)"));
+    const std::string note = "no intensity, coloured by z";
+    EXPECT_THAT(wordsOf(file, {note}), HasSubstr("Height (z)"));
     EXPECT_GT(extentOf(pixelsOf(file, {note}), 0xFDE725).count, 20);
 }
 
@@ -482,6 +624,12 @@ TEST_F(CloudconvPreview, OfWrongUsageIsStatus2AndTouchesNothing) {
         {file, picture, "--size", "nanxinf"},
         {file, picture, "--size", "700x99999999999999999999"},
         {file, picture, "--distance", "nan"},
+        {file, picture, "--view", "top"},
+        {file, picture, "--colour", "rgb"},
+        {file, picture, "--points", "5"},
+        {file, picture, "--plain", "--layer", "0"},
+        {file, picture, "--axes", "plain"},
+        {file, picture, "--layer"},
         {file, picture, "third"}};
     for (std::vector<std::string> arguments : wrong) {
         arguments.insert(arguments.begin(), "preview");

@@ -1,23 +1,31 @@
 // What cloudconv preview draws, without the drawing: axes, scale, colours, paths, labels, scenes.
 
-#include "converters/DrawingPath.h"
+#include "dxfeditor/DXFCircle.h"
+#include "dxfeditor/DXFDocument.h"
+#include "dxfeditor/DXFLine.h"
+#include "dxfeditor/DXFPointVector.h"
 #include "tests/support/PlyClouds.h"
-#include "tests/support/SimpleDrawing.h"
+#include "tools/cloudconv/LeftOutText.h"
+#include "tools/cloudconv/NearMisses.h"
+#include "tools/cloudconv/Units.h"
 #include "tools/cloudconv/Wording.h"
 #include "tools/cloudconv/preview/CloudScene.h"
 #include "tools/cloudconv/preview/DrawingScene.h"
+#include "tools/cloudconv/preview/DrawingStyle.h"
 #include "tools/cloudconv/preview/LabelPlaces.h"
 #include "tools/cloudconv/preview/PixelPath.h"
 #include "tools/cloudconv/preview/PlotColours.h"
 #include "tools/cloudconv/preview/PlotScale.h"
 #include "tools/cloudconv/preview/PlotTicks.h"
 #include "tools/cloudconv/preview/SparsePlaces.h"
+#include "tools/cloudconv/preview/WalkPath.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <random>
+#include <set>
 
 namespace {
 
@@ -342,10 +350,10 @@ TEST(CloudScene, LeavesOutPointsWithoutAPlaceAndValuesThatAreNone) {
     EXPECT_EQ(scene.bounds().y.high, 7);
     EXPECT_EQ(scene.values().low, -2);
     EXPECT_EQ(scene.values().high, 4);
-    const CloudScene byHeight(contents, CloudView::Top, CloudColour::Height);
-    EXPECT_EQ(byHeight.values().high, 9);
-    const PreviewScan none;
-    EXPECT_TRUE(CloudScene(none, CloudView::Top, CloudColour::Height).bounds().isEmpty());
+    EXPECT_EQ(scene.sides()[2].low, 0);
+    EXPECT_EQ(scene.sides()[2].high, 9);
+    EXPECT_EQ(CloudScene(contents, CloudView::Top, CloudColour::Height).values().high, 9);
+    EXPECT_TRUE(CloudScene(PreviewScan(), CloudView::Iso, CloudColour::Rgb).bounds().isEmpty());
 }
 
 std::uint32_t cellAt(const Image& image, const PlotScale& scale, const Place& place) {
@@ -391,54 +399,192 @@ TEST(CloudScene, ShowsEveryPointOfAThinCloud) {
     }
 }
 
-converters::DrawingPath pathOf(const Groups& entities) {
-    const std::string text = drawing(entities);
-    converters::DrawingPath path;
-    EXPECT_TRUE(converters::readPath(text.data(), text.size(), path));
+TEST(CloudScene, IsSeenFromFourSides) {
+    PreviewScan scan;
+    scan.cloud.push_back(point(1, 2, 3, 4));
+    scan.shift = {1000, 0, 0};
+    const auto boundsOf = [&](CloudView view) {
+        return CloudScene(scan, view, CloudColour::Intensity).bounds();
+    };
+    EXPECT_EQ(boundsOf(CloudView::Top).x.low, 1001);
+    EXPECT_EQ(boundsOf(CloudView::Top).y.low, 2);
+    EXPECT_EQ(boundsOf(CloudView::Front).x.low, 1001);
+    EXPECT_EQ(boundsOf(CloudView::Front).y.low, 3);
+    EXPECT_EQ(boundsOf(CloudView::Side).x.low, 2);
+    EXPECT_EQ(boundsOf(CloudView::Side).y.low, 3);
+    EXPECT_EQ(CloudProjection(CloudView::Side).horizontalName(), "y");
+    EXPECT_EQ(CloudProjection(CloudView::Iso).horizontalName(), "");
+}
+
+TEST(CloudScene, FromACornerHasSidesOfOneLengthEqual) {
+    const CloudProjection projection(CloudView::Iso);
+    const Place origin = projection.placeOf(point(0, 0, 0, 0));
+    const double x = distanceOf(origin, projection.placeOf(point(1, 0, 0, 0)));
+    EXPECT_NEAR(distanceOf(origin, projection.placeOf(point(0, 1, 0, 0))), x, 1e-12);
+    EXPECT_NEAR(distanceOf(origin, projection.placeOf(point(0, 0, 1, 0))), x, 1e-12);
+    EXPECT_GT(projection.placeOf(point(0, 0, 1, 0)).y, 0) << "up is up";
+    EXPECT_GT(projection.nearness(point(1, -1, 1, 0)), 1);
+}
+
+TEST(CloudScene, OfAnySideShowsWhatIsNearestToTheEye) {
+    PreviewScan scan;
+    // Each hides the other one from one of the sides.
+    scan.cloud.push_back(point(0, 0, 0, 0));
+    scan.cloud.push_back(point(0, 5, 0, 0));
+    scan.cloud.push_back(point(7, 0, 0, 0));
+    scan.colours = {0x112233, 0x445566, 0x778899};
+    const CloudScene front(scan, CloudView::Front, CloudColour::Rgb);
+    const PlotScale frontScale(front.bounds(), frame, 20);
+    EXPECT_EQ(cellAt(front.view(frontScale, 1), frontScale, {0, 0}), 0xFF112233U);
+    EXPECT_EQ(cellAt(front.view(frontScale, 1), frontScale, {7, 0}), 0xFF778899U);
+    const CloudScene side(scan, CloudView::Side, CloudColour::Rgb);
+    const PlotScale sideScale(side.bounds(), frame, 20);
+    EXPECT_EQ(cellAt(side.view(sideScale, 1), sideScale, {0, 0}), 0xFF778899U);
+    EXPECT_EQ(cellAt(side.view(sideScale, 1), sideScale, {5, 0}), 0xFF445566U);
+}
+
+using Path = converters::DrawingPath;
+using Points = std::vector<cv::Point3_<double>>;
+
+/// The walk of a drawing of these entities, as a path.
+Path walkOf(const std::vector<std::shared_ptr<DXFEntity>>& entities) {
+    DxfContents contents;
+    contents.document = std::make_shared<DXFDocument>();
+    for (const std::shared_ptr<DXFEntity>& entity : entities) {
+        contents.document->addEntity(entity);
+    }
+    contents.document->setup();
+    contents.points = contents.document->getPoints(contents.contours);
+    return pathOfWalk(contents, converters::LengthUnit::millimetre);
+}
+
+std::shared_ptr<DXFEntity> lineOf(double x1, double y1, double x2, double y2) {
+    return std::make_shared<DXFLine>(cv::Point3_<double>(x1, y1, 0),
+                                     cv::Point3_<double>(x2, y2, 0));
+}
+
+/// Adds a contour of straight lines, or of points.
+void addContour(Path& path, const Points& points, std::uint32_t layer, bool ofPoints = false) {
+    converters::PathContour contour = {};
+    contour.firstPoint = path.points.size();
+    path.points.insert(path.points.end(), points.begin(), points.end());
+    contour.endPoint = path.points.size();
+    contour.firstPiece = path.pieces.size();
+    contour.endPiece = contour.firstPiece + 1;
+    path.pieces.push_back(
+        {contour.firstPoint, contour.endPoint - 1, 0, 0,
+         ofPoints ? converters::PathCurveKind::point : converters::PathCurveKind::line});
+    contour.length = 1;
+    contour.layer = layer;
+    contour.closed = points.size() > 2 && points.front() == points.back();
+    path.contours.push_back(contour);
+}
+
+/// So many lines, in turns on so many layers.
+Path linesOn(std::size_t lines, std::uint32_t layers) {
+    Path path;
+    for (std::uint32_t i = 0; i < layers; ++i) {
+        path.layers.push_back({"layer " + std::to_string(i), 7, false, false});
+    }
+    for (std::size_t i = 0; i < lines; ++i) {
+        const auto x = static_cast<double>(i);
+        addContour(path, {{x, 0, 0}, {x, 5, 0}}, static_cast<std::uint32_t>(i) % layers);
+    }
     return path;
 }
 
-TEST(DrawingScene, HasTheContoursInThePlaneOfTheDrawing) {
-    const DrawingScene scene = sceneOf(
-        pathOf(line(0, 0, 1, 0) + line(1, 0, 1, 1) + line(1, 1, 0, 0) + line(5, 5, 6, 7)), 0.1);
-    ASSERT_EQ(scene.contours.size(), 2U);
-    EXPECT_EQ(scene.contours[0].kind, ContourKind::Closed);
-    EXPECT_EQ(scene.contours[1].kind, ContourKind::Open);
-    EXPECT_EQ(scene.bounds.x.high, 6);
-    EXPECT_EQ(scene.bounds.y.high, 7);
-    EXPECT_TRUE(scene.gaps.empty());
-    EXPECT_EQ(scene.pointsWithoutPlace, 0U);
-    EXPECT_THAT(scene.layers, ElementsAre("0"));
-    std::size_t points = 0;
-    for (const DrawnContour& contour : scene.contours) {
-        points += contour.places.size();
+TEST(WalkPath, HasTheContoursOfTheWalkInThePlaneOfTheDrawing) {
+    const auto circle = std::make_shared<DXFCircle>(cv::Point3_<double>(20, 30, 0), 2);
+    const auto single = std::make_shared<DXFPointVector>(Points{{-7, -8, 9}});
+    const Path path = walkOf({lineOf(0, 0, 1, 0), lineOf(1, 0, 1, 1), lineOf(1, 1, 0, 0), circle,
+                              lineOf(5, 5, 6, 7), single});
+    ASSERT_EQ(path.contours.size(), 4U);
+    std::vector<std::string> kinds;
+    for (const converters::PathContour& contour : path.contours) {
+        kinds.emplace_back(nameOf(kindOf(path, contour)));
     }
-    EXPECT_EQ(scene.points, points);
+    EXPECT_THAT(kinds, ElementsAre("closed", "circle", "open", "points"));
+    EXPECT_NEAR(path.contours[0].length, 2 + std::sqrt(2), 1e-9);
+    EXPECT_EQ(path.points.back(), (cv::Point3_<double>(-7, -8, 9)));
+    EXPECT_EQ(path.lowest.x, -7);
+    EXPECT_EQ(path.highest.y, 32);
+    EXPECT_EQ(path.unit, converters::LengthUnit::millimetre);
+    EXPECT_TRUE(nearMissesOf(path, 1).empty()) << "a circle has no ends";
 }
 
-TEST(DrawingScene, HasPointsAtTheirXAndY) {
-    const DrawingScene scene =
-        sceneOf(pathOf(pointAt(1, 2, 3) + line(20, 30, 20, 40) + pointAt(-7, -8, 9)), 0.1);
-    EXPECT_EQ(scene.contours[0].kind, ContourKind::Points);
+TEST(ContourKind, OfAPathIsThatOfItsPieces) {
+    Path path;
+    addContour(path, {{0, 0, 0}, {1, 0, 0}}, 0);
+    addContour(path, {{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 0, 0}}, 0);
+    addContour(path, {{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 0, 0}}, 0);
+    addContour(path, {{0, 0, 0}, {1, 0, 0}}, 0, true);
+    path.arcs.push_back({{0, 0, 0}, {0, 0, 1}, 1, 6.283185307179586});
+    path.pieces[2].kind = converters::PathCurveKind::arc;
+    std::vector<ContourKind> kinds;
+    for (const converters::PathContour& contour : path.contours) {
+        kinds.push_back(kindOf(path, contour));
+    }
+    EXPECT_THAT(kinds, ElementsAre(ContourKind::Open, ContourKind::Closed, ContourKind::Circle,
+                                   ContourKind::Points));
+    path.arcs[0].sweep = 6;
+    EXPECT_EQ(kindOf(path, path.contours[2]), ContourKind::Closed) << "an arc and a line, say";
+}
+
+TEST(Units, HaveSymbolsThatTellThemApart) {
+    EXPECT_EQ(symbolOf(converters::LengthUnit::none), "");
+    EXPECT_EQ(symbolOf(converters::LengthUnit::millimetre), "mm");
+    std::set<std::string> symbols;
+    for (std::uint8_t number = 0; number <= 21; ++number) {
+        const auto unit = static_cast<converters::LengthUnit>(number);
+        EXPECT_EQ(unitOf(symbolOf(unit)), unit);
+        symbols.insert(symbolOf(unit));
+    }
+    EXPECT_EQ(symbols.size(), 22U);
+    EXPECT_EQ(unitOf("parrots"), converters::LengthUnit::none);
+}
+
+TEST(DrawingScene, HasTheContoursAndTheLayersThatHaveSome) {
+    Path path = linesOn(4, 2);
+    path.layers.insert(path.layers.begin(), {"empty", 7, false, false});
+    for (converters::PathContour& contour : path.contours) {
+        ++contour.layer;
+    }
+    const DrawingScene scene = sceneOf(path, 0.1);
+    ASSERT_EQ(scene.contours.size(), 4U);
+    EXPECT_THAT(scene.layers, ElementsAre("layer 0", "layer 1"));
+    EXPECT_EQ(scene.contours[2].layer, 0U);
+    EXPECT_EQ(scene.contours[3].layer, 1U);
+    EXPECT_EQ(scene.bounds.x.high, 3);
+    EXPECT_EQ(scene.bounds.y.high, 5);
+    EXPECT_EQ(scene.points, 8U);
+    EXPECT_EQ(scene.pointsWithoutPlace, 0U);
+    EXPECT_TRUE(scene.gaps.empty());
+}
+
+TEST(DrawingScene, OfAWalkHasPointsAtTheirXAndY) {
+    const auto vector = std::make_shared<DXFPointVector>(Points{{1, 2, 3}, {4, 5, 6}});
+    const auto single = std::make_shared<DXFPointVector>(Points{{-7, -8, 9}});
+    const DrawingScene scene = sceneOf(walkOf({vector, lineOf(20, 30, 20, 40), single}), 0.1);
     EXPECT_EQ(scene.bounds.x.low, -7);
     EXPECT_EQ(scene.bounds.y.low, -8);
     EXPECT_EQ(scene.bounds.x.high, 20);
     EXPECT_EQ(scene.bounds.y.high, 40);
+    EXPECT_EQ(sceneOf(walkOf({lineOf(0, 3, 0.01, 3)}), 0.1).bounds.y.high, 3);
 }
 
 TEST(DrawingScene, CountsPointsThatCannotBeShown) {
-    converters::DrawingPath path = pathOf(pointAt(1, 2, 3) + pointAt(4, 5, 6) + pointAt(7, 8, 9));
-    path.points[1].x = nan;
-    path.points[2].y = infinity;
+    Path path;
+    addContour(path, {{1, 2, 3}, {nan, 5, 6}, {1, infinity, 6}, {1e301, 0, 0}}, 0, true);
     const DrawingScene scene = sceneOf(path, 0.1);
-    EXPECT_EQ(scene.pointsWithoutPlace, 2U);
-    EXPECT_EQ(scene.points, 3U);
+    EXPECT_EQ(scene.pointsWithoutPlace, 3U);
+    EXPECT_EQ(scene.points, 4U);
     EXPECT_EQ(scene.bounds.x.high, 1);
 }
 
 TEST(DrawingScene, HasTheGapsUpToADistance) {
-    const converters::DrawingPath path =
-        pathOf(line(0, 0, 10, 0) + line(10, 0, 10, 10) + line(10, 10, 0, 0.002));
+    Path path;
+    addContour(path, {{0, 0, 0}, {10, 0, 0}, {10, 10, 0}, {0, 0.002, 0}}, 0);
+    path.contours[0].length = 34;
     const DrawingScene scene = sceneOf(path, 0.1);
     ASSERT_EQ(scene.gaps.size(), 1U);
     EXPECT_NEAR(scene.gaps[0].distance, 0.002, 1e-9);
@@ -447,6 +593,82 @@ TEST(DrawingScene, HasTheGapsUpToADistance) {
     EXPECT_EQ(scene.contours[0].kind, ContourKind::Open);
     EXPECT_NEAR(scene.contours[0].gap, 0.002, 1e-9);
     EXPECT_TRUE(sceneOf(path, 0.0015).gaps.empty());
+}
+
+constexpr Rectangle area = {0, 0, 640, 576};
+
+TEST(DrawingStyle, ColoursContoursThenLayersThenKinds) {
+    const DrawingScene few = sceneOf(linesOn(20, 3), 0);
+    EXPECT_TRUE(DrawingStyle(few, area, {}).isOneByOne());
+    EXPECT_EQ(DrawingStyle(few, area, {}).colourOf(std::size_t(5)), contourColour(5));
+    const DrawingScene layered = sceneOf(linesOn(21, 3), 0);
+    const DrawingStyle byLayer(layered, area, {});
+    EXPECT_FALSE(byLayer.isOneByOne());
+    EXPECT_TRUE(byLayer.isByLayer());
+    EXPECT_EQ(byLayer.colourOf(std::size_t(5)), byLayer.colourOfLayer(2));
+    const DrawingScene flat = sceneOf(linesOn(21, 1), 0);
+    const DrawingStyle byKind(flat, area, {});
+    EXPECT_FALSE(byKind.isByLayer());
+    EXPECT_EQ(byKind.colourOf(std::size_t(5)), byKind.colourOf(ContourKind::Open));
+}
+
+TEST(DrawingStyle, HasSmallerAndSparserSignsAndThinnerLinesForMoreContours) {
+    double sign = 2;
+    double stroke = 3;
+    double spacing = 0;
+    double least = 0;
+    for (const std::size_t contours : {5U, 135U, 355U, 900U}) {
+        const DrawingScene scene = sceneOf(linesOn(contours, 3), 0);
+        const DrawingStyle style(scene, area, {});
+        EXPECT_LT(style.signSize(), sign) << contours;
+        EXPECT_LT(style.strokeWidth(), stroke) << contours;
+        EXPECT_GT(style.arrowSpacing(), spacing) << contours;
+        EXPECT_GE(style.leastWithSigns(), least) << contours;
+        sign = contours == 5 ? 1 : style.signSize();
+        stroke = style.strokeWidth();
+        spacing = style.arrowSpacing();
+        least = style.leastWithSigns();
+    }
+    const DrawingScene crowd = sceneOf(linesOn(100000, 3), 0);
+    EXPECT_GT(DrawingStyle(crowd, area, {}).signSize(), 0.3) << "signs can still be seen";
+    EXPECT_GT(DrawingStyle(crowd, area, {}).strokeWidth(), 0.8);
+}
+
+TEST(DrawingStyle, HasWaysOfFewContoursAndWhereTheyAreAskedFor) {
+    const DrawingScene few = sceneOf(linesOn(20, 1), 0);
+    const DrawingScene many = sceneOf(linesOn(21, 1), 0);
+    EXPECT_TRUE(DrawingStyle(few, area, {}).hasWays());
+    EXPECT_FALSE(DrawingStyle(many, area, {}).hasWays());
+    EXPECT_TRUE(DrawingStyle(many, area, {true, true}).hasWays());
+    EXPECT_FALSE(DrawingStyle(few, area, {false, false}).hasWays());
+    EXPECT_FALSE(DrawingStyle(few, area, {false, false}).hasMarks());
+    EXPECT_TRUE(DrawingStyle(few, area, {false, true}).hasWays());
+}
+
+TEST(ShortText, HasNoExponentWherePeopleWouldWriteANumberOut) {
+    EXPECT_EQ(shortText(10951.26, 4), "10951");
+    EXPECT_EQ(shortText(123456789.4, 4), "123456789");
+    EXPECT_EQ(shortText(1095.126, 4), "1095");
+    EXPECT_EQ(shortText(109.5126, 4), "109.5");
+    EXPECT_EQ(shortText(7.2, 4), "7.2");
+    EXPECT_EQ(shortText(0.00001234, 3), "0.0000123");
+    EXPECT_EQ(shortText(-2.5, 3), "-2.5");
+    EXPECT_EQ(shortText(100, 3), "100");
+    EXPECT_EQ(shortText(-0.0, 3), "0");
+    EXPECT_EQ(shortText(2e15, 3), "2e+15");
+    EXPECT_EQ(shortText(2.5e-12, 3), "2.5e-12");
+}
+
+TEST(LeftOutText, CountsByReasonAndKindAndNamesLayersThatAreTheReason) {
+    using converters::LeftOutReason;
+    EXPECT_EQ(leftOutText(std::vector<converters::LeftOut>()), "");
+    EXPECT_EQ(leftOutText({{"TEXT", "a", 20, LeftOutReason::annotation},
+                           {"LINE", "aux", 3, LeftOutReason::layerFrozen},
+                           {"TEXT", "b", 4, LeftOutReason::annotation},
+                           {"HATCH", "a", 1, LeftOutReason::annotation},
+                           {"LINE", "old\n", 2, LeftOutReason::layerFrozen}}),
+              "24 TEXT, 1 HATCH (annotation); 3 LINE (on a frozen layer: aux); "
+              "2 LINE (on a frozen layer: old\\x0A)");
 }
 
 } // namespace

@@ -3,6 +3,8 @@
 
 #include "converters/Converters.h"
 #include "converters/DrawingPath.h"
+#include "converters/Scan.h"
+#include "converters/ScanWriter.h"
 #include "dxfeditor/DXFDocument.h"
 #include "dxfeditor/DXFReader.h"
 #include "dxfeditor/DXFSpline.h"
@@ -66,6 +68,48 @@ void countPly() {
     count("fromPly-ascii", [&] {
         pcl::PointCloud<pcl::PointXYZI> read;
         require(converters::fromPly(ascii, read).success);
+    });
+}
+
+/// A text of double coordinates, colours and faces.
+std::string richScan() {
+    const pcl::PointCloud<pcl::PointXYZI> cloud = sampleCloud(points);
+    std::string file = "ply\nformat ascii 1.0\nelement vertex " + std::to_string(points) +
+                       "\nproperty double x\nproperty double y\nproperty double z\n"
+                       "property uchar red\nelement face " +
+                       std::to_string(points) +
+                       "\nproperty list uchar int vertex_indices\nend_header\n";
+    char line[200];
+    for (const pcl::PointXYZI& point : cloud) {
+        std::snprintf(line, sizeof line, "%.9f %.9f %.9f %d\n", 4.5e6 + double{point.x} * 1.1,
+                      double{point.y} * 1.1, double{point.z} * 1.1,
+                      static_cast<int>(point.intensity));
+        file += line;
+    }
+    for (std::size_t i = 0; i < points; ++i) {
+        file += "3 " + std::to_string(i) + " 7 12345\n";
+    }
+    return file;
+}
+
+void countScans() {
+    const pcl::PointCloud<pcl::PointXYZI> cloud = sampleCloud(points);
+    std::vector<unsigned char> binary;
+    std::vector<unsigned char> ascii;
+    require(converters::toPlyBinary(cloud, binary) && converters::toPlyAscii(cloud, ascii));
+    const std::string rich = richScan();
+    const auto read = [](const void* bytes, std::size_t size) {
+        pcl::PointCloud<pcl::PointXYZI> scan;
+        require(bool(converters::readScan(bytes, size, scan)));
+    };
+    count("readScan-binary", [&] { read(binary.data(), binary.size()); });
+    count("readScan-ascii", [&] { read(ascii.data(), ascii.size()); });
+    count("readScan-ascii-doubles-faces", [&] { read(rich.data(), rich.size()); });
+    count("writeScan-ascii", [&] {
+        converters::ScanWriter writer([](const void*, std::size_t) { return true; },
+                                      converters::layoutOfPointXYZI(),
+                                      converters::ScanOutput::plyAscii);
+        require(writer.begin(points) && writer.write(cloud.data(), points) && writer.finish());
     });
 }
 
@@ -152,6 +196,7 @@ void countPaths() {
 
 int main() {
     countPly();
+    countScans();
     countDxf();
     countFromFile();
     countDrawings();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "converters/DrawingPath.h"
 #include "tools/cloudconv/FileFormat.h"
 #include "tools/cloudconv/NearMisses.h"
 #include "tools/cloudconv/preview/CloudView.h"
@@ -10,7 +11,6 @@
 #include <cstddef>
 #include <optional>
 #include <string>
-#include <vector>
 
 /// What is to be drawn.
 struct PreviewOptions {
@@ -26,11 +26,14 @@ struct PreviewOptions {
 
     /// Of drawings: open ends that are this near each other are marked as a gap.
     double distance = defaultNearness;
-    /// Names of layers to take, with "*" and "?"; all when there are none.
-    std::vector<std::string> layers;
+    converters::PathOptions path;
+    /// An option of paths that was given; else empty.
+    std::string pathOption;
     DrawingMarks marks;
 
     /// Of scans.
+    /// The property that is the intensity; empty for the usual ones.
+    std::string intensity;
     std::optional<CloudView> view;
     std::optional<CloudColour> colour;
     /// Points that a page shows at most.

@@ -1,5 +1,6 @@
 #include "tools/cloudconv/PreviewCommand.h"
 
+#include "tools/cloudconv/PathArguments.h"
 #include "tools/cloudconv/Preview.h"
 
 #include <cstdlib>
@@ -68,26 +69,19 @@ void addNamedOption(CLI::App& command, const std::string& name, std::optional<Va
 void addDrawingOptions(CLI::App& command, PreviewOptions& options) {
     addDistanceOption(command, options.distance);
     command
-        .add_option("--layer", options.layers,
-                    "of a drawing, draw this layer only; * and ? stand for any text and letter; "
-                    "may come again")
-        ->type_name("NAME")
-        ->take_all()
-        ->allow_extra_args(false);
-    command
         .add_flag_callback(
             "--no-marks", [&options] { options.marks.marks = false; },
             "draw the lines of a drawing without starts, arrows, ends and ways")
         ->disable_flag_override();
     command.add_flag("--ways", options.marks.ways, "draw the ways between contours, however many")
         ->disable_flag_override();
-    command
-        .add_flag("--plain", options.plain,
-                  "draw the walk of fromDxf, or what fromPly takes of a scan")
-        ->disable_flag_override();
 }
 
 void addScanOptions(CLI::App& command, PreviewOptions& options) {
+    command
+        .add_option("--intensity-from", options.intensity,
+                    "the property of a scan that is the intensity")
+        ->type_name("NAME");
     addNamedOption<CloudView>(command, "--view", options.view,
                               "from where to see a scan: top, front, side or iso", "SIDE",
                               {{"top", CloudView::Top},
@@ -127,6 +121,8 @@ void addPreviewCommand(CLI::App& app, Command& chosen) {
         ->default_str("1000x700");
     addDrawingOptions(command, *options);
     addScanOptions(command, *options);
+    addPathOptions(command, options->path);
+    addPlainFlag(command, options->plain);
     addInputFormatOption(command, options->from);
     CLI::CheckedTransformer known(pictureFormatNames(), CLI::ignore_case);
     known.description("");
@@ -134,7 +130,8 @@ void addPreviewCommand(CLI::App& app, Command& chosen) {
         ->type_name("FORMAT")
         ->transform(known);
     addQuietFlag(command, options->quiet);
-    command.callback([options, &chosen] {
+    command.callback([options, &command, &chosen] {
+        options->pathOption = givenPathOption(command);
         chosen.input = options->input;
         chosen.run = [options] {
             preview(*options);

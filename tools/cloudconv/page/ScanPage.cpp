@@ -125,16 +125,15 @@ private:
         json lowest = {0.0, 0.0, 0.0};
         json highest = {0.0, 0.0, 0.0};
         for (std::size_t axis = 0; axis < m_sides.size() && !m_indices.empty(); ++axis) {
-            lowest[axis] = m_sides.at(axis).low;
-            highest[axis] = m_sides.at(axis).high;
+            lowest[axis] = m_sides.at(axis).low + m_page.shift.at(axis);
+            highest[axis] = m_sides.at(axis).high + m_page.shift.at(axis);
         }
         json facts = {{"title", m_page.title},        {"points", points},
                       {"withPlace", m_withPlace},     {"shown", m_indices.size()},
                       {"limit", m_page.mostPoints},   {"lowest", lowest},
                       {"highest", highest},           {"step", m_step},
                       {"hasIntensity", hasIntensity}, {"hasColour", hasColour},
-                      {"intensity", json::array()},   {"shift", m_page.shift},
-                      {"notes", m_page.notes}};
+                      {"intensity", json::array()},   {"notes", m_page.notes}};
         if (hasIntensity) {
             facts["intensity"] = {m_intensities.low, m_intensities.high};
         }

@@ -22,7 +22,7 @@ struct ScanPage {
     bool hasIntensity = true;
     /// The file's colour of each point, 0xRRGGBB; empty when it has none.
     std::vector<std::uint32_t> colours = {};
-    /// What was taken off the coordinates of the file, in its units.
+    /// What was taken off the coordinates of the file: the page tells theirs.
     std::array<double, 3> shift = {0.0, 0.0, 0.0};
     /// What else there is to say, UTF-8.
     std::vector<std::string> notes = {};

@@ -73,9 +73,9 @@ CloudScene::CloudScene(const PreviewScan& scan, CloudView view, CloudColour colo
             ++m_withoutPlace;
             continue;
         }
-        m_bounds.add(m_projection.placeOf(point));
+        m_bounds.add(placeOf(point));
         for (std::size_t axis = 0; axis < m_sides.size(); ++axis) {
-            m_sides.at(axis).add(static_cast<double>(point.data[axis]));
+            m_sides.at(axis).add(static_cast<double>(point.data[axis]) + scan.shift.at(axis));
         }
         if (colour != CloudColour::Rgb && std::isfinite(valueOf(point))) {
             m_values.add(valueOf(point));
@@ -83,8 +83,15 @@ CloudScene::CloudScene(const PreviewScan& scan, CloudView view, CloudColour colo
     }
 }
 
+Place CloudScene::placeOf(const pcl::PointXYZI& point) const {
+    const Place shift = m_projection.placeOf(m_scan.shift);
+    const Place place = m_projection.placeOf(point);
+    return {place.x + shift.x, place.y + shift.y};
+}
+
 double CloudScene::valueOf(const pcl::PointXYZI& point) const {
-    return static_cast<double>(m_colour == CloudColour::Height ? point.z : point.intensity);
+    return m_colour == CloudColour::Height ? static_cast<double>(point.z) + m_scan.shift[2]
+                                           : static_cast<double>(point.intensity);
 }
 
 /// So large that points of an even grid or row nearly touch, within what looks like dots.
@@ -129,7 +136,7 @@ Image CloudScene::view(const PlotScale& scale, unsigned fineness) const {
     Grid grid(image.columns, image.rows, dotSize(scale) * fineness, m_projection);
     for (std::size_t i = 0; i < m_scan.cloud.size(); ++i) {
         if (hasPlace(m_scan.cloud[i])) {
-            const Place pixel = scale.pixel(m_projection.placeOf(m_scan.cloud[i]));
+            const Place pixel = scale.pixel(placeOf(m_scan.cloud[i]));
             grid.show(
                 m_scan.cloud, i,
                 {(pixel.x - frame.left) * columnsPerPixel, (pixel.y - frame.top) * rowsPerPixel});

@@ -17,7 +17,7 @@ public:
 
     /// Of the points that have a place, in the picture.
     const Bounds& bounds() const { return m_bounds; }
-    /// The same in space: x, y and z.
+    /// The same in space: x, y and z. Bounds and sides are in the coordinates of the file.
     const std::array<Interval, 3>& sides() const { return m_sides; }
     /// Of what the colours show; empty when all of it is nan or infinite, and for colours of the
     /// file.
@@ -35,6 +35,8 @@ private:
     double valueOf(const pcl::PointXYZI& point) const;
     double dotSize(const PlotScale& scale) const;
     std::uint32_t cellOf(std::size_t index) const;
+
+    Place placeOf(const pcl::PointXYZI& point) const;
 
     const PreviewScan& m_scan;
     CloudProjection m_projection;

@@ -5,11 +5,13 @@
 #include "tools/cloudconv/DxfInventory.h"
 #include "tools/cloudconv/FileError.h"
 #include "tools/cloudconv/LeftOutText.h"
+#include "tools/cloudconv/PathFile.h"
 #include "tools/cloudconv/Units.h"
 #include "tools/cloudconv/UsageError.h"
+#include "tools/cloudconv/check/PathFindings.h"
+#include "tools/cloudconv/check/WalkFindings.h"
 #include "tools/cloudconv/page/DrawingPage.h"
 #include "tools/cloudconv/preview/DrawingPicture.h"
-#include "tools/cloudconv/preview/PlotTicks.h"
 #include "tools/cloudconv/preview/WalkPath.h"
 
 #include <stdexcept>
@@ -20,44 +22,66 @@ using Bytes = std::vector<unsigned char>;
 using converters::DrawingPath;
 
 void checkOptions(const PreviewOptions& options) {
-    if (options.view.has_value() || options.colour.has_value() || options.pagePoints.has_value()) {
-        throw UsageError("--view, --colour and --points are for scans");
+    if (options.view.has_value() || options.colour.has_value() || options.pagePoints.has_value() ||
+        !options.intensity.empty()) {
+        throw UsageError("--view, --colour, --points and --intensity-from are for scans");
     }
-    if (options.plain && !options.layers.empty()) {
-        throw UsageError("--layer does not go with --plain: the walk tells no layers");
+    if (options.plain && !options.pathOption.empty()) {
+        throw UsageError("--plain has rules of its own: " + options.pathOption +
+                         " does not go with it");
+    }
+    if (options.path.axes != converters::PathAxes::drawing) {
+        throw UsageError("--axes is for cloudconv convert: a drawing is shown as it is drawn");
     }
 }
 
-DrawingPath pathOf(const Bytes& bytes, const PreviewOptions& options, PreviewReport& report) {
-    constexpr std::size_t steps = 1000;
-    converters::PathOptions asked;
-    asked.layers = options.layers;
-    report.progress.begin("reading " + report.input, steps);
-    asked.progress = [&](double done) {
-        report.progress.reached(static_cast<std::size_t>(done * steps));
-        return true;
-    };
+/// A path or a walk, and what there is to look at in it.
+struct Drawn {
     DrawingPath path;
-    const converters::ReadResult result =
-        converters::readPath(bytes.data(), bytes.size(), path, asked);
-    if (!result) {
-        throw FileError(report.input, result.reason);
-    }
-    for (const std::string& note : path.notes) {
-        report.notes.add(note);
-    }
-    return path;
+    /// Of pages only: pictures show near misses, which are found faster.
+    std::vector<PageFinding> findings;
+    /// Besides those of the path.
+    std::vector<std::string> notes;
+};
+
+std::string textOf(const Finding& finding) {
+    return std::string(nameOf(finding.kind)) + ": " + finding.text;
 }
 
-DrawingPath walkOf(const Bytes& bytes, PreviewReport& report) {
+Drawn followed(const Bytes& bytes, const PreviewOptions& options, bool isPage,
+               PreviewReport& report) {
+    Drawn drawn;
+    drawn.path = readPathFile(report.input, bytes, options.path, report.progress);
+    if (isPage) {
+        const converters::PathOptions checking = optionsForChecking(options.path);
+        const DrawingPath path = readPathFile(report.input, bytes, checking, report.progress);
+        report.progress.begin("checking " + report.input);
+        for (const Finding& finding : findingsOf(path, checking, options.distance).findings) {
+            drawn.findings.push_back({textOf(finding), finding.places});
+        }
+    }
+    return drawn;
+}
+
+Drawn walked(const Bytes& bytes, const PreviewOptions& options, bool isPage,
+             PreviewReport& report) {
     const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
     const DxfContents drawing = readDxf(report.input, bytes, report.progress);
-    DrawingPath path = pathOfWalk(drawing, unitOf(inventoryOf(text).unit));
+    Drawn drawn;
+    drawn.path = pathOfWalk(drawing, unitOf(inventoryOf(text).unit));
     if (!drawing.cutOff.empty()) {
-        report.notes.add(drawing.cutOff);
-        path.notes.push_back(drawing.cutOff);
+        drawn.notes.push_back(drawing.cutOff);
     }
-    return path;
+    if (isPage) {
+        report.progress.begin("checking " + report.input);
+        for (const Finding& finding : findingsOf(drawing, text, options.distance)) {
+            drawn.findings.push_back({textOf(finding), {}});
+            for (const cv::Point3_<double>& place : finding.places) {
+                drawn.findings.back().places.emplace_back(place.x, place.z, 0.0);
+            }
+        }
+    }
+    return drawn;
 }
 
 /// @throws FileError when nothing can be seen
@@ -73,28 +97,11 @@ void checkIsVisible(const DrawingScene& scene, const std::string& leftOut,
                                                     : "nothing to draw: left out " + leftOut);
 }
 
-/// The near misses: what one has to look at that has a place.
-std::vector<PageFinding> findingsOf(const DrawingPath& path, double distance) {
-    constexpr int digits = 9;
-    constexpr int distanceDigits = 3;
-    const auto text = [](const cv::Point3_<double>& end) {
-        return '(' + shortText(end.x, digits) + ", " + shortText(end.y, digits) + ')';
-    };
-    std::vector<PageFinding> findings;
-    for (const NearMiss& miss : nearMissesOf(path, distance)) {
-        findings.push_back(
-            {"near miss: the ends at " + text(miss.first) + " and " + text(miss.second) + " lie " +
-                 shortText(miss.distance, distanceDigits) + " apart and are not joined",
-             {miss.first, miss.second}});
-    }
-    return findings;
-}
-
-Bytes pageOf(const DrawingPath& path, const PreviewOptions& options, const PreviewReport& report) {
+Bytes pageOf(const Drawn& drawn, const PreviewReport& report) {
     try {
-        return drawingPage({report.title, path, findingsOf(path, options.distance)});
+        return drawingPage({report.title, drawn.path, drawn.findings, drawn.notes});
     } catch (const std::length_error&) {
-        throw FileError(report.input, counted(path.points.size(), "point") +
+        throw FileError(report.input, counted(drawn.path.points.size(), "point") +
                                           " are more than a page takes; a picture takes them");
     }
 }
@@ -113,21 +120,27 @@ std::string yNameOf(const DrawingScene& scene, bool plain) {
 Bytes previewOfDrawing(const Bytes& bytes, const PreviewOptions& options, PictureFormat format,
                        PreviewReport& report) {
     checkOptions(options);
-    const DrawingPath path = options.plain ? walkOf(bytes, report) : pathOf(bytes, options, report);
+    const bool isPage = format == PictureFormat::Html;
+    const Drawn drawn = (options.plain ? walked : followed)(bytes, options, isPage, report);
     report.progress.begin("drawing " + report.input);
-    const DrawingScene scene = sceneOf(path, options.distance);
-    const std::string leftOut = leftOutText(path.leftOut);
+    const DrawingScene scene = sceneOf(drawn.path, options.distance);
+    const std::string leftOut = leftOutText(drawn.path.leftOut);
     checkIsVisible(scene, leftOut, report);
+    for (const auto* const notes : {&drawn.path.notes, &drawn.notes}) {
+        for (const std::string& note : *notes) {
+            report.notes.add(note);
+        }
+    }
     if (!leftOut.empty()) {
         report.notes.add("left out: " + leftOut);
     }
     report.addLeftOut(scene.pointsWithoutPlace);
-    if (format == PictureFormat::Html) {
-        return pageOf(path, options, report);
+    if (isPage) {
+        return pageOf(drawn, report);
     }
     Canvas canvas(format, options.size);
-    const std::string words = drawPicture(
-        canvas, options.size, scene,
-        {report.title, symbolOf(path.unit), yNameOf(scene, options.plain), leftOut}, options.marks);
+    const DrawingCaption caption = {report.title, symbolOf(drawn.path.unit),
+                                    yNameOf(scene, options.plain), leftOut};
+    const std::string words = drawPicture(canvas, options.size, scene, caption, options.marks);
     return canvas.finish(report.title, words);
 }

@@ -5,14 +5,21 @@
 #include "tools/cloudconv/UsageError.h"
 #include "tools/cloudconv/page/ScanPage.h"
 #include "tools/cloudconv/preview/CloudPicture.h"
+#include "tools/cloudconv/preview/ScanContents.h"
 
 namespace {
 
 using Bytes = std::vector<unsigned char>;
 
 void checkOptions(const PreviewOptions& options, PictureFormat format) {
-    if (!options.layers.empty() || !options.marks.marks || options.marks.ways) {
-        throw UsageError("--layer, --no-marks and --ways are for drawings");
+    if (!options.pathOption.empty()) {
+        throw UsageError(options.pathOption + " is for drawings");
+    }
+    if (!options.marks.marks || options.marks.ways) {
+        throw UsageError("--no-marks and --ways are for drawings");
+    }
+    if (options.plain && !options.intensity.empty()) {
+        throw UsageError("--plain has rules of its own: --intensity-from does not go with it");
     }
     const bool isPage = format == PictureFormat::Html;
     if (isPage && (options.view.has_value() || options.colour.has_value())) {
@@ -23,7 +30,8 @@ void checkOptions(const PreviewOptions& options, PictureFormat format) {
     }
 }
 
-PreviewScan scanOf(const Bytes& bytes, PreviewReport& report) {
+PreviewScan plainScanOf(const Bytes& bytes, PreviewReport& report) {
+    report.progress.begin("reading points of " + report.input);
     PlyContents contents = readPly(report.input, bytes);
     PreviewScan scan;
     scan.cloud = std::move(contents.cloud);
@@ -41,7 +49,7 @@ CloudColour colourOf(const PreviewScan& scan, const PreviewOptions& options,
         if (!scan.colours.empty()) {
             return CloudColour::Rgb;
         }
-        report.notes.add("no property \"intensity\" of type float, coloured by z");
+        report.notes.add("no intensity, coloured by z");
         return CloudColour::Height;
     }
     if (*options.colour == CloudColour::Intensity && !scan.hasIntensity) {
@@ -74,8 +82,9 @@ void checkIsVisible(const CloudScene& scene, std::size_t points, const PreviewRe
 Bytes previewOfScan(const Bytes& bytes, const PreviewOptions& options, PictureFormat format,
                     PreviewReport& report) {
     checkOptions(options, format);
-    report.progress.begin("reading points of " + report.input);
-    const PreviewScan scan = scanOf(bytes, report);
+    const PreviewScan scan =
+        options.plain ? plainScanOf(bytes, report)
+                      : previewScanOf(report.input, bytes, options.intensity, report.progress);
     for (const std::string& note : scan.notes) {
         report.notes.add(note);
     }

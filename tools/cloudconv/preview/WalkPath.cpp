@@ -69,17 +69,18 @@ converters::DrawingPath pathOfWalk(const DxfContents& drawing, converters::Lengt
             path.arcs.push_back(circleThrough(&path.points[added.firstPoint],
                                               path.points.data() + path.points.size()));
         }
-        added.length = contour.length;
+        added.length = std::isfinite(contour.length) ? contour.length : 0.0;
         added.trueColour = -1;
         constexpr std::uint16_t blackOrWhite = 7;
         added.colour = blackOrWhite;
-        added.closed = contour.kind == ContourKind::Closed;
+        // A circle has no ends, though its walk has.
+        added.closed = contour.kind == ContourKind::Closed || contour.kind == ContourKind::Circle;
         if (!path.contours.empty()) {
             const double way =
                 distanceOf(path.points[added.firstPoint - 1], path.points[added.firstPoint]);
             path.wayLength += std::isfinite(way) ? way : 0.0;
         }
-        path.length += std::isfinite(added.length) ? added.length : 0.0;
+        path.length += added.length;
         path.contours.push_back(added);
     }
     addBounds(path);

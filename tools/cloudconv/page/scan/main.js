@@ -310,12 +310,9 @@ function tellAbout(facts) {
     }
     add("Size", size.join(" × "));
     ["x", "y", "z"].forEach((name, axis) =>
-        add(name, `${numberText(facts.lowest[axis], 7)} … ${numberText(facts.highest[axis], 7)}`));
+        add(name, `${numberText(facts.lowest[axis], 9)} … ${numberText(facts.highest[axis], 9)}`));
     if (facts.hasIntensity) {
         add("Intensity", facts.intensity.map((value) => numberText(value, 6)).join(" … "));
-    }
-    if (facts.shift.some((part) => part !== 0)) {
-        add("Taken off", facts.shift.map((part) => numberText(part, 9)).join(", "));
     }
     const notes = [...facts.notes];
     if (facts.shown < facts.withPlace) {
