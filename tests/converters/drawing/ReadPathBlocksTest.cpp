@@ -264,6 +264,24 @@ TEST(ReadPathBlocks, OfTextAreCountedWithoutDrawingEachItemOfAnArray) {
               "1073676289 TEXT on t: annotation\n");
 }
 
+TEST(ReadPathBlocks, OfEqualVerticesAreNotFollowedWithoutEnd) {
+    // Each one a dot, of a thousand vertices or control points in one place.
+    std::string vertices;
+    for (int i = 0; i < 1000; ++i) {
+        vertices += "  10 1  20 1";
+    }
+    converters::PathOptions options;
+    options.maximumPoints = 100'000;
+    for (const std::string& dot : {"0 LWPOLYLINE  70 0" + vertices, "0 SPLINE  71 3" + vertices}) {
+        const auto drawn = [&](int columns) {
+            return drawing(block("a", dot),
+                           "0 INSERT  2 a  44 1  70 " + std::to_string(columns));
+        };
+        EXPECT_EQ(refusalOf(drawn(400), options), "");
+        EXPECT_EQ(refusalOf(drawn(402), options), "more than 100000 points");
+    }
+}
+
 TEST(ReadPathBlocks, MayBeNestedAsDeepAsTheFileIsLong) {
     std::string blocks = block("b0", lineInX);
     constexpr int depth = 20'000;

@@ -170,6 +170,19 @@ TEST(ReadPathEntities, EllipseTurnsAboutItsExtrusion) {
     expectNear(path.points.back(), {1, 0, 0});
 }
 
+TEST(ReadPathEntities, EllipseOfARatioAboveOneIsLongerAcross) {
+    const DrawingPath path = pathOf(drawingOf("0 ELLIPSE  10 0  20 0  11 1  21 0  40 3"));
+    expectNear(path.points.front(), {1, 0, 0});
+    EXPECT_NEAR(path.highest.y, 3, 0.01);
+    EXPECT_NEAR(std::abs(path.ellipticArcs.at(0).major.y), 3, 1e-9);
+}
+
+TEST(ReadPathEntities, EllipseOfRatioZeroIsFlat) {
+    const DrawingPath path = pathOf(drawingOf("0 ELLIPSE  10 0  20 0  11 5  21 0  40 0"));
+    EXPECT_TRUE(path.contours.at(0).closed);
+    EXPECT_NEAR(path.length, 20, 1e-6);
+}
+
 TEST(ReadPathEntities, EllipseWithoutMajorAxisIsBroken) {
     EXPECT_EQ(leftOut(pathOf(drawingOf("0 ELLIPSE  8 a  10 1  20 2  40 0.5"))),
               "1 ELLIPSE on a: broken\n");

@@ -104,6 +104,7 @@ TEST(TextGroups, HaveNumbersAsProgramsWriteThem) {
     EXPECT_EQ(realOf("12345678901234567890123456789"), 12345678901234567890123456789.0);
     EXPECT_EQ(realOf("0.1000000000000000055511151231257827"), 0.1);
     EXPECT_EQ(realOf("1e-400"), 0.0);
+    EXPECT_EQ(realOf("1.5D+02"), 150.0);
 }
 
 TEST(TextGroups, ReadADecimalCommaAsAPoint) {

@@ -104,6 +104,7 @@ BlockGraph::Weight BlockGraph::weightOf(const Contents& contents) const {
         const Entity& entity = m_drawing.entities[i];
         if (entity.kind != EntityKind::insert) {
             total.drawn = saturatingSum(total.drawn, 1);
+            total.vertices = saturatingSum(total.vertices, verticesOf(entity, m_drawing));
             total.isEmpty = false;
         } else {
             addInsert(total, entity.data);
@@ -128,6 +129,7 @@ void BlockGraph::addInsert(Weight& total, std::size_t number) const {
     total.listSteps = saturatingSum(total.listSteps, inner.listSteps);
     if (inner.drawn > 0) {
         total.drawn = saturatingSum(total.drawn, saturatingProduct(inner.drawn, items));
+        total.vertices = saturatingSum(total.vertices, saturatingProduct(inner.vertices, items));
         total.steps = saturatingSum(total.steps, saturatingProduct(inner.steps, items));
     } else {
         total.listSteps = saturatingSum(total.listSteps, inner.steps);

@@ -31,6 +31,8 @@ public:
     struct Weight {
         /// Entities that draw something to follow.
         std::uint64_t drawn = 0;
+        /// The vertices and control points of these entities, at least one for each.
+        std::uint64_t vertices = 0;
         /// Steps that it takes to go through all that is drawn, INSERTs included.
         std::uint64_t steps = 0;
         /// Steps that it takes, beside these, to list what is left out; once for an array.

@@ -161,4 +161,20 @@ struct Drawing {
     std::vector<std::string> notes;
 };
 
+/// The vertices of a polyline, the control points of a spline; 1 for other entities.
+inline std::size_t verticesOf(const Entity& entity, const Drawing& drawing) {
+    switch (entity.kind) {
+    case EntityKind::lwpolyline:
+    case EntityKind::polyline:
+    case EntityKind::polyline3d: {
+        const bool isExtruded = (entity.flags & entityFlag::extruded) != 0;
+        return static_cast<std::size_t>(drawing.numbers[entity.data + (isExtruded ? 3 : 0)]);
+    }
+    case EntityKind::spline:
+        return drawing.splines[entity.data].controlPoints.size();
+    default:
+        return 1;
+    }
+}
+
 } // namespace converters::drawing

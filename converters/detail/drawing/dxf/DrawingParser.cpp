@@ -3,10 +3,9 @@
 #include "base/LargePages.h"
 #include "converters/detail/drawing/Refusal.h"
 #include "converters/detail/drawing/dxf/BinaryGroups.h"
-#include "converters/detail/drawing/dxf/EntityBuilder.h"
-#include "converters/detail/drawing/dxf/EntityGroups.h"
-#include "converters/detail/drawing/dxf/EntityNames.h"
+#include "converters/detail/drawing/dxf/EntityParser.h"
 #include "converters/detail/drawing/dxf/Numbers.h"
+#include "converters/detail/drawing/dxf/ObjectReader.h"
 #include "converters/detail/drawing/dxf/TextGroups.h"
 
 #include <algorithm>
@@ -17,27 +16,6 @@
 namespace converters::drawing {
 
 namespace {
-
-constexpr int subclassMarker = 100;
-constexpr int embeddedObject = 101;
-constexpr int applicationData = 102;
-constexpr int hardOwner = 360;
-/// The first group of what programs add to an entity.
-constexpr int applicationName = 1001;
-
-constexpr Slots planePoint = slotSet(Slot::x, Slot::y, Slot::z, Slot::elevation);
-constexpr Slots extrusion = slotSet(Slot::extrusionX, Slot::extrusionY, Slot::extrusionZ);
-constexpr Slots lineSlots = planePoint | slotSet(Slot::endX, Slot::endY, Slot::endZ);
-constexpr Slots arcSlots =
-    planePoint | extrusion | slotSet(Slot::number40, Slot::angle50, Slot::angle51);
-constexpr Slots ellipseSlots =
-    lineSlots | extrusion | slotSet(Slot::number40, Slot::number41, Slot::number42);
-constexpr Slots tangentSlots =
-    slotSet(Slot::startTangentX, Slot::startTangentY, Slot::startTangentZ, Slot::endTangentX,
-            Slot::endTangentY, Slot::endTangentZ);
-constexpr Slots insertSlots = planePoint | extrusion |
-                              slotSet(Slot::number41, Slot::number42, Slot::number43,
-                                      Slot::number44, Slot::number45, Slot::angle50);
 
 /// Whether a name begins like this, which is in lower case.
 bool beginsWith(std::string_view name, std::string_view start) {
@@ -55,15 +33,13 @@ bool isPaperSpace(std::string_view block) {
     return beginsWith(block, "*paper_space") || beginsWith(block, "$paper_space");
 }
 
-/// Reads the groups of a text or of a binary file.
-///
-/// Each function that reads an object is called on its first group, the one with code 0, and
-/// leaves the groups on the first group of the next object.
+/// Reads the sections of a text or of a binary file.
 template <typename Groups>
 class DrawingParser {
 public:
     DrawingParser(std::string_view file, Drawing& drawing, const Progress& progress)
-        : m_groups(file), m_drawing(drawing), m_progress(progress), m_builder(drawing) {}
+        : m_objects(file, progress), m_groups(m_objects.groups()), m_drawing(drawing),
+          m_entities(m_objects, drawing) {}
 
     void parse();
     bool hasSections() const { return m_hasSections; }
@@ -71,22 +47,6 @@ public:
     const Groups& groups() const { return m_groups; }
 
 private:
-    bool nextGroup() {
-        m_hasGroup = m_groups.next();
-        return m_hasGroup && m_groups.code() != 0;
-    }
-    void skipObject() {
-        while (nextGroup()) {
-        }
-        beginObject();
-    }
-    void beginObject();
-    bool isInSection() const {
-        return m_hasGroup && m_kind != ObjectKind::section && m_kind != ObjectKind::endOfSection &&
-               m_kind != ObjectKind::endOfFile;
-    }
-    std::string_view trimmedText() { return withoutBlanks(m_groups.text()); }
-
     void readSection();
     void readHeader();
     void readTables();
@@ -98,66 +58,32 @@ private:
     void readDictionary();
     void readSpatialFilter();
     void findClippingDictionaries();
-    void readEntities();
-    void readEntity();
-    void readOther();
-    void readPolyline();
-    void readLwPolyline();
-    void readVertex();
-    void readSpline();
-    bool readSplineNumber(SplineDefinition& definition);
-    void readGroups(Slots wanted);
-    bool readAttribute();
-    bool skipRest();
-    bool skipApplicationData();
 
-    Groups m_groups;
+    ObjectReader<Groups> m_objects;
+    Groups& m_groups;
     Drawing& m_drawing;
-    const Progress& m_progress;
-    EntityBuilder m_builder;
-    EntityGroups m_entity;
-    std::vector<PolylineVertex> m_vertices;
-    /// The object that the groups are on.
-    std::string_view m_name;
-    ObjectKind m_kind = ObjectKind::other;
-    bool m_hasGroup = true;
+    EntityParser<Groups> m_entities;
     bool m_hasSections = false;
     bool m_hasEnd = false;
-    std::uint64_t m_objects = 0;
-    /// Handles of block records of paper space.
-    std::vector<std::string_view> m_paperSpaces;
-    /// Objects and their owners: dictionaries, and spatial filters.
+    /// Dictionaries and their owners.
     std::vector<std::pair<std::uint64_t, std::uint64_t>> m_dictionaries;
+    /// The owners of clipping boundaries.
     std::vector<std::uint64_t> m_filterOwners;
 };
-
-template <typename Groups>
-void DrawingParser<Groups>::beginObject() {
-    if (!m_hasGroup) {
-        return;
-    }
-    m_name = m_groups.text();
-    m_kind = objectKindOf(m_name);
-    constexpr std::uint64_t objectsPerReport = 1 << 13;
-    if (++m_objects % objectsPerReport == 0) {
-        m_progress.report(static_cast<double>(m_groups.position()) /
-                          static_cast<double>(m_groups.size()));
-    }
-}
 
 template <typename Groups>
 void DrawingParser<Groups>::parse() {
     // The number of the layer of entities that name none.
     m_drawing.layerNames.numberOf("0");
-    skipObject();
-    while (m_hasGroup && !m_hasEnd) {
-        if (m_kind == ObjectKind::section) {
+    m_objects.skipObject();
+    while (m_objects.hasObject() && !m_hasEnd) {
+        if (m_objects.kind() == ObjectKind::section) {
             m_hasSections = true;
             readSection();
-        } else if (m_kind == ObjectKind::endOfFile) {
+        } else if (m_objects.kind() == ObjectKind::endOfFile) {
             m_hasEnd = true;
         } else {
-            skipObject();
+            m_objects.skipObject();
         }
     }
     findClippingDictionaries();
@@ -166,24 +92,24 @@ void DrawingParser<Groups>::parse() {
 template <typename Groups>
 void DrawingParser<Groups>::readSection() {
     std::string_view name;
-    if (nextGroup() && m_groups.code() == 2) {
-        name = trimmedText();
+    if (m_objects.nextGroup() && m_groups.code() == 2) {
+        name = m_objects.trimmedText();
     }
-    if (beginsWith(name, "header") && m_hasGroup) {
+    if (beginsWith(name, "header") && m_objects.hasObject()) {
         return readHeader();
     }
-    if (m_hasGroup && m_groups.code() == 0) {
-        return beginObject();
+    if (m_objects.hasObject() && m_groups.code() == 0) {
+        return m_objects.beginObject();
     }
-    skipObject();
+    m_objects.skipObject();
     if (beginsWith(name, "tables")) {
         readTables();
     } else if (beginsWith(name, "blocks")) {
         readBlocks();
     } else if (beginsWith(name, "entities")) {
-        m_builder.beginContents(ContentsOf::drawing);
-        readEntities();
-        m_drawing.stretches.push_back(m_builder.endContents());
+        m_entities.builder().beginContents(ContentsOf::drawing);
+        m_entities.readEntities();
+        m_drawing.stretches.push_back(m_entities.builder().endContents());
     } else if (beginsWith(name, "objects")) {
         readObjects();
     }
@@ -193,32 +119,32 @@ template <typename Groups>
 void DrawingParser<Groups>::readHeader() {
     Header& header = m_drawing.header;
     std::string_view variable;
-    while (nextGroup()) {
+    while (m_objects.nextGroup()) {
         const int code = m_groups.code();
         if (code == 9) {
-            variable = trimmedText();
+            variable = m_objects.trimmedText();
         } else if (code == 1 && variable == "$ACADVER") {
-            header.release = trimmedText();
+            header.release = m_objects.trimmedText();
         } else if (code == 3 && variable == "$DWGCODEPAGE") {
-            header.codePage = trimmedText();
+            header.codePage = m_objects.trimmedText();
         } else if (code == 70 && variable == "$INSUNITS") {
             header.units = m_groups.integer();
         } else if (code == 70 && variable == "$MEASUREMENT") {
             header.isImperial = m_groups.integer() == 0;
         }
     }
-    beginObject();
+    m_objects.beginObject();
 }
 
 template <typename Groups>
 void DrawingParser<Groups>::readTables() {
-    while (isInSection()) {
-        if (m_kind == ObjectKind::layer) {
+    while (m_objects.isInSection()) {
+        if (m_objects.kind() == ObjectKind::layer) {
             readLayer();
-        } else if (m_kind == ObjectKind::blockRecord) {
+        } else if (m_objects.kind() == ObjectKind::blockRecord) {
             readBlockRecord();
         } else {
-            skipObject();
+            m_objects.skipObject();
         }
     }
 }
@@ -229,10 +155,10 @@ void DrawingParser<Groups>::readLayer() {
     std::int64_t colour = 7;
     std::int64_t flags = 0;
     std::int32_t trueColour = noTrueColour;
-    while (nextGroup()) {
+    while (m_objects.nextGroup()) {
         switch (m_groups.code()) {
         case 2:
-            name = trimmedText();
+            name = m_objects.trimmedText();
             break;
         case 62:
             colour = m_groups.integer();
@@ -252,33 +178,33 @@ void DrawingParser<Groups>::readLayer() {
     m_drawing.layers.push_back({m_drawing.layerNames.numberOf(name),
                                 static_cast<std::uint16_t>(index >= 1 && index <= 255 ? index : 7),
                                 trueColour, colour < 0, (flags & frozen) != 0});
-    beginObject();
+    m_objects.beginObject();
 }
 
 template <typename Groups>
 void DrawingParser<Groups>::readBlockRecord() {
     std::string_view handle;
     std::string_view name;
-    while (nextGroup()) {
+    while (m_objects.nextGroup()) {
         if (m_groups.code() == 5) {
-            handle = trimmedText();
+            handle = m_objects.trimmedText();
         } else if (m_groups.code() == 2) {
-            name = trimmedText();
+            name = m_objects.trimmedText();
         }
     }
     if (isPaperSpace(name) && !handle.empty()) {
-        m_paperSpaces.push_back(handle);
+        m_entities.addPaperSpace(handle);
     }
-    beginObject();
+    m_objects.beginObject();
 }
 
 template <typename Groups>
 void DrawingParser<Groups>::readBlocks() {
-    while (isInSection()) {
-        if (m_kind == ObjectKind::block) {
+    while (m_objects.isInSection()) {
+        if (m_objects.kind() == ObjectKind::block) {
             readBlock();
         } else {
-            skipObject();
+            m_objects.skipObject();
         }
     }
 }
@@ -286,18 +212,17 @@ void DrawingParser<Groups>::readBlocks() {
 template <typename Groups>
 void DrawingParser<Groups>::readBlock() {
     constexpr std::int64_t externalReference = 4 | 8;
-    m_entity.clear();
-    readGroups(planePoint);
-    const std::string_view name = withoutBlanks(m_entity.name);
+    const EntityGroups& head = m_entities.readBlockHead();
+    const std::string_view name = withoutBlanks(head.name);
     Block block{};
-    block.base = {m_entity.real(Slot::x), m_entity.real(Slot::y), m_entity.real(Slot::z)};
-    block.isExternal = (m_entity.flags & externalReference) != 0;
+    block.base = {head.real(Slot::x), head.real(Slot::y), head.real(Slot::z)};
+    block.isExternal = (head.flags & externalReference) != 0;
     const ContentsOf owner = isPaperSpace(name)   ? ContentsOf::paperSpace
                              : isModelSpace(name) ? ContentsOf::drawing
                                                   : ContentsOf::block;
-    m_builder.beginContents(owner);
-    readEntities();
-    block.contents = m_builder.endContents();
+    m_entities.builder().beginContents(owner);
+    m_entities.readEntities();
+    block.contents = m_entities.builder().endContents();
     if (owner != ContentsOf::block) {
         m_drawing.stretches.push_back(block.contents);
         return;
@@ -308,13 +233,13 @@ void DrawingParser<Groups>::readBlock() {
 
 template <typename Groups>
 void DrawingParser<Groups>::readObjects() {
-    while (isInSection()) {
-        if (m_kind == ObjectKind::dictionary) {
+    while (m_objects.isInSection()) {
+        if (m_objects.kind() == ObjectKind::dictionary) {
             readDictionary();
-        } else if (m_kind == ObjectKind::spatialFilter) {
+        } else if (m_objects.kind() == ObjectKind::spatialFilter) {
             readSpatialFilter();
         } else {
-            skipObject();
+            m_objects.skipObject();
         }
     }
 }
@@ -323,7 +248,7 @@ template <typename Groups>
 void DrawingParser<Groups>::readDictionary() {
     std::uint64_t handle = 0;
     std::uint64_t owner = 0;
-    while (nextGroup()) {
+    while (m_objects.nextGroup()) {
         if (m_groups.code() == 5) {
             handle = handleOf(m_groups.text());
         } else if (m_groups.code() == 330) {
@@ -332,14 +257,14 @@ void DrawingParser<Groups>::readDictionary() {
         }
     }
     m_dictionaries.emplace_back(handle, owner);
-    beginObject();
+    m_objects.beginObject();
 }
 
 template <typename Groups>
 void DrawingParser<Groups>::readSpatialFilter() {
     std::uint64_t owner = 0;
     bool isShown = true;
-    while (nextGroup()) {
+    while (m_objects.nextGroup()) {
         if (m_groups.code() == 330) {
             owner = handleOf(m_groups.text());
         } else if (m_groups.code() == 71) {
@@ -349,7 +274,7 @@ void DrawingParser<Groups>::readSpatialFilter() {
     if (isShown) {
         m_filterOwners.push_back(owner);
     }
-    beginObject();
+    m_objects.beginObject();
 }
 
 /// A filter is owned by the dictionary ACAD_FILTER, and that by the extension dictionary of the
@@ -366,286 +291,6 @@ void DrawingParser<Groups>::findClippingDictionaries() {
         }
     }
     std::sort(m_drawing.clippingDictionaries.begin(), m_drawing.clippingDictionaries.end());
-}
-
-/// Reads entities up to the end of the block or the section.
-template <typename Groups>
-void DrawingParser<Groups>::readEntities() {
-    while (isInSection() && m_kind != ObjectKind::block && m_kind != ObjectKind::endOfBlock) {
-        readEntity();
-    }
-}
-
-template <typename Groups>
-void DrawingParser<Groups>::readEntity() {
-    m_entity.clear();
-    switch (m_kind) {
-    case ObjectKind::point:
-        readGroups(planePoint);
-        return m_builder.addPoint(m_entity);
-    case ObjectKind::line:
-        readGroups(lineSlots);
-        return m_builder.addLine(m_entity);
-    case ObjectKind::circle:
-        readGroups(arcSlots);
-        return m_builder.addCircle(m_entity);
-    case ObjectKind::arc:
-        readGroups(arcSlots);
-        return m_builder.addArc(m_entity);
-    case ObjectKind::ellipse:
-        readGroups(ellipseSlots);
-        return m_builder.addEllipse(m_entity);
-    case ObjectKind::insert:
-        readGroups(insertSlots);
-        return m_builder.addInsert(m_entity);
-    case ObjectKind::lwpolyline:
-        return readLwPolyline();
-    case ObjectKind::polyline:
-        return readPolyline();
-    case ObjectKind::spline:
-    case ObjectKind::helix:
-        return readSpline();
-    case ObjectKind::vertex:
-    case ObjectKind::nothing:
-        return skipObject();
-    default:
-        return readOther();
-    }
-}
-
-/// Reads the groups of an entity; of the numbers, those that are wanted.
-template <typename Groups>
-void DrawingParser<Groups>::readGroups(Slots wanted) {
-    while (nextGroup()) {
-        const int code = m_groups.code();
-        if (code > 0 && code < slotCodes) {
-            const Slot slot = slotTable[static_cast<std::size_t>(code)];
-            if (slot != Slot::none) {
-                if ((wanted & bitOf(slot)) != 0) {
-                    m_entity.set(slot, m_groups.real());
-                }
-                continue;
-            }
-        }
-        if (!readAttribute()) {
-            break;
-        }
-    }
-    beginObject();
-}
-
-/// Takes a group that holds no number of a shape.
-/// @return false when the rest of the entity was skipped
-template <typename Groups>
-bool DrawingParser<Groups>::readAttribute() {
-    EntityAttributes& attributes = m_entity.attributes;
-    switch (m_groups.code()) {
-    case 2:
-        m_entity.name = m_groups.text();
-        break;
-    case 5:
-        attributes.handle = m_groups.text();
-        break;
-    case 8:
-        attributes.layer = m_drawing.layerNames.numberOf(trimmedText());
-        attributes.hasLayer = true;
-        break;
-    case 60:
-        attributes.isInvisible = (m_groups.integer() & 1) != 0;
-        break;
-    case 62:
-        attributes.colour = m_groups.integer();
-        break;
-    case 67:
-        attributes.tellsSpace = true;
-        attributes.isInPaperSpace = m_groups.integer() != 0;
-        break;
-    case 70:
-        m_entity.flags = m_groups.integer();
-        break;
-    case 71:
-        m_entity.count = m_groups.integer();
-        break;
-    case 330:
-        attributes.isOwnedByPaperSpace =
-            !m_paperSpaces.empty() && std::find(m_paperSpaces.begin(), m_paperSpaces.end(),
-                                                trimmedText()) != m_paperSpaces.end();
-        break;
-    case 420:
-        attributes.trueColour = m_groups.integer();
-        break;
-    case applicationData:
-        return skipApplicationData();
-    case embeddedObject:
-    case applicationName:
-        return skipRest();
-    default:
-        break;
-    }
-    return true;
-}
-
-/// Skips the rest of an entity, where codes mean something else.
-/// @return false
-template <typename Groups>
-bool DrawingParser<Groups>::skipRest() {
-    while (nextGroup()) {
-    }
-    return false;
-}
-
-/// Skips what a program keeps with an entity, from "{NAME" to "}": handles, nearly always. That of
-/// the extension dictionary is kept.
-/// @return false when the entity ends before that
-template <typename Groups>
-bool DrawingParser<Groups>::skipApplicationData() {
-    const std::string_view name = trimmedText();
-    if (name.empty() || name.front() != '{') {
-        return true;
-    }
-    const bool isDictionary = name == "{ACAD_XDICTIONARY";
-    while (nextGroup()) {
-        if (m_groups.code() == applicationData) {
-            return true;
-        }
-        if (isDictionary && m_groups.code() == hardOwner) {
-            m_entity.attributes.dictionary = m_groups.text();
-        }
-    }
-    return false;
-}
-
-/// Reads an entity of a kind that draws nothing to follow. An ATTDEF in a block is drawn only where
-/// it is constant: what an INSERT draws of others are ATTRIBs.
-template <typename Groups>
-void DrawingParser<Groups>::readOther() {
-    constexpr std::int64_t constant = 2;
-    const std::string_view kind = m_name;
-    const bool isForm = m_kind == ObjectKind::attributeDefinition;
-    bool isCommon = true;
-    bool goesOn = true;
-    while (goesOn && nextGroup()) {
-        const int code = m_groups.code();
-        if (code == subclassMarker) {
-            // What all entities have ends where the data of the kind begin.
-            isCommon = trimmedText() == "AcDbEntity";
-        } else if (isCommon || (code == 8 && !m_entity.attributes.hasLayer) ||
-                   (code == 70 && isForm)) {
-            goesOn = readAttribute();
-        }
-    }
-    beginObject();
-    if (!isForm || !m_builder.isInBlock() || (m_entity.flags & constant) != 0) {
-        m_builder.addNotDrawn(m_entity.attributes, kind, reasonOf(kind));
-    }
-}
-
-template <typename Groups>
-void DrawingParser<Groups>::readPolyline() {
-    readGroups(planePoint | extrusion);
-    m_vertices.clear();
-    while (m_hasGroup && m_kind == ObjectKind::vertex) {
-        readVertex();
-    }
-    m_builder.addPolyline(m_entity, m_vertices);
-}
-
-template <typename Groups>
-void DrawingParser<Groups>::readVertex() {
-    PolylineVertex& vertex = m_vertices.emplace_back();
-    while (nextGroup()) {
-        switch (m_groups.code()) {
-        case 10:
-            vertex.x = m_groups.real();
-            break;
-        case 20:
-            vertex.y = m_groups.real();
-            break;
-        case 30:
-            vertex.z = m_groups.real();
-            break;
-        case 42:
-            vertex.bulge = m_groups.real();
-            break;
-        case 70:
-            vertex.flags = m_groups.integer();
-            break;
-        default:
-            break;
-        }
-    }
-    beginObject();
-}
-
-template <typename Groups>
-void DrawingParser<Groups>::readLwPolyline() {
-    m_vertices.clear();
-    bool goesOn = true;
-    while (goesOn && nextGroup()) {
-        const int code = m_groups.code();
-        if (code == 10) {
-            m_vertices.emplace_back().x = m_groups.real();
-        } else if (code == 20 && !m_vertices.empty()) {
-            m_vertices.back().y = m_groups.real();
-        } else if (code == 42 && !m_vertices.empty()) {
-            m_vertices.back().bulge = m_groups.real();
-        } else if (code == 38 || code == 210 || code == 220 || code == 230) {
-            m_entity.set(slotOf(code), m_groups.real());
-        } else {
-            goesOn = readAttribute();
-        }
-    }
-    beginObject();
-    m_builder.addLwPolyline(m_entity, m_vertices);
-}
-
-/// A SPLINE, or a HELIX, which is one with more data behind it.
-template <typename Groups>
-void DrawingParser<Groups>::readSpline() {
-    const std::string_view kind = m_name;
-    SplineDefinition definition;
-    bool goesOn = true;
-    while (goesOn && nextGroup()) {
-        if (m_groups.code() == subclassMarker) {
-            goesOn = trimmedText() != "AcDbHelix" || skipRest();
-        } else if (!readSplineNumber(definition)) {
-            goesOn = readAttribute();
-        }
-    }
-    beginObject();
-    m_builder.addSpline(m_entity, kind, std::move(definition));
-}
-
-/// Takes a group that holds a number of a spline.
-/// @return false for others
-template <typename Groups>
-bool DrawingParser<Groups>::readSplineNumber(SplineDefinition& definition) {
-    const int code = m_groups.code();
-    const int axis = code / 10;
-    if (code == 10 || code == 11) {
-        auto& points = code == 10 ? definition.controlPoints : definition.fitPoints;
-        points.emplace_back(m_groups.real(), 0, 0);
-        return true;
-    }
-    if ((axis == 2 || axis == 3) && code % 10 < 2) {
-        auto& points = code % 10 == 0 ? definition.controlPoints : definition.fitPoints;
-        if (!points.empty()) {
-            (axis == 2 ? points.back().y : points.back().z) = m_groups.real();
-        }
-        return true;
-    }
-    if (code == 40 || code == 41) {
-        (code == 40 ? definition.knots : definition.weights).push_back(m_groups.real());
-        return true;
-    }
-    if (code > 0 && code < slotCodes) {
-        const Slot slot = slotTable[static_cast<std::size_t>(code)];
-        if (slot != Slot::none && (tangentSlots & bitOf(slot)) != 0) {
-            m_entity.set(slot, m_groups.real());
-            return true;
-        }
-    }
-    return false;
 }
 
 /// What is assumed about a file that is not quite as it should be.

@@ -180,13 +180,14 @@ void EntityBuilder::addArc(const EntityGroups& groups) {
     appendNumbers(EntityKind::arc, groups, {centre.x, centre.y, centre.z, radius, start, end});
 }
 
-/// The ratio is at most 1 and not 0, as other readers have it.
+/// A ratio of 0 is taken as one that is nearly 0, as other readers have it. One above 1 is what it
+/// says: the axis called major is the shorter one.
 void EntityBuilder::addEllipse(const EntityGroups& groups) {
     constexpr double leastRatio = 1e-6;
     const Point centre(groups.real(Slot::x), groups.real(Slot::y), groups.real(Slot::z));
     const Vector major(groups.real(Slot::endX), groups.real(Slot::endY), groups.real(Slot::endZ));
     const double given = groups.real(Slot::number40, 1);
-    const double ratio = std::copysign(std::clamp(std::abs(given), leastRatio, 1.0), given);
+    const double ratio = std::copysign(std::max(std::abs(given), leastRatio), given);
     const double start = groups.real(Slot::number41);
     const double end = groups.real(Slot::number42, fullTurn);
     if (!groups.hasAny(slotSet(Slot::x, Slot::y)) || !(lengthOf(major) > leastRadius) ||

@@ -53,74 +53,34 @@ constexpr Slots slotSet(Some... some) {
     return (Slots{0} | ... | bitOf(some));
 }
 
-/// The slot of a group code, Slot::none for all others.
-constexpr Slot slotOf(int code) {
-    switch (code) {
-    case 10:
-        return Slot::x;
-    case 20:
-        return Slot::y;
-    case 30:
-        return Slot::z;
-    case 11:
-        return Slot::endX;
-    case 21:
-        return Slot::endY;
-    case 31:
-        return Slot::endZ;
-    case 12:
-        return Slot::startTangentX;
-    case 22:
-        return Slot::startTangentY;
-    case 32:
-        return Slot::startTangentZ;
-    case 13:
-        return Slot::endTangentX;
-    case 23:
-        return Slot::endTangentY;
-    case 33:
-        return Slot::endTangentZ;
-    case 38:
-        return Slot::elevation;
-    case 40:
-        return Slot::number40;
-    case 41:
-        return Slot::number41;
-    case 42:
-        return Slot::number42;
-    case 43:
-        return Slot::number43;
-    case 44:
-        return Slot::number44;
-    case 45:
-        return Slot::number45;
-    case 50:
-        return Slot::angle50;
-    case 51:
-        return Slot::angle51;
-    case 210:
-        return Slot::extrusionX;
-    case 220:
-        return Slot::extrusionY;
-    case 230:
-        return Slot::extrusionZ;
-    default:
-        return Slot::none;
+/// The group codes of the slots, in their order.
+constexpr std::array<int, slots> slotCodes = {10, 20, 30, 11, 21, 31, 12, 22, 32, 13,  23,  33,
+                                              38, 40, 41, 42, 43, 44, 45, 50, 51, 210, 220, 230};
+
+constexpr std::size_t slotTableSize = 231;
+
+constexpr std::array<Slot, slotTableSize> makeSlotTable() {
+    std::array<Slot, slotTableSize> table{};
+    for (Slot& slot : table) {
+        slot = Slot::none;
     }
-}
-
-constexpr int slotCodes = 231;
-
-/// slotOf() as a table.
-constexpr std::array<Slot, slotCodes> makeSlotTable() {
-    std::array<Slot, slotCodes> table{};
-    for (int code = 0; code < slotCodes; ++code) {
-        table[static_cast<std::size_t>(code)] = slotOf(code);
+    for (std::size_t i = 0; i < slots; ++i) {
+        table[static_cast<std::size_t>(slotCodes[i])] = static_cast<Slot>(i);
     }
     return table;
 }
 
-inline constexpr std::array<Slot, slotCodes> slotTable = makeSlotTable();
+inline constexpr std::array<Slot, slotTableSize> slotTable = makeSlotTable();
+
+/// The slot of a group code, Slot::none for all others.
+constexpr Slot slotOf(int code) {
+    const auto place = static_cast<std::size_t>(code);
+    return code >= 0 && place < slotTableSize ? slotTable[place] : Slot::none;
+}
+
+static_assert(slotOf(10) == Slot::x && slotOf(38) == Slot::elevation &&
+              slotOf(45) == Slot::number45 && slotOf(230) == Slot::extrusionZ &&
+              slotOf(999) == Slot::none && slotOf(-5) == Slot::none);
 
 /// What any entity has.
 struct EntityAttributes {

@@ -44,6 +44,7 @@ private:
     static constexpr std::uint32_t noNumber = 0xFFFFFFFF;
 
     void checkSize();
+    std::uint64_t verticesInFile() const;
     void walk(const Contents& stretch, const Affine& map);
     const Entity* drawUpToInsert(Visit& visit);
     void draw(const Entity& entity, std::size_t index, Visit& visit);
@@ -84,10 +85,11 @@ Expansion Expander::expand(const Affine& map) && {
 
 /// Refuses a drawing whose blocks multiply beyond what is allowed, and reserves memory for others.
 void Expander::checkSize() {
-    std::uint64_t drawn = 0;
+    BlockGraph::Weight all;
     for (const Contents& stretch : m_drawing.stretches) {
         const BlockGraph::Weight weight = m_graph.weightOf(stretch);
-        drawn = saturatingSum(drawn, weight.drawn);
+        all.drawn = saturatingSum(all.drawn, weight.drawn);
+        all.vertices = saturatingSum(all.vertices, weight.vertices);
         m_allSteps = saturatingSum(m_allSteps, saturatingSum(weight.steps, weight.listSteps));
     }
     // Numbers of entities are short.
@@ -96,16 +98,27 @@ void Expander::checkSize() {
     constexpr std::uint64_t stepsPerEntity = 4;
     const std::uint64_t maximum = std::min<std::uint64_t>(m_options.maximumEntities, most);
     const std::uint64_t inFile = m_drawing.entities.size() + m_drawing.notDrawn.size();
-    if (drawn > maximum ||
+    if (all.drawn > maximum ||
         m_allSteps > saturatingSum(saturatingProduct(stepsPerEntity, maximum), inFile)) {
         throw Refusal{"more than " + std::to_string(m_options.maximumEntities) +
                       " entities when all blocks are drawn"};
     }
-    // Each draws a point at least.
-    if (drawn > m_options.maximumPoints) {
+    // Each entity draws a point at least, and equal vertices no more.
+    constexpr std::uint64_t verticesPerPoint = 4;
+    if (all.drawn > m_options.maximumPoints ||
+        all.vertices > saturatingSum(saturatingProduct(verticesPerPoint, m_options.maximumPoints),
+                                     verticesInFile())) {
         throw Refusal{"more than " + std::to_string(m_options.maximumPoints) + " points"};
     }
-    base::reserveLarge(m_expansion.drawn, drawn);
+    base::reserveLarge(m_expansion.drawn, all.drawn);
+}
+
+std::uint64_t Expander::verticesInFile() const {
+    std::uint64_t vertices = 0;
+    for (const Entity& entity : m_drawing.entities) {
+        vertices += entity.kind == EntityKind::insert ? 0 : verticesOf(entity, m_drawing);
+    }
+    return vertices;
 }
 
 void Expander::walk(const Contents& stretch, const Affine& map) {

@@ -121,6 +121,9 @@ TolerantReal readTolerantReal(std::string_view text) {
     }
     std::copy(text.begin(), text.end(), copy.begin());
     char* const end = copy.data() + text.size();
+    // As Fortran writes an exponent.
+    std::replace_if(
+        copy.data(), end, [](char c) { return c == 'd' || c == 'D'; }, 'e');
     char* const comma = std::find(copy.data(), end, ',');
     const bool hasComma = comma != end;
     if (hasComma) {
@@ -133,8 +136,8 @@ TolerantReal readTolerantReal(std::string_view text) {
     }
     // The library leaves the number as it was when it is out of range, on either side.
     if (error == std::errc::result_out_of_range) {
-        const bool isSmall =
-            text.find("e-") != std::string_view::npos || text.find("E-") != std::string_view::npos;
+        // Of the exponent.
+        const bool isSmall = text.find('-', 1) != std::string_view::npos;
         return {isSmall ? 0.0 : none, hasComma};
     }
     return {error == std::errc() ? number : none, hasComma};
