@@ -142,7 +142,9 @@ class Maker:
         elif name == "face":
             element.properties = [("vertex_indices", "uchar", "int")]
         else:
-            element.properties = [("a%d" % i, self.kind()) for i in range(self.rng.randrange(4))]
+            # VTK falls over an element without properties.
+            element.properties = [("a%d" % i, self.kind())
+                                  for i in range(self.rng.randrange(1 if self.plain else 0, 4))]
         if not self.plain:
             for i in range(self.rng.choice([0, 0, 1, 2])):
                 element.properties.insert(self.rng.randrange(len(element.properties) + 1),
