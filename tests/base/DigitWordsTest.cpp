@@ -128,7 +128,7 @@ TEST(DigitWordsTest, SplitsEveryNumberOfUpToEightDigits) {
     // Each half on its own goes through all its values.
     for (std::uint32_t half = 0; half < 10000; ++half) {
         expectSplit(half);
-        expectSplit(half * 10000 + random() % 10000);
+        expectSplit(half * 10000 + static_cast<std::uint32_t>(random() % 10000));
     }
 }
 

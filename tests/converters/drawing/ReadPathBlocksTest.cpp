@@ -274,8 +274,7 @@ TEST(ReadPathBlocks, OfEqualVerticesAreNotFollowedWithoutEnd) {
     options.maximumPoints = 100'000;
     for (const std::string& dot : {"0 LWPOLYLINE  70 0" + vertices, "0 SPLINE  71 3" + vertices}) {
         const auto drawn = [&](int columns) {
-            return drawing(block("a", dot),
-                           "0 INSERT  2 a  44 1  70 " + std::to_string(columns));
+            return drawing(block("a", dot), "0 INSERT  2 a  44 1  70 " + std::to_string(columns));
         };
         EXPECT_EQ(refusalOf(drawn(400), options), "");
         EXPECT_EQ(refusalOf(drawn(402), options), "more than 100000 points");

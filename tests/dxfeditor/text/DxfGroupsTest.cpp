@@ -91,7 +91,7 @@ std::string randomText(Random& random) {
     const std::vector<std::string> ends = {"\n", "\n", "\r\n", "\r\r\n"};
     const std::string& usualEnd = random.pick(ends);
     std::string text;
-    for (int i = random.below(60); i > 0; --i) {
+    for (std::size_t i = random.below(60); i > 0; --i) {
         text += random.oneIn(40) ? std::string(1000 + random.below(std::size_t{50}), '1')
                                  : random.pick(lines);
         text += random.oneIn(8) ? random.pick(ends) : usualEnd;
