@@ -188,27 +188,6 @@ SplinePlace placeOn(SplineCurves& curves, double parameter, std::size_t span) {
     return {parameter, span, project(point), point.weight};
 }
 
-double likelyStep(SplineCurves& curves, const SplinePlace& from, const SamplingLimits& limits) {
-    constexpr double safely = 0.93;
-    const SplineCurves::Span& span = curves.span(from.span);
-    const double width = curves.spans().width(from.span);
-    const double part = (from.parameter - curves.spans().knot(from.span)) / width;
-    const Homogeneous first = span.curve.derivative().at(part);
-    const Vector velocity = first.place() - first.weight * from.point;
-    const double speed = lengthOf(velocity);
-    const auto turnAt = [&](double where) {
-        const Homogeneous second = span.second.at(where);
-        const Vector change = second.place() - second.weight * from.point;
-        return lengthOf(change.cross(velocity)) / speed;
-    };
-    const double allowed = 8 * safely * limits.tolerance * from.weight;
-    const double here = turnAt(part);
-    const double there = turnAt(std::min(part + std::sqrt(allowed / here) / width, 1.0));
-    // The speed is that by the parameter of [0, 1].
-    return std::min(std::sqrt(allowed / std::max(here, there)),
-                    safely * limits.step * from.weight * width / speed);
-}
-
 double excessOf(SplineCurves& curves, const SplinePlace& from, const SplinePlace& to,
                 const SamplingLimits& limits) {
     Chord chord = chordBetween(from.point, to.point);

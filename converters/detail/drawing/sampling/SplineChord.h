@@ -23,12 +23,12 @@ public:
 
     const SplineSpans& spans() const { return m_spans; }
 
-    /// The span with this index, which is not empty. Valid until another is asked for.
+    /// The span with this index, which is not empty. Valid until the next but seven.
     const Span& span(std::size_t index);
 
 private:
     const SplineSpans& m_spans;
-    std::array<Span, 32> m_kept;
+    std::array<Span, 8> m_kept;
 };
 
 /// A place on a spline.
@@ -42,10 +42,6 @@ struct SplinePlace {
 
 /// The place at a parameter in this span.
 SplinePlace placeOn(SplineCurves& curves, double parameter, std::size_t span);
-
-/// About the longest step from a place that keeps the limits, as far as its own span tells.
-/// Infinite where the curve is straight.
-double likelyStep(SplineCurves& curves, const SplinePlace& from, const SamplingLimits& limits);
 
 /// What the chord between two places takes of the limits; at most 1 is proven to keep them.
 /// Infinite where nothing is known.

@@ -32,7 +32,7 @@ public:
             corners.size() == 1 && distance(m_spans.start(), m_spans.end()) <= m_limits.tolerance;
         m_longestStep = loops ? (first - m_spans.from()) / 3 : first - m_spans.from();
         for (const double corner : corners) {
-            m_guess = 0;
+            m_guess = corner - m_here.parameter;
             if (!walkTo(corner, corner == corners.back()) || !jump()) {
                 return false;
             }
@@ -72,14 +72,6 @@ private:
             return std::nullopt;
         }
         return place.parameter == parameter ? place : placeAt(parameter);
-    }
-
-    /// What the present span tells, as far as it goes, and then what the last step told.
-    double guess(double rest) {
-        const double likely = likelyStep(m_curves, m_here, m_limits);
-        const bool within = m_here.parameter + likely <= m_spans.knot(m_here.span + 1);
-        const double guess = within || !(m_guess > 0) ? likely : m_guess;
-        return guess > 0 ? std::max(guess, m_leastStep) : rest;
     }
 
     bool walkTo(double corner, bool isEnd) {
