@@ -169,7 +169,8 @@ struct PathContour {
     std::size_t firstPiece;
     /// Behind its last piece.
     std::size_t endPiece;
-    /// Indexes into DrawingPath::entities: the first entity, and behind the last one.
+    /// Indexes into DrawingPath::entities: the first entity, and behind the last one. An entity
+    /// without extent that lies on an end of another is of that one's contour, and has no piece.
     std::size_t firstEntity;
     /// Behind its last entity.
     std::size_t endEntity;
@@ -250,7 +251,6 @@ struct DrawingPath {
     std::vector<PathLayer> layers;
     /// In the order in which the kinds came up.
     std::vector<LeftOut> leftOut;
-    /// Of the coordinates here.
     /// What the reader had to assume, in words for a person: "the drawing names no unit; its
     /// numbers are taken as millimetres".
     std::vector<std::string> notes;
@@ -272,7 +272,8 @@ struct DrawingPath {
 enum class PathOrder : std::uint8_t {
     /// Contours in the order of their first entity, and in its direction.
     drawn,
-    /// The ways between contours made short; contours may be reversed, closed ones start elsewhere.
+    /// The ways between contours made short, beginning near the origin; contours may be reversed,
+    /// closed ones start elsewhere.
     nearest,
     /// Contours inside others before these, nearest among equals: as cutters need it.
     insideFirst

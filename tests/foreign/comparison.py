@@ -72,6 +72,18 @@ class Path:
             runs[key(self.dump["entities"][entity])].append(self.points[first:last + 1])
         return runs
 
+    def pieceless(self):
+        """Entities without a piece, by their indexes: those without extent on others' ends."""
+        return set(range(len(self.dump["entities"]))) - set(self.pieces[:, 4])
+
+    def ends_with_pieceless(self):
+        """(entity's row, ends of pieces of its contour) of each entity without a piece."""
+        pieceless = self.pieceless()
+        for contour in self.dump["contours"]:
+            for entity in pieceless.intersection(range(*contour["entities"])):
+                rows = self.pieces[slice(*contour["pieces"])]
+                yield self.dump["entities"][entity], self.points[np.unique(rows[:, :2])]
+
     def layer_of(self, entity):
         return self.dump["layers"][entity[3]]["name"]
 
@@ -264,7 +276,7 @@ def chain_findings(path, join):
         if len(points) > 1 and not np.diff(points, axis=0).any(axis=1).all():
             findings.append(f"contour {number}: a point is there twice")
         entities = set(range(*contour["entities"]))
-        if set(rows[:, 4]) != entities:
+        if set(rows[:, 4]) != entities - path.pieceless():
             findings.append(f"contour {number}: its pieces are not of its entities")
         length = length_of([points])
         if contour["length"] < length * (1 - 1e-4) - join:

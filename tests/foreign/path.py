@@ -137,6 +137,11 @@ def reference_findings(path, drawn, options, spread):
         theirs[key].append(options.applied(strand.points))
         layers.setdefault(key, set()).add(strand.layer.casefold())
     ours = path.runs_by(lambda entity: (entity[0], entity[1]))
+    for entity, ends in path.ends_with_pieceless():
+        # Where it should be, and no longer than that: a dot.
+        dot = theirs.get((entity[0], entity[1]), [ends])[0][0]
+        nearest = np.linalg.norm(ends - dot, axis=1).argmin()
+        ours[(entity[0], entity[1])].append(ends[nearest:nearest + 1])
     rounding = 1e-9 * spread + options.join
     findings = comparison.compare(ours, theirs, drawn.deviation * options.factor + rounding,
                                   options.tolerance + drawn.deviation * options.factor + rounding)

@@ -271,6 +271,8 @@ class Reference:
                 self._walk_insert(entity, matrix, layer, insert, chain, why)
             elif kind == "POLYLINE" and not (entity.is_2d_polyline or entity.is_3d_polyline):
                 self.left_out[(kind, "mesh")] += 1
+            elif kind == "ATTDEF" and chain and not entity.is_const:
+                pass  # What an INSERT draws of it are its ATTRIBs.
             elif kind not in KINDS:
                 self.left_out[(kind, "no path")] += 1
             elif why:

@@ -310,6 +310,28 @@ TEST(SplineCornersTest, AreWhereAsManyControlPointsAsTheDegreeAreEqual) {
     EXPECT_NE(std::find(points.begin(), points.end(), Point(2, 2, 0)), points.end());
 }
 
+TEST(SamplingTest, ACornerWhereACurveStandsStillIsThereOnce) {
+    // Four equal control points make a whole span one point, but for rounding.
+    const Point corners[] = {{-122.79772, 41.66468, 0},
+                             {-127.14778, 41.66468, 0},
+                             {-128.87016, 46.21777, 0},
+                             {-135.05403, 61.66474, 0}};
+    BSpline spline{3, {0, 0, 0}, {}, {}};
+    for (const Point& corner : corners) {
+        spline.controlPoints.insert(spline.controlPoints.end(), 4, corner);
+    }
+    for (int i = 0; i < 14; ++i) {
+        spline.knots.push_back(i / 29.0);
+    }
+    spline.knots.insert(spline.knots.end(), 3, 13 / 29.0);
+    const Points points = sampled(spline, {10});
+    ASSERT_EQ(points.size(), 4U);
+    for (std::size_t i = 0; i < 4; ++i) {
+        EXPECT_LE(distance(points[i], corners[i]), 1e-13) << i;
+    }
+    EXPECT_EQ(points.back(), corners[3]);
+}
+
 TEST(SplineCornersTest, SmoothCurvesHaveNoneButTheirEnd) {
     RandomCurves random(7);
     for (int i = 0; i < 300; ++i) {

@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cmath>
 #include <optional>
+#include <utility>
 
 namespace converters::drawing {
 
@@ -19,7 +20,8 @@ class Walk {
 public:
     Walk(const BSpline& spline, const SamplingLimits& limits, PointSink& sink)
         : m_spans(spline), m_curves(m_spans), m_limits(limits), m_sink(sink),
-          m_here(placeOn(m_curves, m_spans.from(), m_spans.spanOf(m_spans.from()))) {
+          m_here(placeOn(m_curves, m_spans.from(), m_spans.spanOf(m_spans.from()))),
+          m_last(m_here.point) {
         const double most = std::max(std::fabs(m_spans.from()), std::fabs(m_spans.to()));
         m_leastStep = std::max(0x1p-50 * most, 0x1p-60 * (m_spans.to() - m_spans.from()));
     }
@@ -82,7 +84,7 @@ private:
             }
             m_here = *place;
             const bool ended = isEnd && m_here.parameter == corner;
-            if (!m_sink.take([&] { return ended ? m_spans.end() : m_here.point; })) {
+            if (!(ended ? takeEnd() : take(m_here.point))) {
                 return false;
             }
         }
@@ -96,10 +98,40 @@ private:
         if (span == m_here.span || m_here.parameter >= m_spans.to()) {
             return true;
         }
-        const Point before = m_here.point;
         m_here = placeOn(m_curves, m_here.parameter, span);
         const bool broken = m_spans.knot(span - m_spans.degree()) == m_here.parameter;
-        return !broken || before == m_here.point || m_sink.take([&] { return m_here.point; });
+        return !broken || take(m_here.point);
+    }
+
+    /// Takes a point, but none twice: where all control points of a span are one, the curve stands
+    /// still.
+    bool take(const Point& point) {
+        if (isWhereLastWas(point)) {
+            return true;
+        }
+        if (!takeWaiting()) {
+            return false;
+        }
+        m_last = point;
+        m_isWaiting = true;
+        return true;
+    }
+
+    bool takeEnd() {
+        const Point end = m_spans.end();
+        return ((m_isWaiting && isWhereLastWas(end)) || takeWaiting()) &&
+               m_sink.take([&] { return end; });
+    }
+
+    bool takeWaiting() {
+        return !std::exchange(m_isWaiting, false) || m_sink.take([&] { return m_last; });
+    }
+
+    /// But for rounding.
+    bool isWhereLastWas(const Point& point) const {
+        constexpr double rounding = 1e-15;
+        const double size = std::fabs(point.x) + std::fabs(point.y) + std::fabs(point.z);
+        return distance(point, m_last) <= rounding * size;
     }
 
     const SplineSpans m_spans;
@@ -107,6 +139,9 @@ private:
     const SamplingLimits& m_limits;
     PointSink& m_sink;
     SplinePlace m_here;
+    /// The point taken last; it waits for the next, since the end may take its place.
+    Point m_last;
+    bool m_isWaiting = false;
     double m_leastStep = 0;
     double m_longestStep = 0;
     double m_guess = 0;
