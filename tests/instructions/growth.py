@@ -16,9 +16,11 @@ from counts import count  # pylint: disable=wrong-import-position
 # Ten times in proportion, a little more where things are sorted, a hundred times where the cost goes
 # with the square.
 MOST = 20
-# De Boor's algorithm takes half the square of the degree, for each point.
+# De Boor's algorithm takes half the square of the degree, for each point. Blocks are gone through
+# as often as they are inserted, which PathOptions::maximumEntities bounds.
 MOST_OF_SQUARE = 110
-SQUARE = {"DegreeOfASpline", "path-OneSplineOfAHighDegree"}
+DEPTHS = "path-TheDepthsOfBlocksInBlocksEachInserted"
+SQUARE = {"DegreeOfASpline", "path-OneSplineOfAHighDegree", DEPTHS, DEPTHS + "-inside-first"}
 
 
 def main():
