@@ -147,8 +147,12 @@ TEST_F(CloudconvCheck, FindsNoDuplicateInWhatIsOnlyAPart) {
 
 TEST_F(CloudconvCheck, FindsEntitiesWithoutExtent) {
     expectFound(named(line(3, 4, 3, 4), "7", "0") + line(0, 0, 1, 0) + line(1, 0, 1, 0),
-                {"without extent: LINE on layer 0 at (1, 0) has no extent",
-                 "without extent: LINE 7 on layer 0 at (3, 4) has no extent"});
+                {"without extent: LINE 7 on layer 0 at (3, 4) has no extent",
+                 "without extent: LINE on layer 0 at (1, 0) has no extent"});
+    expectFound(line(3, 4, 3, 4) + pointAt(3, 4, 0) + line(3, 4, 3, 4),
+                {"without extent: LINE on layer 0 at (3, 4) has no extent",
+                 "without extent: LINE on layer 0 at (3, 4) has no extent"});
+    expectFound(pointAt(3, 4, 0), {});
 }
 
 TEST_F(CloudconvCheck, FindsGeometryThatIsLeftOutAndMentionsAnnotation) {

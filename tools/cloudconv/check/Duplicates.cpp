@@ -255,9 +255,8 @@ Key Comparison::keyOf(const PathSpline& spline) {
 } // namespace
 
 bool isDot(const DrawingPath& path, const EntityPieces& entity) {
-    const PathPiece& piece = path.pieces[entity.first];
-    return entity.end - entity.first == 1 && piece.kind != PathCurveKind::point &&
-           piece.firstPoint == piece.lastPoint;
+    return path.pieces[entity.first].kind == PathCurveKind::point &&
+           path.entities[entity.entity].kind != converters::PathEntityKind::point;
 }
 
 std::vector<EntityPieces> piecesOfEntities(const DrawingPath& path) {
