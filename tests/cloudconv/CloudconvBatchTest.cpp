@@ -115,8 +115,8 @@ TEST_F(CloudconvBatch, ConvertsAllFilesButThoseThatFailAndThoseWhenRepaired) {
     EXPECT_EQ(first.status, badCount());
     expectOutputs(false);
     for (int i = 0; i < m_count; ++i) {
-        const std::string failure =
-            "cloudconv: drawings/part " + std::to_string(i) + ".dxf: not a DXF text\n";
+        const std::string failure = "cloudconv: drawings/part " + std::to_string(i) +
+                                    ".dxf: no DXF file: no section begins in it\n";
         EXPECT_EQ(first.errors.find(failure) != std::string::npos, isBad(i));
     }
     EXPECT_EQ(linesOf(runRecipe("What failed").output), badCount());

@@ -64,9 +64,11 @@ TEST_F(CloudconvPath, FollowsTheOptions) {
     EXPECT_EQ(xyzOf(file, {"--except-layer", "aux*"}), "0 0 0 1\n10 0 0 1\n");
     EXPECT_EQ(xyzOf(file, {"--layer", "AUX ?", "--axes", "plain"}), "0 0 5 1\n20 0 5 1\n");
     EXPECT_EQ(xyzOf(file, {"--layer", "0", "--step", "5"}), "0 0 0 1\n5 0 0 1\n10 0 0 1\n");
-    EXPECT_EQ(xyzOf(file, {"--layer", "0", "--layer", "aux 1", "--order", "nearest"}),
-              "0 0 0 1\n10 0 0 1\n20 5 0 2\n0 5 0 2\n");
-    const ProgramResult result = run({in("in.dxf"), in("out.ply"), "--max-points", "3"});
+    EXPECT_EQ(xyzOf(file, {"--layer", "0", "--layer", "aux 1"}),
+              "0 0 0 1\n10 0 0 1\n0 5 0 2\n20 5 0 2\n");
+    EXPECT_EQ(xyzOf(inMillimetres(line(0, 0, 10, 0) + line(0, 5, 12, 5)), {"--order", "nearest"}),
+              "0 0 0 1\n10 0 0 1\n12 5 0 2\n0 5 0 2\n");
+    const ProgramResult result = run({drawingFile(file), in("out.ply"), "--max-points", "3"});
     EXPECT_EQ(result.status, 1);
     EXPECT_THAT(result.errors, HasSubstr("more than 3 points"));
 }
@@ -87,7 +89,7 @@ TEST_F(CloudconvPath, SaysWhatIsLeftOutAndWhy) {
     const ProgramResult result = run({file, in("out.ply"), "--except-layer", "aux"});
     EXPECT_EQ(result.status, 0);
     EXPECT_THAT(result.errors, HasSubstr("left out: 1 TEXT (annotation); "));
-    EXPECT_THAT(result.errors, HasSubstr("1 of layer AUX (on a layer not asked for)"));
+    EXPECT_THAT(result.errors, HasSubstr("1 LINE (on a layer not asked for: AUX)"));
     EXPECT_THAT(result.errors, HasSubstr("1 INSERT (of a missing block)"));
     EXPECT_EQ(run({file, in("out.ply"), "--quiet"}).errors, "");
 }
@@ -95,7 +97,7 @@ TEST_F(CloudconvPath, SaysWhatIsLeftOutAndWhy) {
 TEST_F(CloudconvPath, FailsWhenNothingIsLeftButNotOfAnEmptyDrawing) {
     const fs::path file = drawingFile(drawing({"0", "TEXT", "8", "0", "1", "a"}));
     expectFailure(file, in("out.ply"),
-                  file.string() + ": nothing is left to follow: left out: 1 TEXT (annotation)");
+                  file.string() + ": nothing is left to follow; left out: 1 TEXT (annotation)");
     EXPECT_THAT(converted(drawing({}), ".ply"), HasSubstr("element vertex 0\n"));
 }
 
