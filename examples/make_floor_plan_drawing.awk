@@ -1,4 +1,4 @@
-# Prints floor_plan.dxf: a floor of an office in millimetres, 355 contours on eight layers, with what
+# Prints floor_plan.dxf: a floor of an office in millimetres, 341 contours on seven layers, with what
 # a floor plan has besides: names of rooms, which no tool follows, and a frozen layer.
 #
 #   awk -f dxf.awk -f make_floor_plan_drawing.awk > floor_plan.dxf
