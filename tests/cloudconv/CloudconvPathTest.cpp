@@ -57,6 +57,18 @@ TEST_F(CloudconvPath, WritesOneRowOfPointsAsPly) {
               "property float intensity\nend_header\n0 0 0 1\n0.5 2 0 1\n");
 }
 
+TEST_F(CloudconvPath, WritesContoursAsPolylinesOnTheirLayersIntoADrawing) {
+    const std::string drawn =
+        inMillimetres(onLayer(line(0, 0, 3, 0), "cut") + onLayer(line(3, 0, 3, 4), "cut"));
+    const std::string written = converted(drawn, ".dxf");
+    EXPECT_THAT(written, HasSubstr("POLYLINE\n  8\ncut\n"));
+    EXPECT_THAT(written, ::testing::Not(HasSubstr("POINT\n")));
+    writeFile(in("again.dxf"), written);
+    const ProgramResult result = run({in("again.dxf"), in("again.xyz")});
+    EXPECT_EQ(result.status, 0) << result.errors;
+    EXPECT_EQ(readFile(in("again.xyz")), "0 0 0 1\n3 0 0 1\n3 4 0 1\n");
+}
+
 TEST_F(CloudconvPath, FollowsTheOptions) {
     const std::string file = inMillimetres(line(0, 0, 10, 0) + onLayer(line(0, 5, 20, 5), "Aux 1"));
     EXPECT_EQ(xyzOf(file, {"--unit", "cm"}), "0 0 0 1\n1 0 0 1\n0 0.5 0 2\n2 0.5 0 2\n");

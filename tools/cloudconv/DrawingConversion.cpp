@@ -1,6 +1,8 @@
 #include "tools/cloudconv/DrawingConversion.h"
 
+#include "converters/PathDrawing.h"
 #include "converters/ScanWriter.h"
+#include "dxfeditor/DXFWriter.h"
 #include "tools/cloudconv/FileError.h"
 #include "tools/cloudconv/InputFile.h"
 #include "tools/cloudconv/LeftOutText.h"
@@ -16,6 +18,8 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdio>
+#include <memory>
+#include <string>
 #include <vector>
 
 namespace {
@@ -104,10 +108,27 @@ void tell(const DrawingPath& path, const ConvertOptions& options, FileFormat to,
     if (to == FileFormat::Ply) {
         tellWhatRoundingCosts(path, notes);
     }
+    if (to == FileFormat::Dxf && path.unit != converters::LengthUnit::none) {
+        notes.add("a drawing of release R12 names no unit; coordinates are in " +
+                  shortName(path.unit));
+    }
+}
+
+/// Contours become polylines, not as many points.
+void writeDrawing(const DrawingPath& path, OutputFile& file, const std::string& name) {
+    const std::shared_ptr<DXFDocument> drawing = converters::drawingOf(path);
+    if (!DXFWriter(*drawing).saveTo(file.descriptor(), name)) {
+        throw FileError(name, "cannot be written");
+    }
 }
 
 void write(const DrawingPath& path, const ConvertOptions& options, FileFormat to) {
     OutputFile file(options.output);
+    if (to == FileFormat::Dxf) {
+        writeDrawing(path, file, outputName(options.output));
+        file.commit();
+        return;
+    }
     converters::ScanWriteOptions writing;
     writing.digits = options.digits;
     const converters::ScanOutput output = pointOutputOf(to, options.ascii);

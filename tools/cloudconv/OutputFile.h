@@ -37,6 +37,9 @@ public:
     /// Appends bytes.
     void write(const void* bytes, std::size_t size);
 
+    /// For those that write by themselves; stays this object's.
+    int descriptor() const { return m_descriptor; }
+
     /// Waits until all bytes are on the disk and puts the file in its place. Nothing can be
     /// written afterwards.
     void commit();
