@@ -7,6 +7,8 @@
 
 #include <gmock/gmock.h>
 
+#include <cmath>
+#include <cstdio>
 #include <iterator>
 #include <sstream>
 #include <vector>
@@ -103,6 +105,86 @@ TEST_F(Examples, DrawingToWalkTellsThatItCannotRead) {
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.errors, "drawing_to_walk: cannot read " + file("missing.dxf") + '\n');
     EXPECT_EQ(runExample(DRAWING_TO_WALK, {}).status, 2);
+}
+
+/// An open contour in millimetres: a straight line, and a quarter of a circle on another layer; and
+/// a text.
+const std::string slotDrawing = "0\nSECTION\n2\nHEADER\n9\n$INSUNITS\n70\n4\n0\nENDSEC\n"
+                                "0\nSECTION\n2\nENTITIES\n"
+                                "0\nLINE\n8\ncut\n10\n0\n20\n0\n11\n3\n21\n0\n"
+                                "0\nARC\n8\nround\n10\n3\n20\n2\n40\n2\n50\n270\n51\n0\n"
+                                "0\nTEXT\n8\nnotes\n10\n0\n20\n0\n1\nslot\n"
+                                "0\nENDSEC\n0\nEOF\n";
+
+TEST_F(Examples, DrawingToMovesPrintsLinesAndArcs) {
+    const ProgramResult result = runExample(DRAWING_TO_MOVES, {fileOf("slot.dxf", slotDrawing)});
+    EXPECT_EQ(result.status, 0) << result.errors;
+    EXPECT_EQ(result.output, "go to 0 0 0: open contour on layer cut, 6.14159 long\n"
+                             "line to 3 0 0\n"
+                             "arc to 5 2 0 about 3 2 0, axis 0 0 1, 90 degrees\n");
+    EXPECT_EQ(result.errors, "left out: 1 TEXT on layer notes (annotation)\n");
+}
+
+TEST_F(Examples, DrawingToMovesTellsWhyItCannotRead) {
+    const ProgramResult result = runExample(DRAWING_TO_MOVES, {fileOf("not.dxf", "\x89PNG")});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(result.errors, HasSubstr("not.dxf: no DXF file"));
+    EXPECT_EQ(runExample(DRAWING_TO_MOVES, {}).status, 2);
+}
+
+TEST_F(Examples, RobotLoopMovesAsFarInEachTickAsTheSpeedSays) {
+    const ProgramResult result =
+        runExample(ROBOT_LOOP, {fileOf("slot.dxf", slotDrawing), "10", "0.1"});
+    EXPECT_EQ(result.status, 0) << result.errors;
+    // 6.14 mm at 10 mm/s are seven ticks, of which the last ones lie on the arc.
+    std::istringstream lines(result.output);
+    std::vector<std::string> all;
+    for (std::string line; std::getline(lines, line);) {
+        all.push_back(line);
+    }
+    ASSERT_EQ(all.size(), 7U);
+    EXPECT_EQ(all[0], "0,0,0,0,1");
+    EXPECT_EQ(all[1], "0.1,1,0,0,1");
+    EXPECT_EQ(all[3], "0.3,3,0,0,1");
+    double x = 0;
+    double y = 0;
+    ASSERT_EQ(std::sscanf(all[6].c_str(), "0.6,%lf,%lf,0,1", &x, &y), 2) << all[6];
+    EXPECT_NEAR(std::hypot(x - 3, y - 2), 2, 0.02);
+    EXPECT_NEAR(std::atan2(y - 2, x - 3), -0.0708, 0.01);
+}
+
+TEST_F(Examples, RobotLoopTellsWhatIsWrong) {
+    EXPECT_EQ(runExample(ROBOT_LOOP, {file("missing.dxf"), "10", "0.1"}).status, 1);
+    EXPECT_EQ(runExample(ROBOT_LOOP, {file("missing.dxf"), "0", "0.1"}).status, 2);
+    EXPECT_EQ(runExample(ROBOT_LOOP, {file("missing.dxf")}).status, 2);
+    const std::string empty = fileOf("empty.dxf", "0\nSECTION\n2\nENTITIES\n0\nENDSEC\n0\nEOF\n");
+    const ProgramResult nothing = runExample(ROBOT_LOOP, {empty, "10", "0.1"});
+    EXPECT_EQ(nothing.status, 1);
+    EXPECT_THAT(nothing.errors, HasSubstr("empty.dxf: nothing to follow"));
+}
+
+TEST_F(Examples, ScanToBoundsReadsScansOfOtherPrograms) {
+    const std::string scan =
+        fileOf("mesh.ply", "ply\nformat ascii 1.0\nelement vertex 3\nproperty double x\n"
+                           "property double y\nproperty double z\nproperty uchar red\n"
+                           "element face 1\nproperty list uchar int vertex_indices\nend_header\n"
+                           "4512000.25 1 2 9\n4512001.5 -3 nan 9\n4512003.75 5 -7 9\n3 0 1 2\n");
+    const ProgramResult result = runExample(SCAN_TO_BOUNDS, {scan});
+    EXPECT_EQ(result.status, 0) << result.errors;
+    EXPECT_EQ(result.output, "x 4512000.25 to 4512003.75\ny 1 to 5\nz -7 to 2\n");
+    EXPECT_THAT(result.errors, HasSubstr("3 points, ascii\nvertex x, double\n"));
+    EXPECT_THAT(result.errors, HasSubstr("face vertex_indices, int: not read\n"));
+}
+
+TEST_F(Examples, ScanToBoundsTellsWhyItCannotRead) {
+    const std::string scan =
+        fileOf("comma.ply", "ply\nformat ascii 1.0\nelement vertex 1\nproperty float x\n"
+                            "property float y\nproperty float z\nend_header\n1,5 2 3\n");
+    const ProgramResult result = runExample(SCAN_TO_BOUNDS, {scan});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.errors,
+              "scan_to_bounds: " + scan + ": line 8: '1,5' is no number; a decimal comma?\n");
+    EXPECT_EQ(runExample(SCAN_TO_BOUNDS, {}).status, 2);
 }
 
 TEST_F(Examples, CloudToDrawingLeavesOutMissingPoints) {
