@@ -94,9 +94,19 @@ install(
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig
   COMPONENT development)
 
-if(NOT CONVERTERS_DEBIAN_LAYOUT)
+# The documents, in Debian in the folder of the package that needs them.
+set(_documents_dir ${CMAKE_INSTALL_DOCDIR})
+if(CONVERTERS_DEBIAN_LAYOUT)
+  set(_documents_dir ${CMAKE_INSTALL_DATAROOTDIR}/doc/libconverters-dev)
+else()
   install(
     FILES ${PROJECT_SOURCE_DIR}/docs/licences.md
     DESTINATION ${CMAKE_INSTALL_DOCDIR}
     COMPONENT runtime)
 endif()
+foreach(_document IN ITEMS batches formats security threads walk)
+  install(
+    FILES ${PROJECT_SOURCE_DIR}/docs/${_document}.md
+    DESTINATION ${_documents_dir}
+    COMPONENT development)
+endforeach()

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Installs what is missing, builds, and runs the main job on samples: a drawing becomes a walk of
-# points, a scan becomes a drawing, a scan is written in both forms of PLY, and a drawing whose outline
-# is broken is checked and drawn.
+# Installs what is missing, builds, and runs the main job on samples: a drawing becomes its path,
+# beside the walk by fixed rules, a scan becomes a drawing, a scan is written in both forms of PLY,
+# and a drawing whose outline is broken is checked and drawn.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -34,12 +34,31 @@ kinds() {
     grep -vwE 'SECTION|ENDSEC|TABLE|ENDTAB|SEQEND|EOF' | sort -k 2
 }
 
-echo "== A drawing becomes a walk of points"
+# points FILE: counts the contours and points of an ASCII PLY file, and shows the first and the last.
+points() {
+  sed '1,/^end_header/d' "$1" |
+    awk '{ if ($4 != contour) ++contours; contour = $4 } NR == 1 { first = $0 } { last = $0 }
+         END { print "    " contours, "contours,", NR, "points: from", first; print "    to", last }'
+}
+
+echo "== A drawing becomes its path: points along the contours (x y z, and the contour's number)"
 kinds "$drawing"
 run "$cloudconv" "$drawing" "$out/plate.ply" --ascii
 describe "$out/plate.ply"
-echo "The first two points (x y z, and the number of the contour) and the last two:"
-sed '1,/^end_header/d' "$out/plate.ply" | sed -n '1,2p;$!{h;d};H;x;p' | sed 's/^/    /'
+points "$out/plate.ply"
+
+echo
+echo "== The same drawing in two ways: its path, and the walk by the fixed rules of fromDxf"
+drawing=examples/flange.dxf
+kinds "$drawing"
+run "$cloudconv" "$drawing" "$out/flange_path.ply" --ascii
+points "$out/flange_path.ply"
+run "$cloudconv" "$drawing" "$out/flange_walk.ply" --ascii --plain
+points "$out/flange_walk.ply"
+echo "What the walk does otherwise than drawn: findings of"
+echo "\$ $cloudconv check $drawing --plain --all"
+{ "$cloudconv" check "$drawing" --plain --all || [ $? -eq 3 ]; } |
+  awk -F ': ' '{ ++count[$2] } END { for (kind in count) print "    " count[kind], kind }' | sort -k 2
 
 echo
 echo "== A scan becomes a drawing"
