@@ -15,8 +15,8 @@ namespace converters {
 /// an arc of more than a half turn; any other becomes a 3D polyline. Ellipses and splines, and arcs
 /// of 3D polylines, are there by the points of the path. A closed contour ends with a vertex where
 /// it began, which every reader takes rightly, fromDxf() too, and has no closing edge of its own.
-/// Colours are index colours. Characters of layers' names beyond ASCII are written as \U+XXXX, as
-/// release R12 needs it; a drawing of that release names no unit.
+/// Colours are index colours. A drawing of release R12 is ASCII and names no unit: other characters
+/// in the names of layers are written by their numbers, as readers of that release expect them.
 ///
 /// @param path  as readPath() gives it, or built likewise; pieces may be missing, the points alone
 ///              count then

@@ -3,6 +3,7 @@
 # given values, and builds it.
 set -euo pipefail
 cd "$(dirname "$0")/.."
+. scripts/compiler-cache.sh
 
 preset=$1
 shift

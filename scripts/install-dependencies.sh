@@ -6,7 +6,7 @@ set -euo pipefail
 
 packages=(
   # to build
-  g++ cmake ninja-build git
+  g++ cmake ninja-build git ccache
   libpcl-dev libdxflib-dev libopencv-core-dev libeigen3-dev libboost-filesystem-dev libspdlog-dev
   libcli11-dev nlohmann-json3-dev libcairo2-dev fonts-dejavu-core
   # to test

@@ -27,6 +27,8 @@ case ${1-} in
 esac
 
 scripts/install-dependencies.sh "$@"
+# For the builds that tests make.
+. scripts/compiler-cache.sh
 scripts/check-format.sh
 for preset in "${presets[@]}"; do
   values=()
