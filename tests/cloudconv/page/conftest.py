@@ -63,7 +63,11 @@ class Page:
             const look = () => {
                 const isBusy = document.documentElement.dataset.whole === "false" ||
                     document.getAnimations().some((a) => a.playState === "running");
-                frames(2, isBusy ? look : done);
+                if (isBusy) {
+                    frames(1, look);
+                } else {
+                    done();
+                }
             };
             frames(2, look);""")
 
@@ -74,7 +78,7 @@ class Page:
         return self.driver.find_elements("css selector", selector)
 
     def text(self, selector):
-        return self.one(selector).get_attribute("textContent")
+        return self.run("return document.querySelector(arguments[0]).textContent", selector)
 
     def click(self, selector):
         self.one(selector).click()
@@ -82,9 +86,10 @@ class Page:
 
     def set(self, selector, value, event="input"):
         """Sets a slider or a choice, as a hand would."""
-        self.run("const [field, value, event] = arguments; field.value = value;"
+        self.run("const [selector, value, event] = arguments;"
+                 "const field = document.querySelector(selector); field.value = value;"
                  "field.dispatchEvent(new Event(event, {bubbles: true}));",
-                 self.one(selector), value, event)
+                 selector, value, event)
         self.settle()
 
     def press(self, *keys):
