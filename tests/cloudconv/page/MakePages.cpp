@@ -93,13 +93,13 @@ DrawingPath shapes() {
     return path;
 }
 
-/// A grid of 10,000 closed contours of 60 points on eight layers, and one that goes all around.
+/// A grid of 10,000 closed contours of 24 points on eight layers.
 DrawingPath crowd() {
     constexpr int side = 100;
-    constexpr int steps = 60;
+    constexpr int steps = 24;
     DrawingPath path;
     for (int i = 0; i < 8; ++i) {
-        path.layers.push_back({"ROW " + std::to_string(i), 1, false, false});
+        path.layers.push_back({"ROW-" + std::to_string(i), 1, false, false});
     }
     for (int row = 0; row < side; ++row) {
         for (int column = 0; column < side; ++column) {

@@ -14,6 +14,14 @@ webdriver = pytest.importorskip("selenium.webdriver", reason="python3-selenium i
 image_module = pytest.importorskip("PIL.Image", reason="python3-pil is missing")
 
 WIDTH, HEIGHT = 1200, 800
+# Seconds for what takes less than one on a computer that does nothing else.
+LONGEST_WAIT = 120
+
+
+def share(picture, wanted):
+    """Which part of a picture has a colour that is wanted."""
+    pixels = picture.width * picture.height
+    return sum(number for number, pixel in picture.getcolors(pixels) if wanted(pixel)) / pixels
 
 
 def pytest_collection_modifyitems(items):
@@ -33,22 +41,35 @@ class Page:
         driver.get("about:blank")
         driver.get(address)
         self.wait(lambda: self.run("return document.documentElement.dataset.ready") == "true")
+        self.settle()
 
     def run(self, script, *arguments):
         return self.driver.execute_script(script, *arguments)
 
-    def wait(self, condition, seconds=60):
+    def wait(self, condition):
         """Waits until a condition holds; how long that takes says nothing."""
-        end = time.monotonic() + seconds
+        end = time.monotonic() + LONGEST_WAIT
         while not condition():
             assert time.monotonic() < end, "waited in vain"
             time.sleep(0.02)
 
     def settle(self):
-        """Lets the page paint all that it has to."""
-        self.driver.execute_async_script(
-            "const done = arguments[0];"
-            "setTimeout(() => requestAnimationFrame(() => requestAnimationFrame(done)), 150);")
+        """Waits until the page has painted all that it has to. A page asks for the next frame, and
+        what it does then may ask for another one."""
+        self.driver.execute_async_script("""
+            const done = arguments[0];
+            const frames = (count, next) =>
+                requestAnimationFrame(() => (count > 1 ? frames(count - 1, next) : next()));
+            const look = () => {
+                const isBusy = document.documentElement.dataset.whole === "false" ||
+                    document.getAnimations().some((a) => a.playState === "running");
+                if (isBusy) {
+                    frames(1, look);
+                } else {
+                    done();
+                }
+            };
+            frames(2, look);""")
 
     def one(self, selector):
         return self.driver.find_element("css selector", selector)
@@ -57,7 +78,7 @@ class Page:
         return self.driver.find_elements("css selector", selector)
 
     def text(self, selector):
-        return self.one(selector).get_attribute("textContent")
+        return self.run("return document.querySelector(arguments[0]).textContent", selector)
 
     def click(self, selector):
         self.one(selector).click()
@@ -65,9 +86,10 @@ class Page:
 
     def set(self, selector, value, event="input"):
         """Sets a slider or a choice, as a hand would."""
-        self.run("const [field, value, event] = arguments; field.value = value;"
+        self.run("const [selector, value, event] = arguments;"
+                 "const field = document.querySelector(selector); field.value = value;"
                  "field.dispatchEvent(new Event(event, {bubbles: true}));",
-                 self.one(selector), value, event)
+                 selector, value, event)
         self.settle()
 
     def press(self, *keys):
@@ -83,14 +105,18 @@ class Page:
                         "return [box.left, box.top, box.width, box.height]")
 
     def mouse(self, kind, x, y, **more):
-        """A movement of the mouse at a place of the stage, such as "mouseMoved"."""
+        """A movement of the mouse, such as "mouseMoved", at a place of the stage. Returns the place
+        that it was at: screens have whole pixels."""
         left, top, _, _ = self.stage()
+        at_x, at_y = round(left + x), round(top + y)
         self.driver.execute_cdp_cmd("Input.dispatchMouseEvent",
-                                    {"type": kind, "x": round(left + x), "y": round(top + y), **more})
+                                    {"type": kind, "x": at_x, "y": at_y, **more})
+        return at_x - left, at_y - top
 
     def hover(self, x, y):
-        self.mouse("mouseMoved", x, y)
+        at = self.mouse("mouseMoved", x, y)
         self.settle()
+        return at
 
     def click_at(self, x, y):
         for kind in ("mouseMoved", "mousePressed", "mouseReleased"):
@@ -125,23 +151,28 @@ class Page:
 
     def picture(self):
         """What the stage shows, with all that lies on it."""
+        self.settle()
         left, top, width, height = self.stage()
         whole = image_module.open(io.BytesIO(self.driver.get_screenshot_as_png())).convert("RGB")
-        return whole.crop((int(left), int(top), int(left + width), int(top + height)))
+        return whole.crop((round(left), round(top), round(left + width), round(top + height)))
 
     def size(self, width, height):
         self.driver.execute_cdp_cmd("Emulation.setDeviceMetricsOverride", {
             "width": width, "height": height, "deviceScaleFactor": 1, "mobile": width < 600})
+        self.wait(lambda: self.run("return [innerWidth, innerHeight]") == [width, height])
         self.settle()
 
     def scheme(self, name):
         self.driver.execute_cdp_cmd("Emulation.setEmulatedMedia", {
             "features": [{"name": "prefers-color-scheme", "value": name}]})
+        self.wait(lambda: self.run(
+            f"return matchMedia('(prefers-color-scheme: {name})').matches"))
         self.settle()
 
     def complaints(self):
-        """What the console has to say since it was asked last."""
-        return [entry["message"] for entry in self.driver.get_log("browser")]
+        """What the console has to say since it was asked last, but for how fast this computer is."""
+        return [entry["message"] for entry in self.driver.get_log("browser")
+                if "GL Driver Message (OpenGL, Performance" not in entry["message"]]
 
     def close(self):
         requests = [
@@ -157,18 +188,24 @@ class Page:
 
 @pytest.fixture(scope="session")
 def driver(tmp_path_factory):
+    """One browser for all tests, which has a folder of its own for all that it keeps."""
+    profile = tmp_path_factory.mktemp("profile")
+    os.environ["HOME"] = str(profile)
     options = webdriver.ChromeOptions()
     options.binary_location = shutil.which("chromium")
     for argument in (
-            "--headless=new", "--no-sandbox", "--use-gl=angle", "--use-angle=swiftshader",
-            "--enable-unsafe-swiftshader", "--disable-quic", "--no-first-run",
+            "--headless=new", "--no-sandbox", "--no-first-run",
+            # The processor draws what is in space; what is flat, it paints with less work by itself.
+            "--use-gl=angle", "--use-angle=swiftshader", "--enable-unsafe-swiftshader",
+            "--disable-gpu-compositing", "--disable-quic",
             "--disable-background-networking", "--disable-component-update", "--disable-sync",
             "--disable-dev-shm-usage", "--hide-scrollbars", "--force-color-profile=srgb",
-            f"--user-data-dir={tmp_path_factory.mktemp('profile')}"):
+            f"--user-data-dir={profile}"):
         options.add_argument(argument)
     options.set_capability("goog:loggingPrefs", {"browser": "ALL", "performance": "ALL"})
     service = webdriver.chrome.service.Service(shutil.which("chromedriver"))
     browser = webdriver.Chrome(service=service, options=options)
+    browser.set_script_timeout(LONGEST_WAIT)
     yield browser
     browser.quit()
 

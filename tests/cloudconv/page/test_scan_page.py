@@ -1,6 +1,7 @@
 """The page of a scan, in a browser. ripples.html is what MakePages.cpp calls ripples()."""
 
 import pytest
+from conftest import share
 
 HOSTILE = "</script><script>window.hacked = 1</script><img src=x onerror=\"window.hacked = 1\">"
 PAPER = (255, 255, 255)
@@ -8,22 +9,11 @@ PAPER = (255, 255, 255)
 
 @pytest.fixture
 def ripples(open_page):
-    page = open_page("ripples.html")
-    whole(page)
-    return page
+    return open_page("ripples.html")
 
 
-def whole(page):
-    """Waits until all points are drawn."""
-    page.settle()
-    page.wait(lambda: page.run("return document.documentElement.dataset.whole") == "true")
-    page.settle()
-
-
-def share(picture, wanted):
-    """Which part of a picture has a colour that is wanted."""
-    pixels = list(picture.getdata())
-    return sum(1 for pixel in pixels if wanted(pixel)) / len(pixels)
+def is_paper(pixel):
+    return pixel == PAPER
 
 
 def is_red(pixel):
@@ -32,6 +22,11 @@ def is_red(pixel):
 
 def is_blue(pixel):
     return pixel[2] > 120 and pixel[0] < 60
+
+
+def units_per_pixel(page):
+    """How long a pixel is at what the view looks at: by the line that tells lengths."""
+    return float(page.text("#scale-text")) / page.one("#scale-bar").rect["width"]
 
 
 def halves(page):
@@ -43,7 +38,6 @@ def halves(page):
 
 def test_shows_the_colours_of_the_file_where_it_has_some(ripples):
     ripples.click("[data-view=top]")
-    whole(ripples)
     left, right = halves(ripples)
     assert share(left, is_red) > 0.4 and share(left, is_blue) < 0.05
     assert share(right, is_blue) > 0.4 and share(right, is_red) < 0.05
@@ -52,14 +46,12 @@ def test_shows_the_colours_of_the_file_where_it_has_some(ripples):
 def test_is_coloured_by_intensity_or_height_when_asked(ripples):
     ripples.click("[data-view=top]")
     ripples.click("[value=intensity]")
-    whole(ripples)
     picture = ripples.picture()
     middle = picture.getpixel((picture.width // 2, picture.height // 2 + 8))
     assert middle[0] > 120 and middle[2] < 120, "brightest in the middle"
     assert ripples.text("#scale-name") == "Intensity"
     assert share(picture, is_red) < 0.01
     ripples.click("[value=height]")
-    whole(ripples)
     assert ripples.text("#scale-name") == "Height (z)"
     assert ripples.text("#low-text").startswith("\u22120.")
     ripples.click("#window-all")
@@ -69,23 +61,18 @@ def test_is_coloured_by_intensity_or_height_when_asked(ripples):
 
 def test_the_mouse_turns_moves_and_zooms(ripples):
     ripples.click("[data-view=top]")
-    whole(ripples)
     # Half a turn about what is up: left is right.
     ripples.drag(300, 300, 3.14159 / 0.006, 0)
-    whole(ripples)
     left, right = halves(ripples)
     assert share(left, is_blue) > 0.4 and share(right, is_red) > 0.4
     ripples.drag(300, 300, 0, -262)
-    whole(ripples)
-    shown = share(ripples.picture(), lambda pixel: pixel != PAPER)
+    shown = share(ripples.picture(), lambda pixel: not is_paper(pixel))
     assert shown < 0.35, "seen from the side"
     for _ in range(4):
         ripples.wheel(450, 370, 200)
-    whole(ripples)
-    assert share(ripples.picture(), lambda pixel: pixel != PAPER) < shown / 2
+    assert share(ripples.picture(), lambda pixel: not is_paper(pixel)) < shown / 2
     ripples.click("#fit")
     ripples.drag(300, 300, 0, 250, button="right")
-    whole(ripples)
     picture = ripples.picture()
     upper = picture.crop((100, 60, picture.width - 100, picture.height // 3))
     assert share(upper, lambda pixel: is_red(pixel) or is_blue(pixel)) < 0.02
@@ -93,32 +80,31 @@ def test_the_mouse_turns_moves_and_zooms(ripples):
 
 def test_fingers_and_keys_zoom_and_turn(ripples):
     ripples.click("[data-view=top]")
-    whole(ripples)
-    shown = share(ripples.picture(), lambda pixel: pixel == PAPER)
+    whole, before = ripples.picture(), units_per_pixel(ripples)
+    beside = (5, 200, 45, 500)
+    assert share(whole.crop(beside), is_paper) == 1
     ripples.pinch(450, 370, 80, 200)
-    whole(ripples)
-    assert share(ripples.picture(), lambda pixel: pixel == PAPER) < shown / 2
+    assert units_per_pixel(ripples) == pytest.approx(before / 2.5, rel=0.02)
+    assert share(ripples.picture().crop(beside), is_paper) < 0.95, "now there are points"
     ripples.run("document.getElementById('stage').focus()")
     ripples.press("0")
-    whole(ripples)
-    assert share(ripples.picture(), lambda pixel: pixel == PAPER) == pytest.approx(shown, abs=0.03)
+    assert units_per_pixel(ripples) == pytest.approx(before, rel=0.02)
+    assert ripples.picture() == whole
     ripples.press("2")
-    whole(ripples)
-    assert share(ripples.picture(), lambda pixel: pixel == PAPER) > shown + 0.2, "from the front"
     turned = ripples.picture()
+    assert share(turned, is_paper) > share(whole, is_paper) + 0.2, "from the front"
     ripples.press("\ue012", "\ue012", "\ue013")
-    whole(ripples)
     assert ripples.picture() != turned
 
 
 def test_a_click_tells_the_coordinates_of_a_point(ripples):
     ripples.click("[data-view=top]")
-    whole(ripples)
     _, _, width, height = ripples.stage()
     ripples.click_at(width / 2, height / 2)
-    whole(ripples)
     words = ripples.text("#card")
-    assert words.startswith(("x 0.0", "x \u22120.0")), words
+    # The points around the middle lie 0.025 beside it, and their coordinates are the file's.
+    assert words.startswith(("x 4,511,999.97", "x 4,512,000.02")), words
+    assert "y 5,399,999.97" in words or "y 5,400,000.02" in words, words
     assert "z 0.9" in words
     assert "intensity 9" in words
     assert "colour" in words
@@ -129,34 +115,33 @@ def test_a_click_tells_the_coordinates_of_a_point(ripples):
 
 def test_larger_points_cover_more(ripples):
     ripples.set("#point-size", 1)
-    whole(ripples)
-    shown = share(ripples.picture(), lambda pixel: pixel != PAPER)
+    shown = share(ripples.picture(), lambda pixel: not is_paper(pixel))
     ripples.set("#point-size", 8)
-    whole(ripples)
-    assert share(ripples.picture(), lambda pixel: pixel != PAPER) > shown * 1.1
+    assert share(ripples.picture(), lambda pixel: not is_paper(pixel)) > shown * 1.1
 
 
-def test_names_are_texts_and_what_was_taken_off_is_told(ripples):
+def test_names_are_texts_and_coordinates_are_those_of_the_file(ripples):
     assert ripples.text("#title").startswith(HOSTILE)
     assert HOSTILE in ripples.text("#notes")
-    assert "Taken off4,512,000, 5,400,000, 0" in ripples.text("#about")
+    assert "x4,511,995 … 4,512,005y5,399,995 … 5,400,005" in ripples.text("#about")
     assert ripples.all("img") == []
 
 
 def test_tells_how_many_points_it_shows_of_how_many(open_page):
     page = open_page("thin.html")
-    whole(page)
     assert page.text("#summary") == "1,000 of 40,000 points"
     assert "Of 40,000 points this page shows 1,000, evenly picked" in page.text("#notes")
     # Neither intensities nor colours: there is the height to choose.
     assert [e.is_displayed() for e in page.all("[name=colour-by]")] == [False, True, False]
     page.click("[data-view=top]")
-    whole(page)
     picture = page.picture()
-    quarters = [picture.crop((x, y, x + picture.width // 2, y + picture.height // 2))
-                for x in (0, picture.width // 2) for y in (0, picture.height // 2)]
-    shown = [share(quarter, lambda pixel: pixel != PAPER) for quarter in quarters]
-    assert max(shown) < 1.6 * min(shown), "the points are picked from everywhere"
+    # The square in the middle, on which no button lies, in columns and in rows.
+    middle, centre, half = picture.width // 2, picture.height // 2, 2 * picture.height // 5
+    edges = range(-half, half - half // 8, half // 8)
+    parts = [(middle + at, centre - half, middle + at + half // 8, centre + half) for at in edges]
+    parts += [(middle - half, centre + at, middle + half, centre + at + half // 8) for at in edges]
+    shown = [share(picture.crop(part), lambda pixel: not is_paper(pixel)) for part in parts]
+    assert max(shown) < 2 * min(shown), "the points are picked from everywhere, without stripes"
 
 
 def test_a_scan_without_points_opens(open_page):
@@ -181,10 +166,8 @@ def test_says_so_where_the_browser_cannot_draw_in_space(open_page, driver):
 
 def test_dark_and_narrow(ripples):
     ripples.scheme("dark")
-    whole(ripples)
     assert ripples.picture().getpixel((5, 400)) == (16, 19, 25)
     ripples.size(360, 700)
-    whole(ripples)
     assert ripples.run("return document.documentElement.scrollWidth") <= 360
     assert share(ripples.picture(), is_red) > 0.05
 

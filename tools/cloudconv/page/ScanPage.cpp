@@ -2,7 +2,8 @@
 // than a screen shows until a thousandth of the scan fills it, and 8 bytes for three coordinates.
 //
 // The points come in an order of which any beginning is an even selection of all: so the page shows
-// the first ones at once, and draws no more of them than it can while the view moves.
+// the first ones at once, and draws no more of them than it can while the view moves; and of more
+// points than it takes, it has the first ones.
 
 #include "tools/cloudconv/page/ScanPage.h"
 
@@ -50,41 +51,43 @@ std::vector<std::uint32_t> indicesWithPlace(const pcl::PointCloud<pcl::PointXYZI
     return indices;
 }
 
-/// At most so many of them, evenly spaced.
-std::vector<std::uint32_t> thinned(const std::vector<std::uint32_t>& indices, std::size_t most) {
-    if (indices.size() <= most) {
-        return indices;
+/// A number with each bit flipped or not, as the bits below it have it: so numbers below a power of
+/// two stay different, and below it.
+std::uint32_t scrambled(std::uint32_t number) {
+    // Even factors carry bits upwards only.
+    for (const std::uint64_t factor : {0x6C50B47CU, 0xB82F1E52U, 0xC7AFE638U, 0x8D22F6E6U}) {
+        number ^= static_cast<std::uint32_t>(number * factor & 0xFFFFFFFFU);
     }
-    std::vector<std::uint32_t> kept;
-    kept.reserve(most);
-    for (std::size_t i = 0; i < most; ++i) {
-        const auto share = static_cast<double>(i) / static_cast<double>(most);
-        kept.push_back(
-            indices[static_cast<std::size_t>(share * static_cast<double>(indices.size()))]);
-    }
-    return kept;
+    return number;
 }
 
-/// The same in the order of their numbers with the bits reversed: 0, 4, 2, 6, 1, 5, 3, 7.
-std::vector<std::uint32_t> evenlyOrdered(const std::vector<std::uint32_t>& indices) {
-    std::size_t size = 1;
-    while (size < indices.size()) {
-        size *= 2;
+std::uint32_t reversed(std::uint32_t number, unsigned bits) {
+    std::uint32_t result = 0;
+    for (unsigned i = 0; i < bits; ++i) {
+        result = result << 1 | (number >> i & 1U);
     }
+    return result;
+}
+
+/// At most so many of them, each beginning of which is an even selection: of numbers with reversed
+/// bits, 0, 4, 2, 6, 1, 5, 3, 7, the first two are one of each half, the first four one of each
+/// quarter. Which one is scrambled, as scans in rows would show stripes.
+std::vector<std::uint32_t> evenlyOrdered(const std::vector<std::uint32_t>& indices,
+                                         std::size_t most) {
+    unsigned bits = 0;
+    while (std::uint64_t(1) << bits < indices.size()) {
+        ++bits;
+    }
+    const std::uint64_t mask = (std::uint64_t(1) << bits) - 1;
     std::vector<std::uint32_t> ordered;
-    ordered.reserve(indices.size());
-    std::size_t reversed = 0;
-    for (std::size_t i = 0; i < size; ++i) {
-        if (reversed < indices.size()) {
-            ordered.push_back(indices[reversed]);
+    const std::size_t wanted = std::min(most, indices.size());
+    ordered.reserve(wanted);
+    for (std::uint64_t i = 0; ordered.size() < wanted; ++i) {
+        const std::uint32_t number = scrambled(static_cast<std::uint32_t>(i));
+        const std::uint32_t at = reversed(static_cast<std::uint32_t>(number & mask), bits);
+        if (at < indices.size()) {
+            ordered.push_back(indices[at]);
         }
-        // Counts on from the highest bit downwards.
-        std::size_t bit = size / 2;
-        while (bit > 0 && (reversed & bit) != 0) {
-            reversed ^= bit;
-            bit /= 2;
-        }
-        reversed |= bit;
     }
     return ordered;
 }
@@ -93,7 +96,7 @@ class ScanWriter {
 public:
     explicit ScanWriter(const ScanPage& page)
         : m_page(page), m_indices(indicesWithPlace(page.cloud)), m_withPlace(m_indices.size()) {
-        m_indices = evenlyOrdered(thinned(m_indices, page.mostPoints));
+        m_indices = evenlyOrdered(m_indices, page.mostPoints);
         for (const std::uint32_t index : m_indices) {
             const pcl::PointXYZI& point = page.cloud[index];
             for (std::size_t axis = 0; axis < m_sides.size(); ++axis) {

@@ -41,13 +41,13 @@ export class Stage {
     /** The view has moved, the canvases follow. */
     viewMoved() {
         this.touched = true;
-        this.show();
+        this.#ask();
     }
 
     /** What is to be seen is another: all is painted again. */
     repaint() {
         this.#painted = null;
-        this.show();
+        this.#ask();
     }
 
     /** The tool has moved. */
@@ -59,6 +59,12 @@ export class Stage {
             this.#paintTrail(true);
         }
         this.paintTop();
+    }
+
+    /** Shows all at the next frame; the root tells whether the drawing is as the view has it. */
+    #ask() {
+        document.documentElement.dataset.whole = "false";
+        this.show();
     }
 
     #resize() {
@@ -130,6 +136,7 @@ export class Stage {
         context.getImageData(0, 0, 1, 1);
         this.#cost = performance.now() - begin;
         document.documentElement.dataset.paintMilliseconds = this.#cost.toFixed(1);
+        document.documentElement.dataset.whole = "true";
     }
 
     /** Paints what was walked. While the tool goes on, only what is new is painted. */

@@ -38,8 +38,9 @@ class ScanView {
         this.#tell();
     }
 
-    /** Draws at the next frame. */
+    /** Draws at the next frame, and until the root tells that the view is whole. */
     frame() {
+        document.documentElement.dataset.whole = "false";
         if (!this.#asked) {
             this.#asked = true;
             requestAnimationFrame(() => {
