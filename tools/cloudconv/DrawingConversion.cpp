@@ -45,7 +45,8 @@ const ScanLayout exactLayout = {{{"x", ScalarType::float64, offsetof(ExactPoint,
 
 /// Hands each point of the path, with the number of its contour, to the writer, in blocks.
 template <typename Record, typename Make>
-void writePoints(const DrawingPath& path, converters::ScanWriter& writer, Make make) {
+void writePoints(const DrawingPath& path, converters::ScanWriter& writer, Progress& progress,
+                 Make make) {
     constexpr std::size_t blockSize = 65536;
     std::vector<Record> block;
     block.reserve(blockSize);
@@ -58,6 +59,7 @@ void writePoints(const DrawingPath& path, converters::ScanWriter& writer, Make m
             if (block.size() == blockSize) {
                 static_cast<void>(writer.write(block.data(), block.size()));
                 block.clear();
+                progress.reached(i);
             }
         }
     }
@@ -122,7 +124,9 @@ void writeDrawing(const DrawingPath& path, OutputFile& file, const std::string& 
     }
 }
 
-void write(const DrawingPath& path, const ConvertOptions& options, FileFormat to) {
+void write(const DrawingPath& path, const ConvertOptions& options, FileFormat to,
+           Progress& progress) {
+    progress.begin("writing " + outputName(options.output), path.points.size());
     OutputFile file(options.output);
     if (to == FileFormat::Dxf) {
         writeDrawing(path, file, outputName(options.output));
@@ -138,7 +142,7 @@ void write(const DrawingPath& path, const ConvertOptions& options, FileFormat to
         converters::ScanWriter writer(sinkTo(file), converters::layoutOfPointXYZI(), output,
                                       writing);
         writePoints<pcl::PointXYZI>(
-            path, writer, [&options](const cv::Point3_<double>& point, double number) {
+            path, writer, progress, [&options](const cv::Point3_<double>& point, double number) {
                 return pcl::PointXYZI(static_cast<float>(point.x), static_cast<float>(point.y),
                                       static_cast<float>(point.z),
                                       options.intensity.value_or(static_cast<float>(number)));
@@ -146,7 +150,7 @@ void write(const DrawingPath& path, const ConvertOptions& options, FileFormat to
     } else {
         converters::ScanWriter writer(sinkTo(file), exactLayout, output, writing);
         writePoints<ExactPoint>(
-            path, writer, [&options](const cv::Point3_<double>& point, double number) {
+            path, writer, progress, [&options](const cv::Point3_<double>& point, double number) {
                 const double contour = options.intensity.has_value()
                                            ? static_cast<double>(*options.intensity)
                                            : number;
@@ -170,8 +174,7 @@ void convertDrawing(const ConvertOptions& options, FileFormat to) {
     if (path.contours.empty() && !path.leftOut.empty()) {
         throw FileError(name, "nothing is left to follow; left out: " + leftOutText(path.leftOut));
     }
-    progress.begin("writing " + outputName(options.output));
-    write(path, options, to);
+    write(path, options, to, progress);
     progress.end();
     if (!options.quiet) {
         tell(path, options, to, notes);
