@@ -100,12 +100,12 @@ std::vector<cv::Point3_<double>> DXFDocument::getPoints(std::vector<DXFContour>&
 }
 
 std::vector<cv::Point3_<double>> DXFDocument::walk(std::vector<DXFContour>* contours) const {
-    dxfeditor::Runs drawing = dxfeditor::runsOf(m_entities->slots());
-    std::vector<cv::Point3_<double>> points = dxfeditor::roomFor(drawing.runs);
-    const auto hasOnePoint = [&](base::RunNumber run) { return drawing.runs[run].size() == 1; };
+    const dxfeditor::Entities& entities = m_entities->slots();
+    dxfeditor::Runs drawing = dxfeditor::runsOf(entities);
+    std::vector<cv::Point3_<double>> points = dxfeditor::roomFor(drawing.runs, entities);
     // A statement of its own: at its end the ends are freed, before the points are written.
-    const base::Walk order = base::stitch(std::move(drawing.ends), hasOnePoint,
-                                          base::JoinDistance(dxfeditor::joinDistance));
-    dxfeditor::append(order, drawing.runs, points, contours);
+    const base::Walk order =
+        base::stitch(std::move(drawing.ends), base::JoinDistance(dxfeditor::joinDistance));
+    dxfeditor::append(order, drawing.runs, entities, points, contours);
     return points;
 }

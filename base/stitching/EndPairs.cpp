@@ -2,9 +2,9 @@
 // two neighbouring ones whose common side both are near. An end is compared with those that came
 // before it to its cell and to the cells in reach, 1 to 8 of them, and then put into its own:
 //
-//       m_slots          m_nodes
+//       m_slots          m_next
 //     ┌─────────┐
-//     │  crowd  │        what each end has met, and the end before it in its slot
+//     │  crowd  │        the end before each in its slot
 //     ├─────────┤      ┌─────┐      ┌─────┐
 //     │ end 17 ─┼────► │ 17 ─┼────► │  4  │
 //     ├─────────┤      └─────┘      └─────┘
@@ -23,6 +23,7 @@
 #include "base/stitching/EndPairs.h"
 
 #include "base/LargePages.h"
+#include "base/Prefetch.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -68,15 +69,17 @@ public:
         : m_ends(ends), m_index(index), m_distance(distance) {
         reserveLarge(m_slots, index.size());
         m_slots.resize(index.size());
-        reserveLarge(m_nodes, ends.size());
-        m_nodes.resize(ends.size());
+        reserveLarge(m_met, ends.size());
+        m_met.resize(ends.size());
+        reserveLarge(m_next, ends.size());
+        m_next.resize(ends.size());
     }
 
     // The steps of adding an end: each asks for the memory that the next one needs, which takes as
     // long as some hundred additions.
 
     void locate(RankedEnd end, Entry& entry) const {
-        const Point& point = m_ends[end];
+        const Point point = m_ends[end];
         entry.end = end;
         entry.slotCount = 0;
         const RowsInReach x(point.x, m_distance);
@@ -86,7 +89,7 @@ public:
             for (int j = 0; j < y.count; ++j) {
                 for (int k = 0; k < z.count; ++k) {
                     const std::uint32_t slot = slotOf(x.rows[i], y.rows[j], z.rows[k]);
-                    __builtin_prefetch(&m_slots[slot]);
+                    base::prefetch(&m_slots[slot]);
                     entry.slots[entry.slotCount++] = slot;
                 }
             }
@@ -98,14 +101,18 @@ public:
     }
 
     /// Whether an end meets itself: not where a coordinate is infinite or not a number.
-    bool canMeet(RankedEnd end) const { return m_distance.meet(m_ends[end], m_ends[end]); }
+    bool canMeet(RankedEnd end) const {
+        const Point point = m_ends[end];
+        return m_distance.meet(point, point);
+    }
 
     void fetch(const Entry& entry) const {
         for (unsigned i = 0; i < entry.slotCount; ++i) {
             const EndOrCrowd held = m_slots[entry.slots[i]];
             if (held.isEnd()) {
                 m_ends.prefetch(held.end());
-                __builtin_prefetch(&m_nodes[held.end().index()]);
+                base::prefetch(&m_met[held.end().index()]);
+                base::prefetch(&m_next[held.end().index()]);
             }
         }
     }
@@ -117,9 +124,9 @@ public:
         }
         EndOrCrowd& held = m_slots[entry.ownSlot];
         if (held.isCrowd()) {
-            nodeOf(entry.end).met = EndOrCrowd::crowd();
+            metBy(entry.end) = EndOrCrowd::crowd();
         } else {
-            nodeOf(entry.end).next = held.end();
+            nextOf(entry.end) = held.end();
             held = entry.end;
         }
     }
@@ -132,27 +139,19 @@ public:
 
     /// What each end has met. The end of the grid.
     std::vector<EndOrCrowd> met() && {
-        std::vector<EndOrCrowd>().swap(m_slots);
-        std::vector<EndOrCrowd> met;
-        reserveLarge(met, m_nodes.size());
-        for (std::size_t i = 0; i < m_nodes.size(); ++i) {
-            const EndOrCrowd other = m_nodes[i].met;
-            // A pair only if it is one to both.
-            const bool isCrowded =
-                other.isEnd() && nodeOf(other.end()).met != EndOrCrowd(RankedEnd::at(i));
-            met.push_back(isCrowded ? EndOrCrowd::crowd() : other);
+        for (std::size_t i = 0; i < m_met.size(); ++i) {
+            const RankedEnd end = RankedEnd::at(i);
+            // A pair only if it is one to both; an end that is a crowd by now was no pair to this.
+            if (metBy(end).isEnd() && metBy(metBy(end).end()) != end) {
+                metBy(end) = EndOrCrowd::crowd();
+            }
         }
-        return met;
+        return std::move(m_met);
     }
 
 private:
-    struct Node {
-        EndOrCrowd met;
-        /// The end added before it to the same slot.
-        RankedEnd next;
-    };
-
-    Node& nodeOf(RankedEnd end) { return m_nodes[end.index()]; }
+    EndOrCrowd& metBy(RankedEnd end) { return m_met[end.index()]; }
+    RankedEnd& nextOf(RankedEnd end) { return m_next[end.index()]; }
 
     std::uint32_t slotOf(Row x, Row y, Row z) const {
         const SpatialIndex::Range range = m_index.rangeOf(x, z);
@@ -161,24 +160,25 @@ private:
     }
 
     void noteOne(RankedEnd end, RankedEnd other) {
-        EndOrCrowd& met = nodeOf(end).met;
+        EndOrCrowd& met = metBy(end);
         met = met == EndOrCrowd() || met == other ? other : EndOrCrowd::crowd();
     }
 
     void compare(RankedEnd end, std::uint32_t slot) {
         constexpr int mostEnds = 16;
         if (m_slots[slot].isCrowd()) {
-            nodeOf(end).met = EndOrCrowd::crowd();
+            metBy(end) = EndOrCrowd::crowd();
             return;
         }
+        const Point point = m_ends[end];
         int count = 0;
-        for (RankedEnd other = m_slots[slot].end(); other.exists(); other = nodeOf(other).next) {
+        for (RankedEnd other = m_slots[slot].end(); other.exists(); other = nextOf(other)) {
             if (++count > mostEnds) {
                 makeCrowd(slot);
-                nodeOf(end).met = EndOrCrowd::crowd();
+                metBy(end) = EndOrCrowd::crowd();
                 return;
             }
-            if (m_distance.meet(m_ends[end], m_ends[other])) {
+            if (m_distance.meet(point, m_ends[other])) {
                 note(end, other);
             }
         }
@@ -186,8 +186,8 @@ private:
 
     /// Makes the ends in a slot, and all that come, a crowd.
     void makeCrowd(std::uint32_t slot) {
-        for (RankedEnd end = m_slots[slot].end(); end.exists(); end = nodeOf(end).next) {
-            nodeOf(end).met = EndOrCrowd::crowd();
+        for (RankedEnd end = m_slots[slot].end(); end.exists(); end = nextOf(end)) {
+            metBy(end) = EndOrCrowd::crowd();
         }
         m_slots[slot] = EndOrCrowd::crowd();
     }
@@ -195,7 +195,10 @@ private:
     const RankedEnds& m_ends;
     const SpatialIndex& m_index;
     const JoinDistance m_distance;
-    std::vector<Node> m_nodes;
+    /// What each end has met so far.
+    std::vector<EndOrCrowd> m_met;
+    /// The end added before each to the same slot.
+    std::vector<RankedEnd> m_next;
     /// The end added last to each slot, or crowd.
     std::vector<EndOrCrowd> m_slots;
 };

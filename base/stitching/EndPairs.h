@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/stitching/RankedEnds.h"
 #include "base/stitching/RunEnds.h"
 #include "base/stitching/SpatialIndex.h"
 

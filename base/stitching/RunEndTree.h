@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/stitching/JoinDistance.h"
 #include "base/stitching/RunEnds.h"
 
 #include <cstddef>

@@ -1,10 +1,7 @@
 #pragma once
 
-#include "base/stitching/JoinDistance.h"
-
 #include <cstddef>
 #include <cstdint>
-#include <vector>
 
 namespace base {
 
@@ -87,34 +84,6 @@ private:
     static constexpr std::uint32_t crowdBit = 0x80000000;
 
     std::uint32_t m_bits = RankedEnd::none;
-};
-
-/// The ends of runs, by the ranks of the runs.
-class RankedEnds {
-public:
-    /// @param ends   the first and the last end of each run, in the order of their numbers
-    /// @param order  the numbers of the runs, in the order of their ranks; both have to outlive
-    /// this
-    ///               object
-    RankedEnds(const std::vector<Point>& ends, const std::vector<RunNumber>& order)
-        : m_ends(ends.data()), m_order(order) {}
-
-    std::size_t size() const { return 2 * m_order.size(); }
-
-    const Point& operator[](RankedEnd end) const {
-        return m_ends[NumberedEnd::first(m_order[end.index() / 2]).index() + end.index() % 2];
-    }
-
-    /// Whether the end is the last one of a run with two equal ends, as a run of one point has.
-    bool isSecondOfEqual(RankedEnd end) const {
-        return end.isLast() && (*this)[end] == (*this)[RankedEnd::first(end.run())];
-    }
-
-    void prefetch(RankedEnd end) const { __builtin_prefetch(&(*this)[end]); }
-
-private:
-    const Point* m_ends;
-    const std::vector<RunNumber>& m_order;
 };
 
 } // namespace base

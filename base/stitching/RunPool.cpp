@@ -8,6 +8,7 @@
 #include "base/stitching/RunPool.h"
 
 #include "base/LargePages.h"
+#include "base/Prefetch.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -18,8 +19,8 @@ namespace base {
 
 namespace {
 
-const std::vector<Point>& checked(const std::vector<Point>& ends) {
-    if (ends.size() / 2 > maximumRuns) {
+const EndPoints& checked(const EndPoints& ends) {
+    if (ends.size() > maximumRuns) {
         throw std::bad_alloc();
     }
     return ends;
@@ -37,13 +38,12 @@ std::vector<RunRank> ranksOf(const std::vector<RunNumber>& numbers) {
 
 } // namespace
 
-RunPool::RunPool(const std::vector<Point>& ends, const JoinDistance& distance)
+RunPool::RunPool(const EndPoints& ends, const JoinDistance& distance)
     : RunPool(ends, SpatialIndex(checked(ends), distance), distance) {}
 
-RunPool::RunPool(const std::vector<Point>& ends, const SpatialIndex& index,
-                 const JoinDistance& distance)
-    : m_numbers(index.runs()), m_ranks(ranksOf(m_numbers)), m_isRemoved(m_numbers.size()),
-      m_met(pairEnds(RankedEnds(ends, m_numbers), index, distance)),
+RunPool::RunPool(const EndPoints& ends, const SpatialIndex& index, const JoinDistance& distance)
+    : m_numbers(index.runs()), m_met(pairEnds(RankedEnds(ends, m_numbers), index, distance)),
+      m_ranks(ranksOf(m_numbers)), m_isRemoved(m_numbers.size()),
       m_crowd(treeOf(RankedEnds(ends, m_numbers), distance)) {
     const RankedEnds ranked(ends, m_numbers);
     for (std::uint32_t i = 0; i < m_crowd.size(); ++i) {
@@ -89,7 +89,7 @@ RankedEnd RunPool::lowestAt(RankedEnd end) const {
         return {};
     }
     // It is joined soon.
-    __builtin_prefetch(&m_met[met.end().index()]);
+    base::prefetch(&m_met[met.end().index()]);
     return met.end();
 }
 

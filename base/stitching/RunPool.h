@@ -1,6 +1,8 @@
 #pragma once
 
 #include "base/stitching/EndPairs.h"
+#include "base/stitching/EndPoints.h"
+#include "base/stitching/RankedEnds.h"
 #include "base/stitching/RunEndTree.h"
 #include "base/stitching/RunEnds.h"
 
@@ -11,8 +13,8 @@ namespace base {
 /// The runs that are still to be stitched, searched by their ends. Begins with all runs.
 class RunPool {
 public:
-    /// @param ends  the first and the last end of each run
-    RunPool(const std::vector<Point>& ends, const JoinDistance& distance);
+    /// @param ends  the ends of all runs
+    RunPool(const EndPoints& ends, const JoinDistance& distance);
 
     RunNumber numberOf(RunRank run) const { return m_numbers[indexOf(run)]; }
     RunRank rankOf(RunNumber run) const { return m_ranks[run]; }
@@ -39,8 +41,7 @@ public:
     RankedEnd lowestAt(RankedEnd end) const;
 
 private:
-    RunPool(const std::vector<Point>& ends, const SpatialIndex& index,
-            const JoinDistance& distance);
+    RunPool(const EndPoints& ends, const SpatialIndex& index, const JoinDistance& distance);
     RunEndTree treeOf(const RankedEnds& ends, const JoinDistance& distance) const;
 
     static std::size_t indexOf(RunRank run) { return static_cast<std::size_t>(run); }
@@ -54,12 +55,14 @@ private:
         return end.isLast() ? NumberedEnd::last(run) : NumberedEnd::first(run);
     }
 
-    /// The numbers of the runs by their ranks, and the ranks by the numbers.
+    /// The numbers of the runs by their ranks.
     std::vector<RunNumber> m_numbers;
+    /// What each end meets; for one of a crowd with its index in the tree. Finding it takes the
+    /// most memory: before what is needed only later.
+    std::vector<EndOrCrowd> m_met;
+    /// The ranks of the runs by their numbers.
     std::vector<RunRank> m_ranks;
     std::vector<bool> m_isRemoved;
-    /// What each end meets; for one of a crowd with its index in the tree.
-    std::vector<EndOrCrowd> m_met;
     RunEndTree m_crowd;
 };
 

@@ -25,66 +25,85 @@ namespace {
 
 constexpr int runsPerSquare = 16;
 
-/// The rows between the lowest and the highest coordinate in one direction.
-struct Extent {
-    double low = 0.0;
-    double high = 0.0;
-
-    double size() const { return high - low; }
-};
-
-template <typename Coordinate>
-Extent extentOf(const std::vector<Point>& ends, Coordinate coordinate, double rowsPerUnit) {
-    double low = HUGE_VAL;
-    double high = -HUGE_VAL;
-    for (const Point& end : ends) {
-        const double value = end.*coordinate;
-        if (std::isfinite(value)) {
-            low = std::min(low, value);
-            high = std::max(high, value);
+/// Hands the ends of all runs to the visitor, of equal ends of one run only one.
+template <typename Visitor>
+void visitEnds(const EndPoints& ends, Visitor visitor) {
+    for (std::size_t i = 0; i < ends.size(); ++i) {
+        const auto run = static_cast<RunNumber>(i);
+        const Point first = ends[NumberedEnd::first(run)];
+        visitor(first);
+        if (!ends.hasOnePoint(run)) {
+            if (const Point last = ends[NumberedEnd::last(run)]; !(first == last)) {
+                visitor(last);
+            }
         }
     }
-    if (low > high) {
-        return {};
-    }
-    return {static_cast<double>(rowOf(low, rowsPerUnit)),
-            static_cast<double>(rowOf(high, rowsPerUnit))};
 }
+
+/// The lowest and the highest coordinate in one direction.
+class Extent {
+public:
+    void add(double coordinate) {
+        if (std::isfinite(coordinate)) {
+            m_low = std::min(m_low, coordinate);
+            m_high = std::max(m_high, coordinate);
+        }
+    }
+    /// The row of the lowest; 0 when there is none.
+    double lowRow(double rowsPerUnit) const { return isEmpty() ? 0.0 : row(m_low, rowsPerUnit); }
+    /// Rows up to that of the highest.
+    double rows(double rowsPerUnit) const {
+        return isEmpty() ? 0.0 : row(m_high, rowsPerUnit) - row(m_low, rowsPerUnit);
+    }
+
+private:
+    static double row(double coordinate, double rowsPerUnit) {
+        return static_cast<double>(rowOf(coordinate, rowsPerUnit));
+    }
+    bool isEmpty() const { return m_low > m_high; }
+
+    double m_low = HUGE_VAL;
+    double m_high = -HUGE_VAL;
+};
 
 } // namespace
 
-SpatialIndex::SpatialIndex(const std::vector<Point>& ends, const JoinDistance& distance)
+SpatialIndex::SpatialIndex(const EndPoints& ends, const JoinDistance& distance)
     : m_ends(ends), m_rowsPerUnit(distance.rowsPerUnit()) {
-    layOut(ends);
+    layOut();
     // How many ends each square has, entered for the one behind it; then, where its range begins.
-    for (const Point& end : ends) {
-        ++m_begins[squareOf(end) + 1];
-    }
+    visitEnds(ends, [&](const Point& end) { ++m_begins[squareOf(end) + 1]; });
     for (std::size_t square = 1; square < m_begins.size(); ++square) {
         m_begins[square] += m_begins[square - 1] + 1;
     }
 }
 
 /// Lays squares over all ends.
-void SpatialIndex::layOut(const std::vector<Point>& ends) {
-    const Extent x = extentOf(ends, &Point::x, m_rowsPerUnit);
-    const Extent z = extentOf(ends, &Point::z, m_rowsPerUnit);
-    const double squares = static_cast<double>(ends.size()) / (2 * runsPerSquare) + 1;
-    const double side = std::max(
-        {std::sqrt(x.size() * z.size() / squares), x.size() / squares, z.size() / squares, 1.0});
-    m_x = {x.low, 1 / side, std::floor(x.size() / side)};
-    m_z = {z.low, 1 / side, std::floor(z.size() / side)};
+void SpatialIndex::layOut() {
+    Extent x;
+    Extent z;
+    visitEnds(m_ends, [&](const Point& end) {
+        x.add(end.x);
+        z.add(end.z);
+    });
+    const double xRows = x.rows(m_rowsPerUnit);
+    const double zRows = z.rows(m_rowsPerUnit);
+    const double squares = static_cast<double>(m_ends.size()) / runsPerSquare + 1;
+    const double side =
+        std::max({std::sqrt(xRows * zRows / squares), xRows / squares, zRows / squares, 1.0});
+    m_x = {x.lowRow(m_rowsPerUnit), 1 / side, std::floor(xRows / side)};
+    m_z = {z.lowRow(m_rowsPerUnit), 1 / side, std::floor(zRows / side)};
     m_columns = static_cast<std::uint32_t>(m_x.last) + 1;
     m_begins.resize((static_cast<std::size_t>(m_z.last) + 1) * m_columns + 1);
 }
 
 std::vector<RunNumber> SpatialIndex::runs() const {
     std::vector<std::uint32_t> squares;
-    reserveLarge(squares, m_ends.size() / 2);
+    reserveLarge(squares, m_ends.size());
     // How many runs each square has, entered for the one behind it; then, where its first run goes.
     std::vector<RunNumber> next(m_begins.size());
-    for (std::size_t end = 0; end < m_ends.size(); end += 2) {
-        squares.push_back(squareOf(m_ends[end]));
+    for (std::size_t run = 0; run < m_ends.size(); ++run) {
+        squares.push_back(squareOf(m_ends[NumberedEnd::first(static_cast<RunNumber>(run))]));
         ++next[squares.back() + 1];
     }
     for (std::size_t square = 1; square < next.size(); ++square) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/stitching/EndPoints.h"
 #include "base/stitching/RunEnds.h"
 
 #include <algorithm>
@@ -31,8 +32,8 @@ inline Row rowOf(double coordinate, double rowsPerUnit) {
 /// the squares.
 class SpatialIndex {
 public:
-    /// @param ends  the first and the last end of each run; have to outlive this object
-    SpatialIndex(const std::vector<Point>& ends, const JoinDistance& distance);
+    /// @param ends  the ends of all runs; have to outlive this object
+    SpatialIndex(const EndPoints& ends, const JoinDistance& distance);
 
     Row rowOf(double coordinate) const { return base::rowOf(coordinate, m_rowsPerUnit); }
 
@@ -40,7 +41,8 @@ public:
     std::vector<RunNumber> runs() const;
 
     /// The square of a point in these rows: a range of numbers, one for each end that lies in the
-    /// square and one more. The ranges of all squares follow one another from 0 up to size().
+    /// square, of equal ends of one run only one, and one more. The ranges of all squares follow
+    /// one another from 0 up to size().
     struct Range {
         std::uint32_t begin;
         std::uint32_t size;
@@ -64,11 +66,11 @@ private:
         }
     };
 
-    void layOut(const std::vector<Point>& ends);
+    void layOut();
     std::uint32_t squareOf(Row x, Row z) const { return m_z(z) * m_columns + m_x(x); }
     std::uint32_t squareOf(const Point& end) const { return squareOf(rowOf(end.x), rowOf(end.z)); }
 
-    const std::vector<Point>& m_ends;
+    const EndPoints& m_ends;
     double m_rowsPerUnit;
     Axis m_x;
     Axis m_z;

@@ -38,10 +38,9 @@ struct Tip {
 /// Builds a walk, chain by chain.
 class Stitcher {
 public:
-    Stitcher(const std::vector<Point>& ends, const std::function<bool(RunNumber)>& hasOnePoint,
-             const JoinDistance& distance)
-        : m_runCount(ends.size() / 2), m_hasOnePoint(hasOnePoint), m_pool(ends, distance) {
-        reserveLarge(m_walk, m_runCount);
+    Stitcher(const EndPoints& ends, const JoinDistance& distance)
+        : m_ends(ends), m_pool(ends, distance) {
+        reserveLarge(m_walk, ends.size());
     }
 
     Walk walk() &&;
@@ -56,8 +55,7 @@ private:
         tip.lowest = tip.candidate.exists() ? m_pool.numberOf(tip.candidate.run()) : noRun;
     }
 
-    std::size_t m_runCount;
-    const std::function<bool(RunNumber)>& m_hasOnePoint;
+    const EndPoints& m_ends;
     RunPool m_pool;
     Walk m_walk;
     Tip m_front;
@@ -65,7 +63,7 @@ private:
 };
 
 Walk Stitcher::walk() && {
-    for (std::size_t run = m_runCount; run > 0; --run) {
+    for (std::size_t run = m_ends.size(); run > 0; --run) {
         const RunRank last = m_pool.rankOf(static_cast<RunNumber>(run - 1));
         if (m_pool.contains(last)) {
             addChain(last);
@@ -118,7 +116,7 @@ void Stitcher::join(RunRank joined) {
 void Stitcher::extend(Tip& tip, const Piece& piece, RankedEnd joined, RankedEnd other) {
     tip.pieces.push_back(piece);
     // Of a run of one point nothing is left once it is dropped: the chain ends where it did.
-    if (!m_pool.areEqual(joined, other) || !m_hasOnePoint(piece.run)) {
+    if (!m_pool.areEqual(joined, other) || !m_ends.hasOnePoint(piece.run)) {
         tip.end = other;
     }
 }
@@ -137,9 +135,8 @@ void Stitcher::finishChain(RunRank start) {
 
 // The ends are taken by value to be freed with the rest.
 // NOLINTNEXTLINE(performance-unnecessary-value-param)
-Walk stitch(std::vector<Point> ends, const std::function<bool(RunNumber)>& hasOnePoint,
-            const JoinDistance& distance) {
-    return Stitcher(ends, hasOnePoint, distance).walk();
+Walk stitch(EndPoints ends, const JoinDistance& distance) {
+    return Stitcher(ends, distance).walk();
 }
 
 } // namespace base

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "base/stitching/EndPoints.h"
 #include "base/stitching/RunEnds.h"
 
 #include <cstdint>
-#include <functional>
 #include <vector>
 
 namespace base {
@@ -48,11 +48,10 @@ using Walk = std::vector<Piece>;
 ///
 /// The cost grows with the number of runs, and as n log n where more than two ends meet.
 ///
-/// @param ends        the first and the last point of each run; freed when the walk is known
-/// @param hasOnePoint whether nothing is left of this run when one of its points is dropped; asked
-///                    only of runs whose ends are equal
-/// @param distance    ends closer than this are one point
-Walk stitch(std::vector<Point> ends, const std::function<bool(RunNumber)>& hasOnePoint,
-            const JoinDistance& distance);
+/// Of a run of one point nothing is left when it is joined: the chain ends where it did.
+///
+/// @param ends      the first and the last point of each run; freed when the walk is known
+/// @param distance  ends closer than this are one point
+Walk stitch(EndPoints ends, const JoinDistance& distance);
 
 } // namespace base

@@ -51,14 +51,13 @@ base::Point endAt(const Point& point) {
 /// The entities whose ends are to be joined.
 struct Runs {
     /// The first and the last point of each.
-    std::vector<base::Point> ends;
+    base::EndPoints ends;
     /// Indexes into Expansion::drawn.
     std::vector<std::uint32_t> drawn;
     std::vector<double> lengths;
 
     void add(std::uint32_t index, const EntityCurves::Extent& extent) {
-        ends.push_back(endAt(extent.start));
-        ends.push_back(endAt(extent.end));
+        ends.add(endAt(extent.start), endAt(extent.end));
         drawn.push_back(index);
         lengths.push_back(extent.length);
     }
@@ -83,9 +82,10 @@ private:
         RunNumber run;
         bool reversed;
     };
-    const base::Point& pointOf(RankedEnd end) const {
-        const std::size_t run = m_pool.numberOf(end.run());
-        return m_runs.ends[2 * run + (end.isLast() ? 1 : 0)];
+    base::Point pointOf(RankedEnd end) const {
+        const RunNumber run = m_pool.numberOf(end.run());
+        return m_runs
+            .ends[end.isLast() ? base::NumberedEnd::last(run) : base::NumberedEnd::first(run)];
     }
     bool closes(RankedEnd front, RankedEnd back) const;
     std::optional<Joined> extend(RankedEnd& tip);
@@ -242,7 +242,7 @@ Runs Joiner::allRuns() {
         return std::move(m_open);
     }
     Runs runs = std::move(m_dots);
-    runs.ends.insert(runs.ends.end(), m_open.ends.begin(), m_open.ends.end());
+    runs.ends.add(m_open.ends);
     runs.drawn.insert(runs.drawn.end(), m_open.drawn.begin(), m_open.drawn.end());
     runs.lengths.insert(runs.lengths.end(), m_open.lengths.begin(), m_open.lengths.end());
     m_open = {};

@@ -9,6 +9,7 @@
 #include "dxfeditor/detail/walking/Output.h"
 
 #include "base/LargePages.h"
+#include "base/Prefetch.h"
 
 #include <cstddef>
 #include <new>
@@ -19,16 +20,16 @@ namespace {
 
 using Point = Run::Point;
 
-/// The walk jumps about in the drawing; this many pieces ahead, entities are on their way from
-/// memory.
+/// The walk jumps about in the drawing. This many pieces ahead, entities are on their way from
+/// memory; twice as many, the pointers to them, and three times, the runs.
 constexpr std::size_t lookAhead = 8;
 
 } // namespace
 
-std::vector<Point> roomFor(const std::vector<Run>& runs) {
+std::vector<Point> roomFor(const std::vector<Run>& runs, const Entities& entities) {
     std::size_t count = 0;
     for (const Run& run : runs) {
-        count += run.size();
+        count += run.size(entities);
     }
     std::vector<Point> points;
     if (count > points.max_size()) {
@@ -38,16 +39,17 @@ std::vector<Point> roomFor(const std::vector<Run>& runs) {
     return points;
 }
 
-void append(const base::Walk& walk, const std::vector<Run>& runs, std::vector<Point>& points,
-            std::vector<DXFContour>* contours) {
+void append(const base::Walk& walk, const std::vector<Run>& runs, const Entities& entities,
+            std::vector<Point>& points, std::vector<DXFContour>* contours) {
     std::size_t start = points.size();
     for (std::size_t i = 0; i < walk.size(); ++i) {
-        if (i + 2 * lookAhead < walk.size()) {
-            __builtin_prefetch(&runs[walk[i + 2 * lookAhead].run]);
-            runs[walk[i + lookAhead].run].prefetch();
+        if (i + 3 * lookAhead < walk.size()) {
+            base::prefetch(&runs[walk[i + 3 * lookAhead].run]);
+            runs[walk[i + 2 * lookAhead].run].prefetchPointer(entities);
+            runs[walk[i + lookAhead].run].prefetchEntity(entities);
         }
         const base::Piece& piece = walk[i];
-        runs[piece.run].appendTo(points, piece.direction, piece.dropped);
+        runs[piece.run].appendTo(points, entities, piece.direction, piece.dropped);
         if (!piece.endsChain) {
             continue;
         }

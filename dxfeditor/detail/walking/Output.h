@@ -10,13 +10,13 @@ namespace dxfeditor {
 
 /// An empty vector with room for the points of all runs, so that a drawing too large for the memory
 /// fails with std::bad_alloc before any work is done.
-std::vector<Run::Point> roomFor(const std::vector<Run>& runs);
+std::vector<Run::Point> roomFor(const std::vector<Run>& runs, const Entities& entities);
 
 /// Appends the points of a walk through `runs`. The last point of a closed chain becomes an exact
 /// copy of its first.
 ///
 /// @param contours  receives one contour for each chain; may be null
-void append(const base::Walk& walk, const std::vector<Run>& runs, std::vector<Run::Point>& points,
-            std::vector<DXFContour>* contours);
+void append(const base::Walk& walk, const std::vector<Run>& runs, const Entities& entities,
+            std::vector<Run::Point>& points, std::vector<DXFContour>* contours);
 
 } // namespace dxfeditor

@@ -22,6 +22,9 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <new>
+#include <type_traits>
+#include <typeinfo>
 
 namespace dxfeditor {
 
@@ -298,9 +301,10 @@ void appendPart(const Shape& shape, std::size_t size, const Part& part,
     append(pointsOf(shape), size, part, points);
 }
 
-void appendPart(const Segment& line, std::size_t size, const Part& part,
+/// The length of a line need not be computed again.
+void appendPart(const DXFLine& line, std::size_t size, const Part& part,
                 std::vector<Point>& points) {
-    append(LinePoints(line, size), size, part, points);
+    append(LinePoints(segmentOf(line), size), size, part, points);
 }
 
 void appendPart(const DXFPolyline& polyline, std::size_t /*size*/, const Part& part,
@@ -308,77 +312,96 @@ void appendPart(const DXFPolyline& polyline, std::size_t /*size*/, const Part& p
     append(pointsOf(polyline), part, points);
 }
 
-template <typename Entity>
-void addRun(const Entity& entity, std::size_t size, Runs& runs) {
-    runs.runs.emplace_back(entity, size);
-}
-
-/// A line keeps a copy of its shape, but not for a single point: the copy would be larger than
-/// that.
-void addRun(const DXFLine& line, std::size_t size, Runs& runs) {
-    if (size > 1) {
-        runs.lines.push_back(segmentOf(line));
-        runs.runs.emplace_back(runs.lines.back(), size);
-    } else {
-        runs.runs.emplace_back(line, size);
-    }
+/// An entity of exactly this class.
+template <typename Shape>
+const Shape& as(const DXFEntity& entity) {
+    return static_cast<const Shape&>(entity);
 }
 
 } // namespace
 
+template <typename Shape>
+Run::Kind Run::kindOf(const Shape& shape) {
+    if (typeid(shape) != typeid(Shape)) {
+        return Kind::Derived;
+    }
+    return std::is_same_v<Shape, DXFPolyline>      ? Kind::Polyline
+           : std::is_same_v<Shape, DXFPoint>       ? Kind::Point
+           : std::is_same_v<Shape, DXFPointVector> ? Kind::PointVector
+           : std::is_same_v<Shape, DXFCircle>      ? Kind::Circle
+           : std::is_same_v<Shape, DXFArc>         ? Kind::Arc
+           : std::is_same_v<Shape, DXFLine>        ? Kind::Line
+                                                   : Kind::Spline;
+}
+
 template <typename Visitor>
-void Run::visitShape(Visitor visitor) const {
+void Run::visitShape(const Entities& entities, Visitor visitor) const {
+    const DXFEntity& entity = *entities[m_entity];
     switch (m_kind) {
     case Kind::Polyline:
-        return visitor(*static_cast<const DXFPolyline*>(m_shape));
+        return visitor(as<DXFPolyline>(entity));
     case Kind::Point:
-        return visitor(*static_cast<const DXFPoint*>(m_shape));
+        return visitor(as<DXFPoint>(entity));
     case Kind::PointVector:
-        return visitor(*static_cast<const DXFPointVector*>(m_shape));
+        return visitor(as<DXFPointVector>(entity));
     case Kind::Circle:
-        return visitor(*static_cast<const DXFCircle*>(m_shape));
+        return visitor(as<DXFCircle>(entity));
     case Kind::Arc:
-        return visitor(*static_cast<const DXFArc*>(m_shape));
+        return visitor(as<DXFArc>(entity));
     case Kind::Line:
-        return visitor(*static_cast<const DXFLine*>(m_shape));
+        return visitor(as<DXFLine>(entity));
     case Kind::Spline:
-        return visitor(*static_cast<const DXFSpline*>(m_shape));
-    case Kind::Segment:
-        return visitor(*static_cast<const Segment*>(m_shape));
+        return visitor(as<DXFSpline>(entity));
+    case Kind::Derived:
+        visitEntity(entity, visitor);
     }
 }
 
-void Run::prefetch() const {
-    visitShape([](const auto& shape) {
-        const char* const begin = reinterpret_cast<const char*>(&shape);
-        __builtin_prefetch(begin);
-        __builtin_prefetch(begin + sizeof shape - 1);
-    });
+std::size_t Run::countPoints(const Entities& entities) const {
+    std::size_t count = 0;
+    visitShape(entities, [&](const auto& shape) { count = pointsOf(shape).size(); });
+    return count;
 }
 
-void Run::appendTo(std::vector<Point>& points, Direction direction, Dropped dropped) const {
+void Run::prefetchEntity(const Entities& entities) const {
+    const char* const begin = reinterpret_cast<const char*>(entities[m_entity].get());
+    base::prefetch(begin);
+    // The last byte of a line.
+    base::prefetch(begin + sizeof(DXFLine) - 1);
+}
+
+void Run::appendTo(std::vector<Point>& points, const Entities& entities, Direction direction,
+                   Dropped dropped) const {
     const bool isReversed = direction == Direction::Backwards;
     const Part part = {direction, dropped == (isReversed ? Dropped::Last : Dropped::First),
                        dropped == (isReversed ? Dropped::First : Dropped::Last)};
-    visitShape([&](const auto& shape) { appendPart(shape, m_size, part, points); });
+    const std::size_t count = size(entities);
+    visitShape(entities, [&](const auto& shape) { appendPart(shape, count, part, points); });
 }
 
-Runs runsOf(const std::vector<std::shared_ptr<DXFEntity>>& entities) {
+Runs runsOf(const Entities& entities) {
+    if (entities.size() > base::maximumRuns) {
+        throw std::bad_alloc();
+    }
     Runs runs;
     base::reserveLarge(runs.runs, entities.size());
-    base::reserveLarge(runs.ends, 2 * entities.size());
-    base::reserveLarge(runs.lines, entities.size());
-    const auto add = [&](const auto& entity) {
-        auto points = pointsOf(entity);
-        if (const std::size_t size = points.size(); size > 0) {
-            addRun(entity, size, runs);
-            runs.ends.push_back(firstOf(points));
-            runs.ends.push_back(lastOf(points));
-        }
-    };
-    for (const std::shared_ptr<DXFEntity>& entity : entities) {
-        if (entity != nullptr) {
-            visitEntity(static_cast<const DXFEntity&>(*entity), add);
+    runs.ends.reserve(entities.size());
+    for (std::size_t i = 0; i < entities.size(); ++i) {
+        const auto add = [&](const auto& entity) {
+            auto points = pointsOf(entity);
+            const std::size_t size = points.size();
+            if (size == 0) {
+                return;
+            }
+            runs.runs.emplace_back(entity, i, size);
+            if (size == 1) {
+                runs.ends.add(firstOf(points));
+            } else {
+                runs.ends.add(firstOf(points), lastOf(points));
+            }
+        };
+        if (entities[i] != nullptr) {
+            visitEntity(static_cast<const DXFEntity&>(*entities[i]), add);
         }
     }
     return runs;

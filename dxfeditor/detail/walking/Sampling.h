@@ -1,9 +1,11 @@
 #pragma once
 
+#include "base/Prefetch.h"
 #include "base/stitching/Stitching.h"
 #include "dxfeditor/DXFPolyline.h"
 #include "dxfeditor/detail/walking/Spaces.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -22,35 +24,44 @@ namespace dxfeditor {
 using base::Direction;
 using base::Dropped;
 
+/// The entities of a drawing, in their order.
+using Entities = std::vector<std::shared_ptr<DXFEntity>>;
+
 /// One entity as a run of points, about ten per drawing unit, with (x, 0, y) for a point (x, y) of
 /// the drawing plane.
 ///
 /// A run does not hold its points. Every point follows from the entity's shape and the index of the
 /// point alone, so that the ends are known without what lies between them, and the points can be
-/// computed where they are to stay. The shape must outlive the run and stay as it is: the entity,
-/// or of a line of some points only where it starts and ends, since entities lie far apart in
-/// memory.
+/// computed where they are to stay. The entities must stay as they are.
 ///
 /// Example: a line from (0, 0) to (1, 0) is a run of 11 points, from (0, 0, 0) to (1, 0, 0).
 class Run {
 public:
     using Point = CloudPoint;
 
-    /// @param shape  a DXFPolyline, DXFPoint, DXFPointVector, DXFCircle, DXFArc, DXFLine, DXFSpline
-    ///               or Segment
-    /// @param size   number of points
+    /// @param shape   a DXFPolyline, DXFPoint, DXFPointVector, DXFCircle, DXFArc, DXFLine or
+    ///                DXFSpline
+    /// @param entity  its index among the entities
+    /// @param size    number of points
     template <typename Shape>
-    Run(const Shape& shape, std::size_t size)
-        : m_shape(&shape), m_kind(kindOf(shape)), m_size(size & mostPoints) {}
+    Run(const Shape& shape, std::size_t entity, std::size_t size)
+        : m_entity(static_cast<std::uint32_t>(entity)), m_kind(kindOf(shape)),
+          m_size(std::min<std::size_t>(size, countedAnew) & countedAnew) {}
 
     /// Number of points.
-    std::size_t size() const { return m_size; }
+    /// @param entities  those of the drawing, here and below
+    std::size_t size(const Entities& entities) const {
+        return m_size < countedAnew ? m_size : countPoints(entities);
+    }
 
-    /// Asks the processor to fetch the shape, for an appendTo() some runs later.
-    void prefetch() const;
+    // Both ask the processor for what an appendTo() some runs later needs: where the entity lies,
+    // and the entity.
+    void prefetchPointer(const Entities& entities) const { base::prefetch(&entities[m_entity]); }
+    void prefetchEntity(const Entities& entities) const;
 
     /// Appends all points of the run but the dropped one.
-    void appendTo(std::vector<Point>& points, Direction direction, Dropped dropped) const;
+    void appendTo(std::vector<Point>& points, const Entities& entities, Direction direction,
+                  Dropped dropped) const;
 
 private:
     enum class Kind : std::uint8_t {
@@ -61,41 +72,36 @@ private:
         Arc,
         Line,
         Spline,
-        Segment
+        /// Of a class derived from one of these.
+        Derived
     };
-    static Kind kindOf(const DXFPolyline&) { return Kind::Polyline; }
-    static Kind kindOf(const DXFPoint&) { return Kind::Point; }
-    static Kind kindOf(const DXFPointVector&) { return Kind::PointVector; }
-    static Kind kindOf(const DXFCircle&) { return Kind::Circle; }
-    static Kind kindOf(const DXFArc&) { return Kind::Arc; }
-    static Kind kindOf(const DXFLine&) { return Kind::Line; }
-    static Kind kindOf(const DXFSpline&) { return Kind::Spline; }
-    static Kind kindOf(const Segment&) { return Kind::Segment; }
+    template <typename Shape>
+    static Kind kindOf(const Shape& shape);
 
     template <typename Visitor>
-    void visitShape(Visitor visitor) const;
+    void visitShape(const Entities& entities, Visitor visitor) const;
+    std::size_t countPoints(const Entities& entities) const;
 
-    static constexpr std::uint64_t mostPoints = (std::uint64_t{1} << 56) - 1;
+    /// The size of a run that has so many points or more; all bits of m_size.
+    static constexpr std::uint32_t countedAnew = (std::uint32_t{1} << 29) - 1;
 
-    // A std::variant of pointers to the shapes, but for its room: it would take a word of its own
-    // to tell them apart, and with the size half as much memory again for each run.
-    const void* m_shape;
-    Kind m_kind : 8;
-    std::uint64_t m_size : 56;
+    // Half of what a pointer to the shape and a size would take: drawings have millions of runs.
+    std::uint32_t m_entity;
+    Kind m_kind : 3;
+    std::uint32_t m_size : 29;
 };
-static_assert(sizeof(Run) == 16);
+static_assert(sizeof(Run) == 8);
 
 /// The runs of a drawing, in the order of its entities.
 struct Runs {
     std::vector<Run> runs;
     /// The first and the last point of each run, the same to the bit as Run::appendTo gives them.
-    std::vector<Run::Point> ends;
-    /// The shapes of those runs that are lines of more than one point; never moved.
-    std::vector<Segment> lines;
+    base::EndPoints ends;
 };
 
 /// An entity that is empty, that is of none of the known kinds or not of the class that its type
 /// code names, or that has no points gives no run.
-Runs runsOf(const std::vector<std::shared_ptr<DXFEntity>>& entities);
+/// @throws std::bad_alloc when there are more entities than runs can be stitched
+Runs runsOf(const Entities& entities);
 
 } // namespace dxfeditor

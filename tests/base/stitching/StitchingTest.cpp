@@ -35,11 +35,25 @@ std::vector<std::string> described(const base::Walk& walk) {
     return pieces;
 }
 
-/// The procedure, step by step. Runs have more than one point, so that each moves an end.
+/// Both ends of each run, as the stitching takes them.
+base::EndPoints endPointsOf(const std::vector<Point>& ends, const std::vector<bool>& haveOnePoint) {
+    base::EndPoints points;
+    for (std::size_t run = 0; run < haveOnePoint.size(); ++run) {
+        if (haveOnePoint[run]) {
+            points.add(ends[2 * run]);
+        } else {
+            points.add(ends[2 * run], ends[2 * run + 1]);
+        }
+    }
+    return points;
+}
+
+/// The procedure, step by step.
 class PlainStitcher {
 public:
-    PlainStitcher(const std::vector<Point>& ends, double distance)
-        : m_ends(ends), m_distance(distance) {}
+    PlainStitcher(const std::vector<Point>& ends, const std::vector<bool>& haveOnePoint,
+                  double distance)
+        : m_ends(ends), m_haveOnePoint(haveOnePoint), m_distance(distance) {}
 
     base::Walk walk() {
         for (std::size_t run = 0; run < m_ends.size() / 2; ++run) {
@@ -83,23 +97,31 @@ private:
         const Point& last = m_ends[2 * run + 1];
         if (meet(first, m_last)) {
             chain.push_back({run, Direction::Forwards, Dropped::First, false, false});
-            m_last = last;
+            move(m_last, run, last);
         } else if (meet(last, m_last)) {
             chain.push_back({run, Direction::Backwards, Dropped::First, false, false});
-            m_last = first;
+            move(m_last, run, first);
         } else if (meet(last, m_first)) {
             chain.push_front({run, Direction::Forwards, Dropped::Last, false, false});
-            m_first = first;
+            move(m_first, run, first);
         } else if (meet(first, m_first)) {
             chain.push_front({run, Direction::Backwards, Dropped::Last, false, false});
-            m_first = last;
+            move(m_first, run, last);
         } else {
             return false;
         }
         return true;
     }
 
+    /// Of a run of one point nothing is left when that is dropped: the chain ends where it did.
+    void move(Point& tip, RunNumber run, const Point& end) const {
+        if (!m_haveOnePoint[run]) {
+            tip = end;
+        }
+    }
+
     const std::vector<Point>& m_ends;
+    const std::vector<bool>& m_haveOnePoint;
     double m_distance;
     std::list<RunNumber> m_pool;
     Point m_first;
@@ -125,16 +147,30 @@ std::vector<Point> randomEnds(Random& random, double distance, std::size_t runs)
     return ends;
 }
 
+/// Makes some runs such that have one point: none, all, or each by chance.
+std::vector<bool> randomSingles(Random& random, std::vector<Point>& ends) {
+    const std::size_t kind = random.below(4);
+    std::vector<bool> haveOnePoint;
+    for (std::size_t run = 0; run < ends.size() / 2; ++run) {
+        haveOnePoint.push_back(kind == 0 || (kind == 1 && random.oneIn(3)));
+        if (haveOnePoint.back()) {
+            ends[2 * run + 1] = ends[2 * run];
+        }
+    }
+    return haveOnePoint;
+}
+
 TEST(Stitching, JoinsWhatTheProcedureJoinsAtAnyDistance) {
     Random random(1);
     for (const double distance : {0.001, 1e-9, 0.0007, 0.05, 0.3, 1.0, 7.5, 1e6, 1e-200, 1e150}) {
         std::size_t joined = 0;
         for (int round = 0; round < 100; ++round) {
             const std::size_t runs = 1 + random.below(60);
-            const std::vector<Point> ends = randomEnds(random, distance, runs);
-            const base::Walk expected = PlainStitcher(ends, distance).walk();
-            const base::Walk walk = base::stitch(
-                ends, [](RunNumber) { return false; }, JoinDistance(distance));
+            std::vector<Point> ends = randomEnds(random, distance, runs);
+            const std::vector<bool> haveOnePoint = randomSingles(random, ends);
+            const base::Walk expected = PlainStitcher(ends, haveOnePoint, distance).walk();
+            const base::Walk walk =
+                base::stitch(endPointsOf(ends, haveOnePoint), JoinDistance(distance));
             ASSERT_EQ(described(walk), described(expected)) << distance << ", round " << round;
             joined += runs - static_cast<std::size_t>(
                                  std::count_if(walk.begin(), walk.end(),
@@ -145,20 +181,14 @@ TEST(Stitching, JoinsWhatTheProcedureJoinsAtAnyDistance) {
     }
 }
 
-TEST(Stitching, AsksOfRunsWithEqualEndsWhetherTheyHaveOnePoint) {
-    const std::vector<Point> ends = {{1, 0, 0}, {1, 0, 0}, {0, 0, 0},
-                                     {1, 0, 0}, {1, 0, 0}, {2, 0, 0}};
-    std::vector<RunNumber> asked;
-    const base::Walk walk = base::stitch(
-        ends,
-        [&](RunNumber run) {
-            asked.push_back(run);
-            return true;
-        },
-        JoinDistance(0.1));
-    EXPECT_EQ(described(walk),
-              (std::vector<std::string>{"1 without last", "0 without last", "2 ends"}));
-    EXPECT_EQ(asked, std::vector<RunNumber>{0});
+TEST(Stitching, EndsAChainAtItsOwnPointWhereARunOfOnePointIsJoined) {
+    // Within 0.1 of the last end of run 2 only run 1 lies, and run 0 only within 0.1 of run 1.
+    const std::vector<Point> ends = {{2.15, 0, 0}, {3, 0, 0}, {2.08, 0, 0},
+                                     {2.08, 0, 0}, {1, 0, 0}, {2, 0, 0}};
+    EXPECT_EQ(described(base::stitch(endPointsOf(ends, {false, true, false}), JoinDistance(0.1))),
+              (std::vector<std::string>{"2", "1 without first ends", "0 ends"}));
+    EXPECT_EQ(described(base::stitch(endPointsOf(ends, {false, false, false}), JoinDistance(0.1))),
+              (std::vector<std::string>{"2", "1 without first", "0 without first ends"}));
 }
 
 TEST(JoinDistance, RowsAreFifteenToThirtyTimesAsWide) {
