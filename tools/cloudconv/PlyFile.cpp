@@ -2,7 +2,6 @@
 
 #include "converters/Converters.h"
 #include "converters/PlySerializerDeserializer.h"
-#include "tools/cloudconv/CollectedLog.h"
 #include "tools/cloudconv/FileError.h"
 
 #include <pcl/PCLPointCloud2.h>
@@ -73,12 +72,11 @@ PlyContents readPly(const std::string& path, const std::vector<unsigned char>& b
     if (bytes.empty()) {
         throw FileError(path, "the file is empty");
     }
-    const CollectedLog log;
     PlyContents contents;
     PLYDeserializer reader;
     try {
         if (!readInto(reader, bytes, contents.cloud)) {
-            throw FileError(path, log.reason("not readable as PLY"));
+            throw FileError(path, reader.refusal().messages.front());
         }
     } catch (const std::logic_error&) {
         throw FileError(path, "the value of an obj_info line is not a number that fits");
@@ -91,8 +89,7 @@ PlyContents readPly(const std::string& path, const std::vector<unsigned char>& b
     return contents;
 }
 
-std::vector<unsigned char> writePly(const std::string& path,
-                                    const pcl::PointCloud<pcl::PointXYZI>& cloud, bool ascii) {
+std::vector<unsigned char> writePly(const pcl::PointCloud<pcl::PointXYZI>& cloud, bool ascii) {
     if (cloud.points.empty()) {
         // The header that the library gives for such a cloud has neither format nor properties:
         // other programs refuse it.
@@ -101,12 +98,9 @@ std::vector<unsigned char> writePly(const std::string& path,
         const std::string header = PLYSerializer().GenerateHeader(empty, !ascii);
         return {header.begin(), header.end()};
     }
-    const CollectedLog log;
     std::vector<unsigned char> bytes;
-    const bool written =
-        ascii ? converters::toPlyAscii(cloud, bytes) : converters::toPlyBinary(cloud, bytes);
-    if (!written) {
-        throw FileError(path, log.reason("could not be made"));
-    }
+    // Only a cloud without points is refused.
+    static_cast<void>(ascii ? converters::toPlyAscii(cloud, bytes)
+                            : converters::toPlyBinary(cloud, bytes));
     return bytes;
 }

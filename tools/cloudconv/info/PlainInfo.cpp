@@ -117,7 +117,7 @@ Json describePly(const std::string& name, const Bytes& bytes) {
         describeCloud(contents, description);
     } catch (const FileError& error) {
         description["readable"] = false;
-        description["reason"] = std::string(error.what()).substr(name.size() + 2);
+        description["reason"] = error.reason();
     }
     description["elements"] = elementsOf(inventory);
     return description;
