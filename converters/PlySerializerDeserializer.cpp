@@ -1,5 +1,6 @@
 #include "converters/PlySerializerDeserializer.h"
 
+#include "base/Words.h"
 #include "converters/detail/ply/OutputMemory.h"
 #include "converters/detail/ply/PlyColumn.h"
 #include "converters/detail/ply/PlyDatatype.h"
@@ -28,7 +29,6 @@ using converters::detail::PlyColumn;
 using converters::detail::PlyHeaderLine;
 using converters::detail::PointBytes;
 using converters::detail::sizeOfDatatype;
-using converters::detail::takeLine;
 using converters::detail::textOf;
 using converters::detail::wordOfDatatype;
 
@@ -270,7 +270,7 @@ void PLYDeserializer::NeedCloud() {
 bool PLYDeserializer::IsVertexCountZero(const std::vector<unsigned char>& data) const {
     std::string_view text = textOf(data);
     std::string_view lineText;
-    while (takeLine(text, lineText)) {
+    while (base::takeLine(text, lineText)) {
         PlyHeaderLine line(lineText);
         if (line.nextWord() == "element" && line.nextWord() == "vertex") {
             line.skipBlanks();
@@ -315,7 +315,7 @@ PLYDeserializer::Faults PLYDeserializer::ParseHeader(std::string_view& text, std
     }
     Seen seen;
     std::string_view lineText;
-    while (takeLine(text, lineText)) {
+    while (base::takeLine(text, lineText)) {
         ++lineNumber;
         PlyHeaderLine line(lineText);
         const std::string_view keyword = line.nextWord();

@@ -3,6 +3,7 @@
 #include "converters/Converters.h"
 #include "converters/PlySerializerDeserializer.h"
 #include "tools/cloudconv/FileError.h"
+#include "tools/cloudconv/PlyInventory.h"
 
 #include <pcl/PCLPointCloud2.h>
 #include <pcl/console/print.h>
@@ -10,31 +11,17 @@
 
 #include <algorithm>
 #include <array>
-#include <sstream>
 
 namespace {
 
-/// Whether the header, up to "end_header", is that of a PLY file and says "element vertex 0".
+/// Whether this is a PLY file whose first vertex element has none.
 bool declaresNoVertices(const std::vector<unsigned char>& bytes) {
-    constexpr char endOfHeader[] = "end_header";
-    const auto end =
-        std::search(bytes.begin(), bytes.end(), std::begin(endOfHeader), std::end(endOfHeader) - 1);
-    std::istringstream header(std::string(bytes.begin(), end));
-    std::string line;
-    if (end == bytes.end() || !std::getline(header, line) || line.compare(0, 3, "ply") != 0) {
-        return false;
-    }
-    while (std::getline(header, line)) {
-        std::istringstream words(line);
-        std::string element;
-        std::string name;
-        std::string count;
-        words >> element >> name >> count;
-        if (element == "element" && name == "vertex") {
-            return count == "0";
-        }
-    }
-    return false;
+    const PlyInventory inventory =
+        plyInventoryOf({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+    const auto vertices =
+        std::find_if(inventory.elements.begin(), inventory.elements.end(),
+                     [](const PlyElementLine& element) { return element.name == "vertex"; });
+    return inventory.hasEnd && vertices != inventory.elements.end() && vertices->number() == 0U;
 }
 
 bool isFloat(const std::vector<pcl::PCLPointField>& fields, const std::string& name) {
