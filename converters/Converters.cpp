@@ -38,10 +38,12 @@ std::vector<cv::Point3_<double>> widened(const pcl::PointCloud<pcl::PointXYZ>& c
 }
 
 /// Writes the drawing that holds the points alone, and lets go of them.
-/// @param file  descriptor to write to
-/// @param path  the file's name in a message
+/// @param file    descriptor to write to
+/// @param path    the file's name in a message
+/// @param reason  replaced by that message
 /// @return true when every byte of it was written
-bool saveDrawing(int file, const std::string& path, std::shared_ptr<DXFPointVector> points) {
+bool saveDrawing(int file, const std::string& path, std::shared_ptr<DXFPointVector> points,
+                 std::string& reason) {
     DXFDraw draw(path);
     draw.setupFile();
     draw.entities.push_back(points);
@@ -51,10 +53,14 @@ bool saveDrawing(int file, const std::string& path, std::shared_ptr<DXFPointVect
     if (draw.document.addEntity(std::move(points))) {
         draw.document.setup();
     }
-    return draw.writer.saveTo(file, path);
+    const bool isComplete = draw.writer.saveTo(file, path);
+    reason = draw.writer.whyNotOpened();
+    return isComplete;
 }
 
-bool writeAndReadBack(std::shared_ptr<DXFPointVector> points, std::vector<unsigned char>& out) {
+bool writeAndReadBack(std::shared_ptr<DXFPointVector> points, std::vector<unsigned char>& out,
+                      std::string& reason) {
+    reason.clear();
     if (!std::filesystem::exists(tmpDxfPath)) {
         std::filesystem::create_directories(tmpDxfPath);
     }
@@ -63,7 +69,8 @@ bool writeAndReadBack(std::shared_ptr<DXFPointVector> points, std::vector<unsign
 
     base::TransientFile file(path);
     // Also for a file that could not be created, which the writer reports.
-    if (!saveDrawing(file.descriptor(), path.string(), std::move(points)) || !file.isInPlace()) {
+    if (!saveDrawing(file.descriptor(), path.string(), std::move(points), reason) ||
+        !file.isInPlace()) {
         return false;
     }
     if (!from_file(file.openPath().string(), out)) {
@@ -85,13 +92,20 @@ bool from_file(const std::string& path, std::vector<unsigned char>& out) {
 }
 
 bool toDxf(const std::vector<cv::Point3_<double>>& points, std::vector<unsigned char>& out) {
+    std::string reason;
+    return toDxf(points, out, reason);
+}
+
+bool toDxf(const std::vector<cv::Point3_<double>>& points, std::vector<unsigned char>& out,
+           std::string& reason) {
     out.clear();
-    return writeAndReadBack(DXFAdapter::makePointVector(points), out);
+    return writeAndReadBack(DXFAdapter::makePointVector(points), out, reason);
 }
 
 bool toDxf(const pcl::PointCloud<pcl::PointXYZ>& cloud, std::vector<unsigned char>& out) {
     out.clear();
-    return writeAndReadBack(DXFAdapter::makePointVector(widened(cloud)), out);
+    std::string reason;
+    return writeAndReadBack(DXFAdapter::makePointVector(widened(cloud)), out, reason);
 }
 
 bool toPlyBinary(const pcl::PointCloud<pcl::PointXYZI>& cloud, std::vector<unsigned char>& out) {

@@ -51,6 +51,15 @@ CONVERTERS_EXPORT bool from_file(const std::string& path, std::vector<unsigned c
 CONVERTERS_EXPORT bool toDxf(const std::vector<cv::Point3_<double>>& points,
                              std::vector<unsigned char>& out);
 
+/// The same, and tells why.
+///
+/// @param points  as above
+/// @param out     as above
+/// @param reason  replaced by what the log says when the file cannot be created; by nothing when
+///                the drawing is complete, or fails otherwise
+CONVERTERS_EXPORT bool toDxf(const std::vector<cv::Point3_<double>>& points,
+                             std::vector<unsigned char>& out, std::string& reason);
+
 /// Makes the drawing of the cloud's points, as the other toDxf does; the file is the same.
 ///
 /// @param cloud  its points, missing ones (nan) included; its width, height and is_dense do not

@@ -1,5 +1,6 @@
 #include "converters/PlySerializerDeserializer.h"
 
+#include "base/Words.h"
 #include "converters/detail/ply/OutputMemory.h"
 #include "converters/detail/ply/PlyColumn.h"
 #include "converters/detail/ply/PlyDatatype.h"
@@ -28,7 +29,6 @@ using converters::detail::PlyColumn;
 using converters::detail::PlyHeaderLine;
 using converters::detail::PointBytes;
 using converters::detail::sizeOfDatatype;
-using converters::detail::takeLine;
 using converters::detail::textOf;
 using converters::detail::wordOfDatatype;
 
@@ -198,7 +198,8 @@ struct PLYDeserializer::Fault {
     /// callers learn from refusal().
     enum class Message { None, Line, LineAndReason, Reason };
 
-    PlyRefusal refusal;
+    std::string reason;
+    std::uint64_t line;
     Message message;
 };
 
@@ -206,30 +207,46 @@ struct PLYDeserializer::Fault {
 /// @return whether there is no fault
 bool PLYDeserializer::Accept(Faults fault, const char* function) {
     using Message = Fault::Message;
-    constexpr int error = 2;
-    m_refusal = fault ? std::move(fault->refusal) : PlyRefusal();
-    if (!fault || fault->message == Message::None) {
-        return !fault;
+    m_refusal = {};
+    if (!fault) {
+        return true;
     }
-    const char* const reason = m_refusal.reason.c_str();
-    const int line = forPrint(m_refusal.line);
-    if (fault->message == Message::Line) {
-        deliverOrTerminate(error, __LINE__, function,
-                           "[PlyDeserializer::%s] Error parsing ply, line: %i\n", function, line);
-    } else if (fault->message == Message::LineAndReason) {
-        deliverOrTerminate(error, __LINE__, function,
-                           "[PlyDeserializer::%s] Error parsing ply, line: %i %s\n", function, line,
-                           reason);
-    } else {
-        deliverOrTerminate(error, __LINE__, function,
-                           "[PlyDeserializer::%s] Error parsing ply, %s\n", function, reason);
+    m_refusal = {std::move(fault->reason), fault->line, {}};
+    const Message message = fault->message;
+    if (message == Message::None) {
+        return false;
     }
+    std::string text = std::string("[PlyDeserializer::") + function + "] Error parsing ply, ";
+    if (message != Message::Reason) {
+        text += "line: " + std::to_string(forPrint(m_refusal.line));
+    }
+    if (message == Message::LineAndReason) {
+        text += ' ';
+    }
+    if (message != Message::Line) {
+        text += m_refusal.reason;
+    }
+    Report(std::move(text), function);
     return false;
+}
+
+/// Says in the log at what DeserializePlyT has failed, and keeps it with the refusal.
+/// @return false
+bool PLYDeserializer::Fail(const char* text) {
+    Report(std::string("[PLYDeserializer::DeserializePlyT] ") + text, "DeserializePlyT");
+    return false;
+}
+
+/// Delivers an error in the name of a step, and keeps it with the refusal.
+void PLYDeserializer::Report(std::string text, const char* function) {
+    constexpr int error = 2;
+    m_refusal.messages.push_back(std::move(text));
+    deliverOrTerminate(error, __LINE__, function, "%s\n", m_refusal.messages.back().c_str());
 }
 
 /// A fault of the line read last.
 PLYDeserializer::Fault PLYDeserializer::BadLine(std::string reason, bool isLogged) const {
-    return {{std::move(reason), lineNumber},
+    return {std::move(reason), lineNumber,
             isLogged ? Fault::Message::LineAndReason : Fault::Message::Line};
 }
 
@@ -253,7 +270,7 @@ void PLYDeserializer::NeedCloud() {
 bool PLYDeserializer::IsVertexCountZero(const std::vector<unsigned char>& data) const {
     std::string_view text = textOf(data);
     std::string_view lineText;
-    while (takeLine(text, lineText)) {
+    while (base::takeLine(text, lineText)) {
         PlyHeaderLine line(lineText);
         if (line.nextWord() == "element" && line.nextWord() == "vertex") {
             line.skipBlanks();
@@ -298,7 +315,7 @@ PLYDeserializer::Faults PLYDeserializer::ParseHeader(std::string_view& text, std
     }
     Seen seen;
     std::string_view lineText;
-    while (takeLine(text, lineText)) {
+    while (base::takeLine(text, lineText)) {
         ++lineNumber;
         PlyHeaderLine line(lineText);
         const std::string_view keyword = line.nextWord();
@@ -313,7 +330,7 @@ PLYDeserializer::Faults PLYDeserializer::ParseHeader(std::string_view& text, std
             return fault;
         }
     }
-    return Fault{{"the header has no end_header line", 0}, Fault::Message::None};
+    return Fault{"the header has no end_header line", 0, Fault::Message::None};
 }
 
 /// The first line. Its fourth byte is taken whatever it is: a line feed, or a carriage return that
@@ -434,7 +451,7 @@ PLYDeserializer::Faults PLYDeserializer::ParseProperty(Line& line, const Seen& s
     cloud->point_step += size;
     // Offsets that wrapped would lead outside a record.
     if (cloud->point_step < size) {
-        return Fault{{"the records have more than 4 GiB", lineNumber}, Fault::Message::None};
+        return Fault{"the records have more than 4 GiB", lineNumber, Fault::Message::None};
     }
     return {};
 }
@@ -452,11 +469,11 @@ PLYDeserializer::Faults PLYDeserializer::FinishHeader(std::size_t inputSize,
     const std::uint64_t points = std::uint64_t{cloud->width} * cloud->height;
     if (!fits(std::max(vertexCount, points), cloud->point_step + pointSize,
               fixedLimit + limitPerByte * inputSize)) {
-        return Fault{{"the header declares more points than a file of this size can hold", 0},
+        return Fault{"the header declares more points than a file of this size can hold", 0,
                      Fault::Message::None};
     }
     if (points != vertexCount && cloud->point_step != 0) {
-        return Fault{{"num_cols times num_rows is not the number of vertices", 0},
+        return Fault{"num_cols times num_rows is not the number of vertices", 0,
                      Fault::Message::None};
     }
     return {};
@@ -510,11 +527,11 @@ PLYDeserializer::Faults PLYDeserializer::TakeBody(std::size_t bodySize, std::uin
         return takeLines();
     case PlyFormat::BinaryLittleEndian:
         if (bodySize != expected) {
-            return Fault{{"Binary Data doesn't match expected size", 0}, Fault::Message::Reason};
+            return Fault{"Binary Data doesn't match expected size", 0, Fault::Message::Reason};
         }
         break;
     case PlyFormat::BinaryBigEndian:
-        return Fault{{"Binary Big Endian not implemented", 0}, Fault::Message::Reason};
+        return Fault{"Binary Big Endian not implemented", 0, Fault::Message::Reason};
     }
     return {};
 }

@@ -29,6 +29,10 @@
 /// never depends on a locale. Besides what the logging library throws, only std::bad_alloc leaves.
 class CONVERTERS_EXPORT PLYSerializer {
 public:
+    /// What the log says of a cloud without points, and a line end.
+    static constexpr char noPointsMessage[] =
+        "PLYSerializer::SerializePlyBinary] Input point cloud has no data!";
+
     /// The header that describes a cloud, from "ply" to the line end of "end_header".
     ///
     /// The fields "normal_x", "normal_y", "normal_z", "rgb" and "rgba" are declared by their
@@ -98,9 +102,7 @@ private:
 
     /// Warns, in the name of `function`, of a cloud without points.
     static void ReportNoPoints(const char* function) {
-        converters::detail::deliverOrTerminate(
-            0, __LINE__, function,
-            "PLYSerializer::SerializePlyBinary] Input point cloud has no data!\n");
+        converters::detail::deliverOrTerminate(0, __LINE__, function, "%s\n", noPointsMessage);
     }
 
     static void SerializeBinary(const pcl::PCLPointCloud2& layout,
@@ -186,6 +188,9 @@ struct PlyRefusal {
     std::string reason;
     /// The line of the file that the reason is about, counted from 1; 0 when it is about none.
     std::uint64_t line = 0;
+    /// What the log says of it: the errors, in order of delivery, without line ends. It tells less:
+    /// some reasons have no message but that reading failed, others only their line.
+    std::vector<std::string> messages;
 };
 
 /// Reads PLY files: a "vertex" element with scalar properties, in ASCII or binary little-endian.
@@ -294,8 +299,7 @@ public:
     bool DeserializePlyT(const std::vector<unsigned char>& data, pcl::PointCloud<PointT>& output);
 
     /// Why ReadHeader, ReadData or DeserializePlyT, whichever was called last, returned false; no
-    /// reason when it returned true. Valid until the next call. The log tells less: some reasons
-    /// have no message, others only their line.
+    /// reason when it returned true. Valid until the next call.
     const PlyRefusal& refusal() const { return m_refusal; }
 
 private:
@@ -309,8 +313,10 @@ private:
     using Faults = std::optional<Fault>;
     using Line = converters::detail::PlyHeaderLine;
 
+    bool Fail(const char* text);
     CONVERTERS_HIDDEN void NeedCloud();
     CONVERTERS_HIDDEN bool Accept(Faults fault, const char* function);
+    CONVERTERS_HIDDEN void Report(std::string text, const char* function);
     CONVERTERS_HIDDEN Fault BadLine(std::string reason, bool isLogged = false) const;
 
     bool TakeHeader(std::string_view& text, std::size_t inputSize, std::size_t pointSize);
@@ -345,14 +351,11 @@ private:
 template <typename PointT>
 bool PLYDeserializer::DeserializePlyT(const std::vector<unsigned char>& data,
                                       pcl::PointCloud<PointT>& output) {
-    using converters::detail::deliverOrTerminate;
-    if (data.empty()) {
-        m_refusal = {"the file is empty", 0};
-        deliverOrTerminate(2, __LINE__, "DeserializePlyT",
-                           "[PLYDeserializer::DeserializePlyT] No Input data!\n");
-        return false;
-    }
     m_refusal = {};
+    if (data.empty()) {
+        m_refusal.reason = "the file is empty";
+        return Fail("No Input data!");
+    }
     Init();
     if (IsVertexCountZero(data)) {
         emptySceneInTeach = true;
@@ -361,15 +364,11 @@ bool PLYDeserializer::DeserializePlyT(const std::vector<unsigned char>& data,
     std::string_view text = converters::detail::textOf(data);
     const std::size_t textSize = text.size();
     if (!TakeHeader(text, data.size(), sizeof(PointT))) {
-        deliverOrTerminate(2, __LINE__, "DeserializePlyT",
-                           "[PLYDeserializer::DeserializePlyT] Reading Header Failed!\n");
-        return false;
+        return Fail("Reading Header Failed!");
     }
     const std::size_t bodyStart = textSize - text.size();
     if (!PassBody(data.size() - bodyStart, text)) {
-        deliverOrTerminate(2, __LINE__, "DeserializePlyT",
-                           "[PLYDeserializer::DeserializePlyT] Reading Data Failed!\n");
-        return false;
+        return Fail("Reading Data Failed!");
     }
     cloud->row_step = cloud->point_step * cloud->width;
     auto points = MakePoints<PointT>(data.data() + bodyStart, text);

@@ -118,9 +118,11 @@ bool DXFWriter::saveTo(int file, const std::string& path) {
 /// Writes the drawing into the file that was opened, if it was.
 bool DXFWriter::saveInto(const std::string& path) {
     m_engine = std::make_unique<DL_Dxf>();
+    m_whyNotOpened.clear();
     if (!m_file) {
-        p7::deliver(p7::level_info, __LINE__, sourceFile, "save",
-                    "DXFWriter: Cannot open %s for writing.", path.c_str());
+        // A path ends at its first NUL for the system, too.
+        m_whyNotOpened = std::string("DXFWriter: Cannot open ") + path.c_str() + " for writing.";
+        p7::deliver(p7::level_info, __LINE__, sourceFile, "save", "%s", m_whyNotOpened.c_str());
         return false;
     }
     // The only way to tell the engine its version. No file has this name: nothing is opened.

@@ -42,8 +42,9 @@ public:
     /// while another reads it, not even with writers of their own.
     ///
     /// @return true when the file is complete. False when it cannot be opened (a message is
-    ///         logged), when an entity cannot be written (see fillEntities) or when any byte could
-    ///         not be written; in the last case the file is closed.
+    ///         logged, which whyNotOpened() tells), when an entity cannot be written (see
+    ///         fillEntities) or when any byte could not be written; in the last case the file is
+    ///         closed.
     /// @throws what the logging library throws
     bool save(const std::string& path);
 
@@ -58,6 +59,9 @@ public:
     ///         the process may have no further one
     /// @throws what the logging library throws
     bool saveTo(int file, const std::string& path);
+
+    /// Why the last save could not open its file, as the log says it; empty when it could.
+    const std::string& whyNotOpened() const { return m_whyNotOpened; }
 
     /// Writes the HEADER section, which holds the version alone.
     void writeHeader();
@@ -101,5 +105,6 @@ private:
 
     std::unique_ptr<DL_Dxf> m_engine;
     std::unique_ptr<dxfeditor::DxfFileWriter> m_file;
+    std::string m_whyNotOpened;
     const DXFDocument& m_document;
 };

@@ -76,8 +76,8 @@ done
 # but for tests that compare millions of values or mount file systems.
 stage "valgrind"
 valgrind=(valgrind --quiet --error-exitcode=9 --leak-check=full --errors-for-leak-kinds=definite)
-valgrind_tests=(document_test dxf_reader_test adapter_test dxf_draw_test dxf_writer_test
-  entities_test from_dxf_test spline_test)
+valgrind_tests=(dxf_document_test dxf_reader_test dxf_adapter_test dxf_draw_test dxf_writer_test
+  dxf_entity_test from_dxf_test dxf_spline_test)
 targets=("${!format[@]}")
 scripts/build.sh release "${valgrind_tests[@]}" dxf_intake_test to_dxf_test "${targets[@]/#/replay_}"
 for test in "${valgrind_tests[@]}"; do

@@ -130,7 +130,7 @@ def from_ply(data: ReadableBuffer) -> PlyCloud:
     its place: of ``float x``, ``float foo`` and ``float z`` the cloud has foo as y.
 
     :param data: bytes, bytearray, memoryview, mmap, array of bytes or any other buffer
-    :raises ValueError: with the logged reason when the file is broken, or has what the reader does
+    :raises ValueError: with the reason when the file is broken, or has what the reader does
         not take: other elements than vertices, lists, big-endian data, another version than 1.0
     """
     return PlyCloud(*_native.from_ply(contiguous(data)))

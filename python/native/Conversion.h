@@ -1,7 +1,5 @@
 #pragma once
 
-#include "python/native/LogRecord.h"
-
 #include <pybind11/pybind11.h>
 
 #include <cstddef>
@@ -13,21 +11,20 @@
 /// @param type  the exception's class
 [[noreturn]] void raise(PyObject* type, const std::string& text);
 
-/// Runs a conversion without the interpreter lock and raises what the library logged when it fails.
+/// Runs a conversion without the interpreter lock and raises its reason when it fails.
 ///
 /// @param type        class of the exception
-/// @param otherwise   text of the exception when nothing was logged
-/// @param conversion  returns false when it fails; must not touch objects of Python
+/// @param conversion  returns why it failed, nothing when it succeeded; must not touch objects of
+///                    Python
 template <typename Conversion>
-void convert(PyObject* type, const char* otherwise, Conversion conversion) {
-    LogRecord log;
-    bool succeeded = false;
+void convert(PyObject* type, Conversion conversion) {
+    std::string reason;
     {
         const pybind11::gil_scoped_release unlocked;
-        succeeded = conversion();
+        reason = conversion();
     }
-    if (!succeeded) {
-        raise(type, log.reason().empty() ? otherwise : log.reason());
+    if (!reason.empty()) {
+        raise(type, reason);
     }
 }
 

@@ -125,12 +125,12 @@ py::tuple data(const std::shared_ptr<DXFEntity>& entity) {
 std::unique_ptr<DrawingModel> DrawingModel::fromBytes(const py::object& source) {
     const ByteView view(source);
     auto drawing = std::make_unique<DrawingModel>();
-    convert(PyExc_ValueError, "the data could not be read as a drawing", [&] {
+    convert(PyExc_ValueError, [&] {
         if (!DXFReader(drawing->m_document).load(view.copy<char>())) {
-            return false;
+            return "the data could not be read as a drawing";
         }
         drawing->m_document.setup();
-        return true;
+        return "";
     });
     return drawing;
 }

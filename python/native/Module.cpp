@@ -1,4 +1,5 @@
 #include "converters/Converters.h"
+#include "converters/PlySerializerDeserializer.h"
 #include "python/native/Column.h"
 #include "python/native/Conversion.h"
 #include "python/native/DrawingModel.h"
@@ -77,11 +78,13 @@ py::bytes toPly(const py::array& xs, const py::array& ys, const py::array& zs,
     requireSameSize(x, z);
     requireSameSize(x, intensity);
     std::vector<unsigned char> file;
-    convert(PyExc_ValueError, "the points could not be written", [&] {
+    convert(PyExc_ValueError, [&] {
         Cloud cloud = makeCloud(x, y, z, intensity);
         cloud.width = width;
         cloud.height = height;
-        return ascii ? converters::toPlyAscii(cloud, file) : converters::toPlyBinary(cloud, file);
+        const bool isWritten =
+            ascii ? converters::toPlyAscii(cloud, file) : converters::toPlyBinary(cloud, file);
+        return isWritten ? "" : PLYSerializer::noPointsMessage;
     });
     return toBytes(file);
 }
@@ -103,17 +106,30 @@ py::dtype pointType() {
     return py::dtype(names, formats, offsets, sizeof(pcl::PointXYZI));
 }
 
+/// The messages, joined by "; ". A long one is cut, and what comes behind it left out: files decide
+/// what they quote.
+std::string joined(const std::vector<std::string>& messages) {
+    constexpr std::size_t longestReason = 2000;
+    std::string reason;
+    for (const std::string& message : messages) {
+        if (reason.size() < longestReason) {
+            reason += reason.empty() ? "" : "; ";
+            reason.append(message, 0, longestReason);
+        }
+    }
+    return reason;
+}
+
 /// (points, width, height, empty scene)
 py::tuple fromPly(const py::object& source) {
     const ByteView view(source);
     auto cloud = std::make_unique<Cloud>();
-    bool emptyScene = false;
-    convert(PyExc_ValueError, "the data could not be read as PLY", [&] {
+    PLYDeserializer reader;
+    convert(PyExc_ValueError, [&] {
         try {
-            const converters::PlyReadResult result =
-                converters::fromPly(view.copy<unsigned char>(), *cloud);
-            emptyScene = result.emptySceneInTeach;
-            return result.success;
+            return reader.DeserializePlyT(view.copy<unsigned char>(), *cloud)
+                       ? std::string()
+                       : joined(reader.refusal().messages);
         } catch (const std::invalid_argument&) {
             // The library lets pass what std::stoi throws at the cloud's size.
             throw py::value_error("obj_info num_cols or num_rows is not a number");
@@ -126,7 +142,7 @@ py::tuple fromPly(const py::object& source) {
     const std::uint32_t height = cloud->height;
     const void* memory = cloud->points.data();
     return py::make_tuple(py::array(pointType(), {count}, {}, memory, keptBy(std::move(cloud))),
-                          width, height, emptyScene);
+                          width, height, reader.isEmptySceneInTeach());
 }
 
 py::bytes toDxf(const py::array& xs, const py::array& ys, const py::array& zs) {
@@ -136,12 +152,16 @@ py::bytes toDxf(const py::array& xs, const py::array& ys, const py::array& zs) {
     requireSameSize(x, y);
     requireSameSize(x, z);
     std::vector<unsigned char> file;
-    convert(PyExc_OSError, "the temporary drawing could not be written and read back", [&] {
+    convert(PyExc_OSError, [&]() -> std::string {
         const std::vector<Point> points = makePoints(x, y, z);
         // All calls of a process write the same temporary file.
         static std::mutex oneAtATime;
         const std::lock_guard<std::mutex> lock(oneAtATime);
-        return converters::toDxf(points, file);
+        std::string reason;
+        if (converters::toDxf(points, file, reason)) {
+            return "";
+        }
+        return reason.empty() ? "the temporary drawing could not be written and read back" : reason;
     });
     return toBytes(file);
 }
@@ -149,8 +169,11 @@ py::bytes toDxf(const py::array& xs, const py::array& ys, const py::array& zs) {
 py::array fromDxf(const py::object& source) {
     const ByteView view(source);
     std::vector<Point> points;
-    convert(PyExc_ValueError, "the data could not be read as a drawing",
-            [&] { return converters::fromDxf(view.copy<char>(), points); });
+    convert(PyExc_ValueError, [&] {
+        return converters::fromDxf(view.copy<char>(), points)
+                   ? ""
+                   : "the data could not be read as a drawing";
+    });
     return rows<double>(std::move(points), 3);
 }
 

@@ -51,7 +51,7 @@ void expectRead(const std::string& token) {
     }
 }
 
-TEST(DigitWordsTest, ReadsUpToSevenDigitsWithAPointAnywhere) {
+TEST(DigitWords, ReadsUpToSevenDigitsWithAPointAnywhere) {
     std::mt19937 random(1);
     for (int i = 0; i < 200000; ++i) {
         std::string token;
@@ -65,7 +65,7 @@ TEST(DigitWordsTest, ReadsUpToSevenDigitsWithAPointAnywhere) {
     }
 }
 
-TEST(DigitWordsTest, ReadsEightDigitsAsFarAsAFloatHoldsThemAll) {
+TEST(DigitWords, ReadsEightDigitsAsFarAsAFloatHoldsThemAll) {
     for (const char* token : {"16777215", "-16777216", "10000000", "00000000", "-00000001"}) {
         expectRead(token);
     }
@@ -75,13 +75,13 @@ TEST(DigitWordsTest, ReadsEightDigitsAsFarAsAFloatHoldsThemAll) {
     }
 }
 
-TEST(DigitWordsTest, KeepsTheSignOfZero) {
+TEST(DigitWords, KeepsTheSignOfZero) {
     for (const char* token : {"0", "-0", "-.0", "-0.", "0.000000", "-0.000000"}) {
         expectRead(token);
     }
 }
 
-TEST(DigitWordsTest, LeavesWhatIsNoShortNumber) {
+TEST(DigitWords, LeavesWhatIsNoShortNumber) {
     for (const char* token :
          {"",         "-",         ".",          "-.",        "..",
           "1..2",     "1.2.3",     "--1",        "1-",        "+1",
@@ -94,7 +94,7 @@ TEST(DigitWordsTest, LeavesWhatIsNoShortNumber) {
     }
 }
 
-TEST(DigitWordsTest, AnythingThatIsReadIsTheNumberThatItSays) {
+TEST(DigitWords, AnythingThatIsReadIsTheNumberThatItSays) {
     constexpr char characters[] = "00123456789..-+e /:\x1E\x8F\xB5";
     std::mt19937 random(2);
     int count = 0;
@@ -114,7 +114,7 @@ TEST(DigitWordsTest, AnythingThatIsReadIsTheNumberThatItSays) {
     EXPECT_GT(count, 100000);
 }
 
-TEST(DigitWordsTest, SplitsEveryNumberOfUpToEightDigits) {
+TEST(DigitWords, SplitsEveryNumberOfUpToEightDigits) {
     std::mt19937 random(3);
     const auto expectSplit = [](std::uint32_t number) {
         char text[9];

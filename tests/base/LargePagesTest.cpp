@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::size_t large = std::size_t(8) << 20;
 
-TEST(LargePagesTest, ARefusalByTheKernelLeavesErrnoAsItIs) {
+TEST(LargePages, ARefusalByTheKernelLeavesErrnoAsItIs) {
     void* const memory =
         mmap(nullptr, large, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     ASSERT_NE(memory, MAP_FAILED);
@@ -23,7 +23,7 @@ TEST(LargePagesTest, ARefusalByTheKernelLeavesErrnoAsItIs) {
     EXPECT_EQ(errno, EDOM);
 }
 
-TEST(LargePagesTest, MemoryAroundWholePagesStaysUsable) {
+TEST(LargePages, MemoryAroundWholePagesStaysUsable) {
     std::vector<unsigned char> bytes(large + 4096 + 5);
     for (const std::size_t skipped : {0U, 1U, 4095U, 4096U}) {
         base::askForLargePages(bytes.data() + skipped, bytes.size() - skipped);
@@ -36,7 +36,7 @@ TEST(LargePagesTest, MemoryAroundWholePagesStaysUsable) {
     }
 }
 
-TEST(LargePagesTest, ReservingKeepsWhatTheVectorHas) {
+TEST(LargePages, ReservingKeepsWhatTheVectorHas) {
     std::vector<int> numbers = {1, 2, 3};
     base::reserveLarge(numbers, large);
     EXPECT_GE(numbers.capacity(), large);

@@ -26,25 +26,22 @@ std::string nearMiss(const std::string& first, const std::string& second,
 }
 
 /// An entity with a handle, on a layer.
-Groups named(Groups entity, const std::string& handle, const std::string& layer) {
-    entity[3] = layer;
-    entity.insert(entity.begin() + 2, {"5", handle});
-    return entity;
+std::string named(const std::string& entity, const std::string& handle, const std::string& layer) {
+    return onLayer(layer, entity).insert(entity.find("8\n"), dxf("5 " + handle));
 }
 
 /// A polyline of these corners, x and y in turn.
-Groups polyline(const std::vector<double>& corners, bool closed = false) {
-    Groups groups = {
-        "0",  "LWPOLYLINE",      "8", "0", "90", number(static_cast<double>(corners.size()) / 2),
-        "70", closed ? "1" : "0"};
+std::string polyline(const std::vector<double>& corners, bool closed = false) {
+    std::string text = dxf("0 LWPOLYLINE  8 0  90 " + std::to_string(corners.size() / 2) + "  70 " +
+                           (closed ? "1" : "0"));
     for (std::size_t i = 0; i < corners.size(); i += 2) {
-        groups.insert(groups.end(), {"10", number(corners[i]), "20", number(corners[i + 1])});
+        text += dxf("10 " + number(corners[i]) + "  20 " + number(corners[i + 1]));
     }
-    return groups;
+    return text;
 }
 
-Groups circle(double x, double y, double radius) {
-    return {"0", "CIRCLE", "8", "0", "10", number(x), "20", number(y), "40", number(radius)};
+std::string circle(double x, double y, double radius) {
+    return dxf("0 CIRCLE  8 0  10 " + number(x) + "  20 " + number(y) + "  40 " + number(radius));
 }
 
 class CloudconvCheck : public Cloudconv {
@@ -75,7 +72,7 @@ protected:
     }
 
     /// The same of a drawing that names its unit.
-    void expectFound(const Groups& entities, const Texts& findings,
+    void expectFound(const std::string& entities, const Texts& findings,
                      const Texts& options = {}) const {
         expectFindings(inMillimetres(entities), findings, options);
     }
@@ -114,7 +111,7 @@ TEST_F(CloudconvCheck, FindsTheGapBetweenTheEndsOfOneContourButNoneInAShortLine)
 }
 
 TEST_F(CloudconvCheck, MeasuresInUnitsOfThePath) {
-    const Groups apart = line(0, 0, 100, 0) + line(100.625, 0, 200, 0);
+    const std::string apart = line(0, 0, 100, 0) + line(100.625, 0, 200, 0);
     expectFound(apart, {});
     const Texts gap = {nearMiss("(10, 0)", "(10.0625, 0)", "0.0625")};
     expectFound(apart, gap, {"--unit", "cm"});
@@ -133,8 +130,8 @@ TEST_F(CloudconvCheck, FindsEntitiesThatRepeatOthersWhateverTheirKind) {
 TEST_F(CloudconvCheck, FindsClosedEntitiesThatStartElsewhere) {
     expectFound(polyline({0, 0, 4, 0, 4, 3}, true) + polyline({4, 3, 4, 0, 0, 0}, true),
                 {"duplicate: LWPOLYLINE on layer 0 at (4, 3) repeats LWPOLYLINE"});
-    const Groups halves = {"0",  "LWPOLYLINE", "8",  "0", "90", "2", "70", "1", "10", "4",
-                           "20", "5",          "42", "1", "10", "6", "20", "5", "42", "1"};
+    const std::string halves =
+        dxf("0 LWPOLYLINE  8 0  90 2  70 1  10 4  20 5  42 1  10 6  20 5  42 1");
     expectFound(circle(5, 5, 1) + halves,
                 {"duplicate: LWPOLYLINE on layer 0 at (4, 5) repeats CIRCLE"});
     expectFound(circle(5, 5, 1) + circle(5, 5, 1.01) + circle(5.01, 5, 1), {});
@@ -156,10 +153,9 @@ TEST_F(CloudconvCheck, FindsEntitiesWithoutExtent) {
 }
 
 TEST_F(CloudconvCheck, FindsGeometryThatIsLeftOutAndMentionsAnnotation) {
-    const ProgramResult result = check(
-        inMillimetres(line(0, 0, 1, 0) + Groups{"0", "TEXT", "8", "0", "1", "a"} +
-                      Groups{"0", "INSERT", "8", "PARTS", "2", "MISSING"} +
-                      Groups{"0", "XLINE", "8", "0", "10", "0", "20", "0", "11", "1", "21", "0"}));
+    const ProgramResult result = check(inMillimetres(line(0, 0, 1, 0) + dxf("0 TEXT  8 0  1 a") +
+                                                     dxf("0 INSERT  8 PARTS  2 MISSING") +
+                                                     dxf("0 XLINE  8 0  10 0  20 0  11 1  21 0")));
     EXPECT_EQ(result.status, 3);
     EXPECT_THAT(result.output, HasSubstr("left out: 1 INSERT on layer PARTS (of a missing block)"));
     EXPECT_THAT(result.output, HasSubstr("left out: 1 XLINE on layer 0 (an infinite line)"));
@@ -216,9 +212,9 @@ TEST_F(CloudconvCheck, FindsThatTheUnitIsMissing) {
 }
 
 TEST_F(CloudconvCheck, ListsTwentyOfAKindAndAllWhenAsked) {
-    Groups lines;
+    std::string lines;
     for (int i = 0; i < 25; ++i) {
-        lines = lines + line(i, 0, i, 1) + line(i, 0, i, 1);
+        lines += line(i, 0, i, 1) + line(i, 0, i, 1);
     }
     const auto linesOf = [](const std::string& text) {
         return std::count(text.begin(), text.end(), '\n');
@@ -263,16 +259,14 @@ TEST_F(CloudconvCheck, TellsFindingsAsJson) {
 }
 
 TEST_F(CloudconvCheck, OfManyEndsInOnePlaceAndOfHugeOrMissingNumbersEnds) {
-    Groups lines;
+    std::string lines;
     for (int i = 0; i < 3000; ++i) {
-        const Groups next = line(0, 0, 10 + i, 1);
-        lines.insert(lines.end(), next.begin(), next.end());
+        lines += line(0, 0, 10 + i, 1);
     }
-    const Groups odd = {"0",  "LINE", "8",  "0",     "10", "nan",
-                        "20", "0",    "11", "1e300", "21", "-1e300"};
-    const Groups huge = {"0",  "LWPOLYLINE", "8",  "0",      "70", "1",     "10", "1e308",
-                         "20", "1e308",      "10", "-1e308", "20", "1e308", "10", "0",
-                         "20", "-1e308",     "10", "1",      "20", "3"};
+    const std::string odd = dxf("0 LINE  8 0  10 nan  20 0  11 1e300  21 -1e300");
+    const std::string huge =
+        dxf("0 LWPOLYLINE  8 0  70 1  10 1e308  20 1e308  10 -1e308  20 1e308  10 0  "
+            "20 -1e308  10 1  20 3");
     for (const char* plain : {"--quiet", "--plain"}) {
         EXPECT_NE(check(drawing(lines), {plain}).status, -1);
         EXPECT_NE(check(drawing(odd), {plain}).status, -1);
@@ -333,12 +327,12 @@ TEST_F(CloudconvCheckPlain, FindsWhatIsTooShortToSample) {
     expectWalked(drawing(named(polyline({0, 0, 5, 0, 5, 0.0625}), "2F", "0")),
                  {"too short: LWPOLYLINE 2F on layer 0 at (0, 0) has a last edge too short to "
                   "sample (length 0.0625): it stops at (5, 0)"});
-    expectWalked(drawing({"0", "SPLINE", "71", "3"}),
+    expectWalked(drawing(dxf("0 SPLINE  71 3")),
                  {"without extent: SPLINE on layer 0 at (0, 0) cannot be evaluated: no points"});
 }
 
 TEST_F(CloudconvCheckPlain, FindsArcsWithoutLength) {
-    for (const Groups& entity : {arc(1, 2, 3, 45, 45), arc(1, 2, 0, 0, 90)}) {
+    for (const std::string& entity : {arc(1, 2, 3, 45, 45), arc(1, 2, 0, 0, 90)}) {
         expectWalked(drawing(entity),
                      {"without extent: ARC on layer 0 at (1, 2) has no length: five equal points"});
     }
@@ -346,46 +340,41 @@ TEST_F(CloudconvCheckPlain, FindsArcsWithoutLength) {
 
 TEST_F(CloudconvCheckPlain, FindsArcsOfPolylinesAndClosingEdges) {
     expectWalked(
-        drawing({"0",  "LWPOLYLINE", "5",  "2F", "8",  "CUT", "90", "3",  "70",
-                 "1",  "10",         "0",  "20", "0",  "42",  "1",  "10", "4",
-                 "20", "0",          "10", "4",  "20", "3",   "42", "0.5"}),
+        drawing(dxf("0 LWPOLYLINE  5 2F  8 CUT  90 3  70 1  10 0  20 0  42 1  10 4  20 0  "
+                    "10 4  20 3  42 0.5")),
         {"walked straight: LWPOLYLINE 2F on layer CUT at (0, 0) has 2 arcs walked as their "
          "chords",
          "closing edge: LWPOLYLINE 2F on layer CUT at (0, 0) has a closing edge that is "
          "walked backwards, after a jump"});
     // The last vertex of an open polyline begins no edge.
     expectWalked(
-        drawing({"0", "POLYLINE", "5",  "3A", "8",  "0", "66", "1", "0", "VERTEX",
-                 "8", "0",        "10", "7",  "20", "0", "42", "1", "0", "VERTEX",
-                 "8", "0",        "10", "9",  "20", "0", "42", "1", "0", "SEQEND"}),
+        drawing(dxf("0 POLYLINE  5 3A  8 0  66 1  0 VERTEX  8 0  10 7  20 0  42 1  "
+                    "0 VERTEX  8 0  10 9  20 0  42 1  0 SEQEND")),
         {"walked straight: POLYLINE 3A on layer 0 at (7, 0) has 1 arc walked as its chord"});
 }
 
 TEST_F(CloudconvCheckPlain, FindsWhatIsMirroredHiddenOrOnPaper) {
-    const Groups mirrored = arc(1, 2, 3, 0, 90) + Groups{"210", "0", "220", "0", "230", "-1"};
-    const Groups tilted = circle(1, 2, 3) + Groups{"210", "1", "220", "0", "230", "0"};
+    const std::string mirrored = arc(1, 2, 3, 0, 90) + dxf("210 0  220 0  230 -1");
+    const std::string tilted = circle(1, 2, 3) + dxf("210 1  220 0  230 0");
     expectWalked(drawing(mirrored + tilted),
                  {"mirrored: ARC on layer 0 at (1, 2) is mirrored by its extrusion, and walked as "
                   "if it were not",
                   "mirrored: CIRCLE on layer 0 at (1, 2) is tilted by its extrusion, and walked as "
                   "if it were not"});
     expectWalked(
-        dxf({"0", "SECTION", "2", "TABLES", "0", "TABLE", "2", "LAYER"}) +
-            dxf({"0", "LAYER", "2", "Aux", "70", "1", "62", "7", "6", "CONTINUOUS"}) +
-            dxf({"0", "ENDTAB", "0", "ENDSEC"}) +
-            drawing(named(line(0, 0, 1, 0), "1", "AUX") + line(2, 0, 3, 0) + Groups{"60", "1"} +
-                    line(4, 0, 5, 0) + Groups{"67", "1"}),
+        dxf("0 SECTION  2 TABLES  0 TABLE  2 LAYER") +
+            dxf("0 LAYER  2 Aux  70 1  62 7  6 CONTINUOUS") + dxf("0 ENDTAB  0 ENDSEC") +
+            drawing(named(line(0, 0, 1, 0), "1", "AUX") + line(2, 0, 3, 0) + dxf("60 1") +
+                    line(4, 0, 5, 0) + dxf("67 1")),
         {"hidden: LINE 1 on layer AUX at (0, 0) is on a layer that is off or frozen, and walked",
          "hidden: LINE on layer 0 at (2, 0) is invisible, and walked",
          "paper space: LINE on layer 0 at (4, 0) is in paper space, and walked"});
 }
 
 TEST_F(CloudconvCheckPlain, FindsWhatIsNotWalked) {
-    expectWalked(drawing(Groups{"0", "INSERT", "5", "9", "8", "0", "2", "B", "10", "1", "20", "2"} +
-                         Groups{"0", "ELLIPSE", "8", "0", "10", "3", "20", "4"} +
-                         Groups{"0", "TEXT", "8", "0", "1", "no geometry"} +
-                         Groups{"0", "SPLINE", "8", "0", "71", "3", "74", "2", "11", "0", "21", "0",
-                                "11", "5", "21", "5"}),
+    expectWalked(drawing(dxf("0 INSERT  5 9  8 0  2 B  10 1  20 2") +
+                         dxf("0 ELLIPSE  8 0  10 3  20 4") + dxf("0 TEXT  8 0  1 no geometry") +
+                         dxf("0 SPLINE  8 0  71 3  74 2  11 0  21 0  11 5  21 5")),
                  {"walked straight: SPLINE on layer 0 at (0, 0) has fit points alone: its curve is "
                   "not walked",
                   "not walked: INSERT 9 on layer 0 at (1, 2) draws a block, which is not walked",

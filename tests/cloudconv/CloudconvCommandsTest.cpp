@@ -115,6 +115,14 @@ TEST_F(CloudconvInfoPlain, TellsWhatBecomesOfEachFieldAndWhyAFileIsRefused) {
                                                       {"fate", "refused: lists are not read"}}));
 }
 
+TEST_F(CloudconvInfoPlain, TakesWordsApartAsTheLibraryDoes) {
+    const Json info = infoOf(input("ply element\fvertex\v00\nproperty float\fx\nend_header\n"));
+    EXPECT_EQ(info["readable"], true);
+    EXPECT_EQ(info["elements"][0]["count"], 0);
+    EXPECT_EQ(info["elements"][0]["fields"][0],
+              (Json{{"name", "x"}, {"type", "float"}, {"fate", "read"}}));
+}
+
 TEST_F(CloudconvInfoPlain, DescribesCloudsWithoutPlacesOrPoints) {
     const std::string head = "ply\nformat ascii 1.0\nelement vertex ";
     const std::string fields =
@@ -154,11 +162,11 @@ TEST_F(CloudconvInfoPlain, DescribesTheShippedDrawing) {
 }
 
 TEST_F(CloudconvInfoPlain, CountsWhatIsPassedOverByKind) {
-    const Json info = infoOf(
-        drawingFile(dxf({"0", "SECTION", "2", "BLOCKS", "0", "BLOCK", "2", "B"}) +
-                    dxf(line(0, 0, 1, 0) + line(0, 0, 1, 0)) + dxf({"0", "ENDBLK", "0", "ENDSEC"}) +
-                    drawing(Groups{"0", "TEXT", "1", "a"} + Groups{"0", "TEXT", "1", "b"} +
-                            Groups{"0", "INSERT", "2", "B"} + line(0, 0, 2, 0))));
+    const Json info =
+        infoOf(drawingFile(dxf("0 SECTION  2 BLOCKS  0 BLOCK  2 B") + line(0, 0, 1, 0) +
+                           line(0, 0, 1, 0) + dxf("0 ENDBLK  0 ENDSEC") +
+                           drawing(dxf("0 TEXT  1 a") + dxf("0 TEXT  1 b") + dxf("0 INSERT  2 B") +
+                                   line(0, 0, 2, 0))));
     EXPECT_EQ(info["entities"], (Json{{"LINE", 1}}));
     EXPECT_EQ(info["ignored_entities"], (Json{{"INSERT", 1}, {"TEXT", 2}}));
     EXPECT_EQ(info["ignored_in_blocks"], (Json{{"LINE", 2}}));
@@ -176,9 +184,9 @@ TEST_F(CloudconvInfoPlain, HasBoundsOfPointsInBothCoordinates) {
 }
 
 TEST_F(CloudconvInfoPlain, IsReadableAsTextAndCutsLongLists) {
-    Groups lines;
+    std::string lines;
     for (int i = 0; i < 30; ++i) {
-        lines = lines + line(i, 0, i, 5);
+        lines += line(i, 0, i, 5);
     }
     const ProgramResult result = run({"info", drawingFile(drawing(lines)), "--plain"});
     EXPECT_EQ(result.status, 0);
@@ -190,8 +198,8 @@ TEST_F(CloudconvInfoPlain, IsReadableAsTextAndCutsLongLists) {
 }
 
 TEST_F(CloudconvInfoPlain, SurvivesNamesThatAreNotUtf8) {
-    const fs::path file = drawingFile(
-        drawing({"0", "LINE", "8", "gr\xFCn\x1B", "10", "0", "20", "0", "11", "1", "21", "0"}));
+    const fs::path file =
+        drawingFile(drawing(dxf("0 LINE  8 gr\xFCn\x1B  10 0  20 0  11 1  21 0")));
     EXPECT_EQ(infoOf(file)["layers"].size(), 1U);
     EXPECT_THAT(run({"info", file, "--plain"}).output, HasSubstr("gr\xFCn\\x1B"));
 }

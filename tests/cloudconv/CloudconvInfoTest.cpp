@@ -55,8 +55,7 @@ TEST_F(CloudconvInfo, HasJsonOfTheseKeys) {
                   elements);
     EXPECT_EQ(keys(input("ply\nformat ascii 1.0\nelement vertex 1\nproperty int x\nend_header\n")),
               "file format bytes encoding readable reason " + elements);
-    EXPECT_EQ(keys(drawingFile(
-                  inMillimetres(line(0, 0, 1, 0) + Groups{"0", "TEXT", "8", "0", "1", "a"}))),
+    EXPECT_EQ(keys(drawingFile(inMillimetres(line(0, 0, 1, 0) + dxf("0 TEXT  8 0  1 a")))),
               "file format bytes unit unit_of_path notes layers(name entities colour frozen off) "
               "entities(LINE) left_out(kind layer number reason) points bounds(x y z) "
               "contours(count open closed points length way_length) "
@@ -76,13 +75,11 @@ TEST_F(CloudconvInfo, TellsWhatThePathOfADrawingHolds) {
 }
 
 TEST_F(CloudconvInfo, TellsWhatIsLeftOutAndWhichLayersAreHidden) {
-    const std::string layers =
-        dxf({"0", "SECTION", "2", "TABLES", "0", "TABLE", "2", "LAYER"}) +
-        dxf({"0", "LAYER", "2", "COLD", "70", "1", "62", "3", "6", "CONTINUOUS"}) +
-        dxf({"0", "LAYER", "2", "DARK", "70", "0", "62", "-5", "6", "CONTINUOUS"}) +
-        dxf({"0", "ENDTAB", "0", "ENDSEC"});
-    Groups cold = line(0, 0, 1, 0);
-    cold[3] = "COLD";
+    const std::string layers = dxf("0 SECTION  2 TABLES  0 TABLE  2 LAYER") +
+                               dxf("0 LAYER  2 COLD  70 1  62 3  6 CONTINUOUS") +
+                               dxf("0 LAYER  2 DARK  70 0  62 -5  6 CONTINUOUS") +
+                               dxf("0 ENDTAB  0 ENDSEC");
+    const std::string cold = onLayer("COLD", line(0, 0, 1, 0));
     const fs::path file = drawingFile(layers + drawing(cold + line(0, 0, 0, 7)));
     Json info = infoOf(file);
     EXPECT_EQ(

@@ -14,11 +14,6 @@ namespace fs = std::filesystem;
 using ::testing::HasSubstr;
 using Texts = std::vector<std::string>;
 
-Groups onLayer(Groups entity, const std::string& layer) {
-    entity[3] = layer;
-    return entity;
-}
-
 class CloudconvPath : public Cloudconv {
 protected:
     fs::path drawingFile(const std::string& bytes) const {
@@ -59,7 +54,7 @@ TEST_F(CloudconvPath, WritesOneRowOfPointsAsPly) {
 
 TEST_F(CloudconvPath, WritesContoursAsPolylinesOnTheirLayersIntoADrawing) {
     const std::string drawn =
-        inMillimetres(onLayer(line(0, 0, 3, 0), "cut") + onLayer(line(3, 0, 3, 4), "cut"));
+        inMillimetres(onLayer("cut", line(0, 0, 3, 0)) + onLayer("cut", line(3, 0, 3, 4)));
     const std::string written = converted(drawn, ".dxf");
     EXPECT_THAT(written, HasSubstr("POLYLINE\n  8\ncut\n"));
     EXPECT_THAT(written, ::testing::Not(HasSubstr("POINT\n")));
@@ -70,7 +65,7 @@ TEST_F(CloudconvPath, WritesContoursAsPolylinesOnTheirLayersIntoADrawing) {
 }
 
 TEST_F(CloudconvPath, FollowsTheOptions) {
-    const std::string file = inMillimetres(line(0, 0, 10, 0) + onLayer(line(0, 5, 20, 5), "Aux 1"));
+    const std::string file = inMillimetres(line(0, 0, 10, 0) + onLayer("Aux 1", line(0, 5, 20, 5)));
     EXPECT_EQ(xyzOf(file, {"--unit", "cm"}), "0 0 0 1\n1 0 0 1\n0 0.5 0 2\n2 0.5 0 2\n");
     EXPECT_EQ(xyzOf(file, {"--scale", "3", "--layer", "0"}), "0 0 0 1\n30 0 0 1\n");
     EXPECT_EQ(xyzOf(file, {"--except-layer", "aux*"}), "0 0 0 1\n10 0 0 1\n");
@@ -86,8 +81,7 @@ TEST_F(CloudconvPath, FollowsTheOptions) {
 }
 
 TEST_F(CloudconvPath, TakesFewerPointsWithMoreTolerance) {
-    const std::string circle =
-        inMillimetres({"0", "CIRCLE", "8", "0", "10", "0", "20", "0", "40", "9"});
+    const std::string circle = inMillimetres(dxf("0 CIRCLE  8 0  10 0  20 0  40 9"));
     const auto lines = [](const std::string& text) {
         return std::count(text.begin(), text.end(), '\n');
     };
@@ -95,9 +89,9 @@ TEST_F(CloudconvPath, TakesFewerPointsWithMoreTolerance) {
 }
 
 TEST_F(CloudconvPath, SaysWhatIsLeftOutAndWhy) {
-    const fs::path file = drawingFile(inMillimetres(
-        line(0, 0, 1, 0) + Groups{"0", "TEXT", "8", "0", "1", "a"} +
-        Groups{"0", "INSERT", "8", "0", "2", "MISSING"} + onLayer(line(5, 5, 6, 5), "AUX")));
+    const fs::path file = drawingFile(inMillimetres(line(0, 0, 1, 0) + dxf("0 TEXT  8 0  1 a") +
+                                                    dxf("0 INSERT  8 0  2 MISSING") +
+                                                    onLayer("AUX", line(5, 5, 6, 5))));
     const ProgramResult result = run({file, in("out.ply"), "--except-layer", "aux"});
     EXPECT_EQ(result.status, 0);
     EXPECT_THAT(result.errors, HasSubstr("left out: 1 TEXT (annotation); "));
@@ -107,7 +101,7 @@ TEST_F(CloudconvPath, SaysWhatIsLeftOutAndWhy) {
 }
 
 TEST_F(CloudconvPath, FailsWhenNothingIsLeftButNotOfAnEmptyDrawing) {
-    const fs::path file = drawingFile(drawing({"0", "TEXT", "8", "0", "1", "a"}));
+    const fs::path file = drawingFile(drawing(dxf("0 TEXT  8 0  1 a")));
     expectFailure(file, in("out.ply"),
                   file.string() + ": nothing is left to follow; left out: 1 TEXT (annotation)");
     EXPECT_THAT(converted(drawing({}), ".ply"), HasSubstr("element vertex 0\n"));

@@ -234,7 +234,7 @@ TEST_F(CloudconvPlainNoDrawing, IsNotATextThatBeginsLikeOne) {
     for (const std::string& bytes :
          {std::string("0\nEOF\n"), std::string("  0\r\nSECTION\r\n"),
           std::string("999\ncomment\n999\n\n0\nSECTION\n"), std::string("\xEF\xBB\xBF  0\nEOF\n"),
-          std::string("0\nLINE\n"), drawing({"0", "TEXT", "1", "ply"})}) {
+          std::string("0\nLINE\n"), drawing(dxf("0 TEXT  1 ply"))}) {
         EXPECT_EQ(run({drawingFile(bytes), in("out.ply")}).status, 0) << bytes;
     }
     // What holds an entity is a drawing, however it begins.

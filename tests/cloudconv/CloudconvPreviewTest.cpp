@@ -295,13 +295,13 @@ TEST_F(CloudconvPreview, GoesToStandardOutputAndTakesStandardInput) {
 }
 
 TEST_F(CloudconvPreview, HasUnitsOfOneLengthInXAndY) {
-    const Groups square =
+    const std::string square =
         line(0, 0, 10, 0) + line(10, 0, 10, 10) + line(10, 10, 0, 10) + line(0, 10, 0, 0);
     const Extent extent = extentOf(pixelsOf(drawingFile(drawing(square))), blue);
     EXPECT_NEAR(extent.width(), extent.height(), 8);
     EXPECT_GT(extent.height(), 450);
     // Twice as wide as high, however high the picture is.
-    const Groups wide =
+    const std::string wide =
         line(0, 0, 20, 0) + line(20, 0, 20, 10) + line(20, 10, 0, 10) + line(0, 10, 0, 0);
     const Extent other =
         extentOf(pixelsOf(drawingFile(drawing(wide)), {}, {"--size", "1000x1000"}), blue);
@@ -345,11 +345,11 @@ TEST_F(CloudconvPreview, MarksTheGapOfTheShippedDrawing) {
 }
 
 TEST_F(CloudconvPreview, ListsOpenContoursFirstWhenNotAllCanBe) {
-    Groups entities;
+    std::string entities;
     for (int i = 0; i < 20; ++i) {
         const double x = 4.0 * i;
-        entities = entities + line(x, 0, x + 1, 0) + line(x + 1, 0, x + 1, 1) +
-                   (i == 3 ? Groups() : line(x + 1, 1, x, 0));
+        entities += line(x, 0, x + 1, 0) + line(x + 1, 0, x + 1, 1) +
+                    (i == 3 ? std::string() : line(x + 1, 1, x, 0));
     }
     const std::string words = wordsOf(drawingFile(drawing(entities)), {}, {"--size", "1000x480"});
     EXPECT_THAT(words, StartsWith("20 contours (1 open, 19 closed)"));
@@ -360,13 +360,12 @@ TEST_F(CloudconvPreview, ListsOpenContoursFirstWhenNotAllCanBe) {
 }
 
 /// So many lines of length 1, in turns on layers of these names.
-Groups linesOn(int lines, const std::vector<std::string>& layers) {
-    Groups entities;
+std::string linesOn(int lines, const std::vector<std::string>& layers) {
+    std::string entities;
     for (int i = 0; i < lines; ++i) {
         const std::string x = std::to_string(2 * i);
         const std::string& layer = layers[static_cast<std::size_t>(i) % layers.size()];
-        entities =
-            entities + Groups{"0", "LINE", "8", layer, "10", x, "20", "0", "11", x, "21", "1"};
+        entities += dxf("0 LINE  8 " + layer + "  10 " + x + "  20 0  11 " + x + "  21 1");
     }
     return entities;
 }
@@ -414,7 +413,7 @@ TEST_F(CloudconvPreview, WithoutMarksHasTheLinesAlone) {
 }
 
 TEST_F(CloudconvPreview, HasTheLayersAskedForAndSaysWhatIsLeftOut) {
-    const Groups text = {"0", "TEXT", "8", "notes", "10", "0", "20", "0", "40", "1", "1", "hello"};
+    const std::string text = dxf("0 TEXT  8 notes  10 0  20 0  40 1  1 hello");
     const fs::path file = drawingFile(drawing(linesOn(4, {"walls", "doors"}) + text + text));
     const std::string annotation = "2 TEXT (annotation)";
     EXPECT_THAT(
@@ -431,8 +430,7 @@ TEST_F(CloudconvPreview, HasTheLayersAskedForAndSaysWhatIsLeftOut) {
 TEST_F(CloudconvPreview, DrawsThePathUnlessTheWalkIsAskedFor) {
     // A half circle: the path follows the arc, the walk its chord.
     const fs::path file =
-        drawingFile(drawing(Groups{"0", "LWPOLYLINE", "8", "0", "90", "2", "70", "0", "10", "0",
-                                   "20", "0", "42", "1", "10", "10", "20", "0"}));
+        drawingFile(drawing(dxf("0 LWPOLYLINE  8 0  90 2  70 0  10 0  20 0  42 1  10 10  20 0")));
     EXPECT_THAT(wordsOf(file), HasSubstr("1  open 15.71"));
     EXPECT_THAT(wordsOf(file, {}, {"--plain"}), HasSubstr("1  open 10;"));
     EXPECT_GT(extentOf(pixelsOf(file), blue).height(), 200);
@@ -555,8 +553,8 @@ TEST_F(CloudconvPreview, MakesSenseOfOddClouds) {
 
 TEST_F(CloudconvPreview, MakesSenseOfOddDrawings) {
     const auto withNumbers = [](const std::string& x, const std::string& y) {
-        return drawing(Groups{"0", "LINE", "8", "0", "10", x, "20", y, "11", x, "21", y} +
-                       Groups{"0", "POINT", "8", "0", "10", x, "20", y, "30", "1"});
+        return drawing(dxf("0 LINE  8 0  10 " + x + "  20 " + y + "  11 " + x + "  21 " + y) +
+                       dxf("0 POINT  8 0  10 " + x + "  20 " + y + "  30 1"));
     };
     for (const char* x : {"0", "1e149", "-1e149", "1e15", "4512345.678", "1e-310"}) {
         for (const char* y : {"0", "1e149", "7"}) {
@@ -580,11 +578,11 @@ TEST_F(CloudconvPreview, OfNothingIsAFailure) {
 }
 
 TEST_F(CloudconvPreview, DrawsTensOfThousandsOfContoursAndPoints) {
-    std::string text = dxf({"0", "SECTION", "2", "ENTITIES"});
+    std::string text = dxf("0 SECTION  2 ENTITIES");
     for (int i = 0; i < 30000; ++i) {
-        text += dxf(line(i % 173, i / 173, i % 173 + 0.5, i / 173 + 0.3));
+        text += line(i % 173, i / 173, i % 173 + 0.5, i / 173 + 0.3);
     }
-    const fs::path file = drawingFile(text + dxf({"0", "ENDSEC", "0", "EOF"}));
+    const fs::path file = drawingFile(text + dxf("0 ENDSEC  0 EOF"));
     const Pixels crowd = pixelsOf(file);
     EXPECT_GT(countNear(crowd, blue), 10000);
     EXPECT_GT(countNear(crowd, white), 30000) << "lines that one can tell apart";

@@ -264,7 +264,8 @@ using CloudconvPlainEmptyScene = CloudconvPlain;
 
 TEST_F(CloudconvPlainEmptyScene, GivesAValidFileWithoutPointsAndSaysSo) {
     const std::string bare = "ply\ncomment nothing\nelement vertex 0\nend_header\n";
-    for (const std::string& empty : {asciiPly({}), bare}) {
+    const std::string odd = "ply\nelement\fvertex\v00\nend_header\n";
+    for (const std::string& empty : {asciiPly({}), bare, odd}) {
         const fs::path from = input(empty);
         const ProgramResult binary = run({from, in("out.ply")});
         EXPECT_EQ(binary.status, 0);

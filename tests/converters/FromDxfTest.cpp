@@ -1,6 +1,6 @@
 #include "converters/Converters.h"
 #include "tests/support/CapturedLog.h"
-#include "tests/support/DrawingText.h"
+#include "tests/support/Dxf.h"
 #include "tests/support/SamePoints.h"
 
 #include <gmock/gmock.h>
@@ -15,14 +15,13 @@ namespace {
 using Point = cv::Point3_<double>;
 using Points = std::vector<Point>;
 
-std::vector<char> drawing(const std::vector<std::string>& lines) {
-    const std::string text = dxf(lines);
+std::vector<char> drawing(std::string_view groups) {
+    const std::string text = dxf(groups);
     return {text.begin(), text.end()};
 }
 
 const std::vector<char> twoPoints =
-    drawing({"0", "POINT", "10", "1.5", "20", "2", "30", "3", "0", "POINT", "10", "0.1", "20",
-             "1e300", "30", "-0", "0", "EOF"});
+    drawing("0 POINT  10 1.5  20 2  30 3  0 POINT  10 0.1  20 1e300  30 -0  0 EOF");
 
 TEST(FromDxf, ReplacesThePointsByThoseOfTheDrawing) {
     Points points = {{7, 8, 9}};
@@ -38,15 +37,14 @@ TEST(FromDxf, LeavesThePointsWhenNothingCanBeLoaded) {
 
 TEST(FromDxf, WhatIsNoDrawingHasNoPoints) {
     Points points = {{7, 8, 9}};
-    EXPECT_TRUE(converters::fromDxf(drawing({"ply", "format ascii 1.0"}), points));
+    EXPECT_TRUE(converters::fromDxf(drawing("ply format ascii 1.0"), points));
     EXPECT_TRUE(points.empty());
 }
 
 TEST(FromDxf, SetsTheDrawingUpBeforeItSamplesIt) {
     Points points;
     EXPECT_TRUE(converters::fromDxf(
-        drawing({"0",  "LWPOLYLINE", "90", "4", "70", "1", "10", "0", "20", "0", "10", "1",
-                 "20", "0",          "10", "1", "20", "1", "10", "0", "20", "1", "0",  "EOF"}),
+        drawing("0 LWPOLYLINE  90 4  70 1  10 0  20 0  10 1  20 0  10 1  20 1  10 0  20 1  0 EOF"),
         points));
     // Corners inside a run are there twice.
     EXPECT_EQ(points.size(), 4U * 11);
@@ -55,19 +53,17 @@ TEST(FromDxf, SetsTheDrawingUpBeforeItSamplesIt) {
 TEST(FromDxf, JoinsFourLinesIntoASquare) {
     Points points;
     EXPECT_TRUE(converters::fromDxf(
-        drawing({"0",    "LINE", "10", "0",  "20", "0",  "11", "1",  "21", "0",    "0",
-                 "LINE", "10",   "0",  "20", "1",  "11", "1",  "21", "1",  "0",    "LINE",
-                 "10",   "1",    "20", "0",  "11", "1",  "21", "1",  "0",  "LINE", "10",
-                 "0",    "20",   "0",  "11", "0",  "21", "1",  "0",  "EOF"}),
+        drawing("0 LINE  10 0  20 0  11 1  21 0  0 LINE  10 0  20 1  11 1  21 1  "
+                "0 LINE  10 1  20 0  11 1  21 1  0 LINE  10 0  20 0  11 0  21 1  0 EOF"),
         points));
     ASSERT_EQ(points.size(), 4U * 11 - 3);
     EXPECT_EQ(points.front(), points.back());
 }
 
 TEST(FromDxf, ReadsUpToTheFirstNul) {
-    std::vector<char> data = drawing({"0", "POINT", "10", "1", "0", "LINE"});
+    std::vector<char> data = drawing("0 POINT  10 1  0 LINE");
     data.push_back('\0');
-    const std::vector<char> more = drawing({"0", "POINT", "0", "EOF"});
+    const std::vector<char> more = drawing("0 POINT  0 EOF");
     data.insert(data.end(), more.begin(), more.end());
     Points points;
     EXPECT_TRUE(converters::fromDxf(data, points));

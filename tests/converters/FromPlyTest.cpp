@@ -149,7 +149,7 @@ TEST_F(FromPly, OnlyTheFirstVertexElementSaysWhetherTheSceneIsEmpty) {
     EXPECT_THAT(messages, ElementsAre(kHeaderFailed));
 }
 
-TEST(IsVertexCountZero, TouchesNoMember) {
+TEST(PLYDeserializerIsVertexCountZero, TouchesNoMember) {
     PLYDeserializer reader;
     reader.stream.str("text");
     reader.lineNumber = 7;
@@ -167,7 +167,7 @@ TEST(IsVertexCountZero, TouchesNoMember) {
     EXPECT_THAT(log.messages(), IsEmpty());
 }
 
-TEST(PlyDriver, EmptySceneIsRememberedWhateverIsReadNext) {
+TEST(PLYDeserializer, EmptySceneIsRememberedWhateverIsReadNext) {
     PLYDeserializer reader;
     Cloud cloud;
     EXPECT_TRUE(reader.DeserializePlyT<pcl::PointXYZI>(bytesOf("element vertex 0\n"), cloud));
@@ -177,7 +177,7 @@ TEST(PlyDriver, EmptySceneIsRememberedWhateverIsReadNext) {
     EXPECT_EQ(cloud.size(), 1u);
 }
 
-TEST(PlyDriver, EmptyInputLeavesTheReaderAsItWas) {
+TEST(PLYDeserializer, EmptyInputLeavesTheReaderAsItWas) {
     PLYDeserializer reader;
     Cloud cloud;
     EXPECT_FALSE(reader.DeserializePlyT<pcl::PointXYZI>({}, cloud));
@@ -187,7 +187,7 @@ TEST(PlyDriver, EmptyInputLeavesTheReaderAsItWas) {
     EXPECT_EQ(reader.lineNumber, 7u);
 }
 
-TEST(PlyDriver, ReadsCloudsOfOtherPointTypes) {
+TEST(PLYDeserializer, ReadsCloudsOfOtherPointTypes) {
     const auto data = bytesOf(asciiFile(2, "1 2 3 4\n5 6 7 8\n"));
     pcl::PointCloud<pcl::PointXYZ> cloud;
     EXPECT_TRUE(PLYDeserializer().DeserializePlyT(data, cloud));

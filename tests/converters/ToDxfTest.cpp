@@ -223,6 +223,16 @@ TEST_F(ToDxf, LeftOverSymbolicLinkIsRemovedAndNotFollowed) {
     EXPECT_FALSE(std::filesystem::exists(m_directory.file("missing")));
 }
 
+TEST_F(ToDxf, ReasonIsWhatIsReportedAndNoneOtherwise) {
+    std::string reason = "of before";
+    EXPECT_TRUE(converters::toDxf(Points(), m_out, reason));
+    EXPECT_EQ(reason, "");
+    std::filesystem::create_directory(transientFile());
+    writeContent(transientFile() / "content", "precious");
+    EXPECT_FALSE(converters::toDxf(Points(), m_out, reason));
+    EXPECT_EQ(reason, cannotOpenTransientFile().text);
+}
+
 TEST_F(ToDxf, LeftOverPipeAndEmptyDirectoryAreReplaced) {
     ASSERT_EQ(mkfifo(transientFile().c_str(), 0600), 0);
     EXPECT_TRUE(converters::toDxf(Points(), m_out));

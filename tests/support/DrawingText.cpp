@@ -101,14 +101,6 @@ std::string describe(const DXFDocument& document) {
     return lines;
 }
 
-std::string dxf(const std::vector<std::string>& lines) {
-    std::string joined;
-    for (const std::string& line : lines) {
-        joined += line + '\n';
-    }
-    return joined;
-}
-
 void CallbackRecorder::record(const std::string& name, const std::vector<double>& numbers) {
     const DL_Attributes a = getAttributes();
     const double* const direction = getExtrusion()->getDirection();

@@ -14,9 +14,6 @@ std::string describe(const DXFEntity& entity);
 /// The layers and entities of a document, one a line.
 std::string describe(const DXFDocument& document);
 
-/// A DXF text of these groups, "code value", one a line: `dxf({"0", "POINT", "10", "1.5"})`.
-std::string dxf(const std::vector<std::string>& lines);
-
 /// Records the callbacks that a drawing reader takes, in the order in which they come, each with
 /// the attributes reported for it. Not endEntity and endSection, which also belong to objects that
 /// no drawing reader takes.

@@ -30,6 +30,7 @@
 #include "dxfeditor/DXFWriter.h"
 #include "tests/support/CapturedLog.h"
 #include "tests/support/DrawingText.h"
+#include "tests/support/Dxf.h"
 #include "tests/support/PlyClouds.h"
 #include "tests/support/TemporaryDirectory.h"
 
@@ -544,24 +545,21 @@ TEST(Determinism, SplineEvaluation) {
 
 /// A text with every entity, a block and a layer. Tenfold lengths are no whole numbers.
 std::string everyEntityText() {
-    return dxf({"0",  "SECTION", "2",  "TABLES",  "0",  "TABLE",   "2",  "LAYER",  "0", "LAYER",
-                "2",  "walls",   "70", "4",       "62", "3",       "6",  "DASHED", "0", "ENDTAB",
-                "0",  "ENDSEC",  "0",  "SECTION", "2",  "BLOCKS",  "0",  "BLOCK",  "2", "door",
-                "10", "0.5",     "0",  "POINT",   "10", "7.5",     "20", "1",      "0", "ENDBLK",
-                "0",  "ENDSEC",  "0",  "SECTION", "2",  "ENTITIES"}) +
-           dxf({"0", "POINT", "8", "walls", "10", "1.25", "20", "-2.5", "30", "3.75"}) +
-           dxf({"0", "LINE", "8", "0", "62", "5", "10", "0.1", "20", "0.2", "11", "1.7", "21",
-                "2.23"}) +
-           dxf({"0", "CIRCLE", "10", "3", "20", "4.5", "40", "0.37"}) +
-           dxf({"0", "ARC", "10", "-3", "20", "4.5", "40", "1.9", "50", "12.5", "51", "271.25"}) +
-           dxf({"0",  "LWPOLYLINE", "90", "3",    "70", "1",   "10", "0.3", "20", "0.4",
-                "10", "5.5",        "20", "0.41", "42", "0.5", "10", "5.1", "20", "3.3"}) +
-           dxf({"0",  "POLYLINE", "66", "1",      "70", "0",   "0",  "VERTEX", "10", "9.1",
-                "20", "9.2",      "0",  "VERTEX", "10", "8.1", "20", "7.7",    "0",  "SEQEND"}) +
-           dxf({"0",  "SPLINE", "70", "8", "71", "2",   "72", "6",   "73", "3",  "74", "0",
-                "40", "0",      "40", "0", "40", "0",   "40", "1",   "40", "1",  "40", "1",
-                "10", "0.5",    "20", "1", "10", "2.3", "20", "4.4", "10", "-1", "20", "6.5"}) +
-           dxf({"0", "TEXT", "1", "nothing to walk", "0", "ENDSEC", "0", "EOF"});
+    return dxf("0 SECTION  2 TABLES  0 TABLE  2 LAYER  "
+               "0 LAYER  2 walls  70 4  62 3  6 DASHED  0 ENDTAB  0 ENDSEC  "
+               "0 SECTION  2 BLOCKS  0 BLOCK  2 door  10 0.5  0 POINT  10 7.5  20 1  "
+               "0 ENDBLK  0 ENDSEC  0 SECTION  2 ENTITIES") +
+           dxf("0 POINT  8 walls  10 1.25  20 -2.5  30 3.75") +
+           dxf("0 LINE  8 0  62 5  10 0.1  20 0.2  11 1.7  21 2.23") +
+           dxf("0 CIRCLE  10 3  20 4.5  40 0.37") +
+           dxf("0 ARC  10 -3  20 4.5  40 1.9  50 12.5  51 271.25") +
+           dxf("0 LWPOLYLINE  90 3  70 1  10 0.3  20 0.4  10 5.5  20 0.41  42 0.5  "
+               "10 5.1  20 3.3") +
+           dxf("0 POLYLINE  66 1  70 0  0 VERTEX  10 9.1  20 9.2  "
+               "0 VERTEX  10 8.1  20 7.7  0 SEQEND") +
+           dxf("0 SPLINE  70 8  71 2  72 6  73 3  74 0  40 0  40 0  40 0  40 1  40 1  "
+               "40 1  10 0.5  20 1  10 2.3  20 4.4  10 -1  20 6.5") +
+           dxf("0 TEXT  1 nothing to walk  0 ENDSEC  0 EOF");
 }
 
 TEST(Determinism, DxfText) {

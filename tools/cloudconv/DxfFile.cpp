@@ -3,7 +3,6 @@
 #include "converters/Converters.h"
 #include "dxfeditor/DXFDocument.h"
 #include "dxfeditor/DXFReader.h"
-#include "tools/cloudconv/CollectedLog.h"
 #include "tools/cloudconv/DxfText.h"
 #include "tools/cloudconv/FileError.h"
 #include "tools/cloudconv/Interrupt.h"
@@ -63,13 +62,14 @@ DxfContents readDxf(const std::string& path, const std::vector<unsigned char>& b
 std::vector<unsigned char> writeDxf(const std::string& path,
                                     const std::vector<cv::Point3_<double>>& points) {
     const RemovedWhenInterrupted transient(transientDrawing());
-    const CollectedLog log;
     std::vector<unsigned char> bytes;
     try {
-        if (!converters::toDxf(points, bytes)) {
-            throw FileError(path,
-                            log.reason("the transient drawing in " +
-                                       converters::tmpDxfPath.string() + " could not be written"));
+        std::string reason;
+        if (!converters::toDxf(points, bytes, reason)) {
+            throw FileError(path, reason.empty() ? "the transient drawing in " +
+                                                       converters::tmpDxfPath.string() +
+                                                       " could not be written"
+                                                 : reason);
         }
     } catch (const std::filesystem::filesystem_error& error) {
         throw FileError(error.path1(), error.code().message());

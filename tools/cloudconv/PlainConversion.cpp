@@ -130,7 +130,7 @@ std::vector<unsigned char> plyOf(Cloud cloud, const ConvertOptions& options) {
             point.intensity = *options.intensity;
         }
     }
-    return writePly(options.output, cloud, options.ascii);
+    return writePly(cloud, options.ascii);
 }
 
 std::vector<unsigned char> scanToPly(const std::vector<unsigned char>& bytes,

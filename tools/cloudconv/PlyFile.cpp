@@ -2,8 +2,8 @@
 
 #include "converters/Converters.h"
 #include "converters/PlySerializerDeserializer.h"
-#include "tools/cloudconv/CollectedLog.h"
 #include "tools/cloudconv/FileError.h"
+#include "tools/cloudconv/PlyInventory.h"
 
 #include <pcl/PCLPointCloud2.h>
 #include <pcl/console/print.h>
@@ -11,31 +11,17 @@
 
 #include <algorithm>
 #include <array>
-#include <sstream>
 
 namespace {
 
-/// Whether the header, up to "end_header", is that of a PLY file and says "element vertex 0".
+/// Whether this is a PLY file whose first vertex element has none.
 bool declaresNoVertices(const std::vector<unsigned char>& bytes) {
-    constexpr char endOfHeader[] = "end_header";
-    const auto end =
-        std::search(bytes.begin(), bytes.end(), std::begin(endOfHeader), std::end(endOfHeader) - 1);
-    std::istringstream header(std::string(bytes.begin(), end));
-    std::string line;
-    if (end == bytes.end() || !std::getline(header, line) || line.compare(0, 3, "ply") != 0) {
-        return false;
-    }
-    while (std::getline(header, line)) {
-        std::istringstream words(line);
-        std::string element;
-        std::string name;
-        std::string count;
-        words >> element >> name >> count;
-        if (element == "element" && name == "vertex") {
-            return count == "0";
-        }
-    }
-    return false;
+    const PlyInventory inventory =
+        plyInventoryOf({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+    const auto vertices =
+        std::find_if(inventory.elements.begin(), inventory.elements.end(),
+                     [](const PlyElementLine& element) { return element.name == "vertex"; });
+    return inventory.hasEnd && vertices != inventory.elements.end() && vertices->number() == 0U;
 }
 
 bool isFloat(const std::vector<pcl::PCLPointField>& fields, const std::string& name) {
@@ -73,12 +59,11 @@ PlyContents readPly(const std::string& path, const std::vector<unsigned char>& b
     if (bytes.empty()) {
         throw FileError(path, "the file is empty");
     }
-    const CollectedLog log;
     PlyContents contents;
     PLYDeserializer reader;
     try {
         if (!readInto(reader, bytes, contents.cloud)) {
-            throw FileError(path, log.reason("not readable as PLY"));
+            throw FileError(path, reader.refusal().messages.front());
         }
     } catch (const std::logic_error&) {
         throw FileError(path, "the value of an obj_info line is not a number that fits");
@@ -91,8 +76,7 @@ PlyContents readPly(const std::string& path, const std::vector<unsigned char>& b
     return contents;
 }
 
-std::vector<unsigned char> writePly(const std::string& path,
-                                    const pcl::PointCloud<pcl::PointXYZI>& cloud, bool ascii) {
+std::vector<unsigned char> writePly(const pcl::PointCloud<pcl::PointXYZI>& cloud, bool ascii) {
     if (cloud.points.empty()) {
         // The header that the library gives for such a cloud has neither format nor properties:
         // other programs refuse it.
@@ -101,12 +85,9 @@ std::vector<unsigned char> writePly(const std::string& path,
         const std::string header = PLYSerializer().GenerateHeader(empty, !ascii);
         return {header.begin(), header.end()};
     }
-    const CollectedLog log;
     std::vector<unsigned char> bytes;
-    const bool written =
-        ascii ? converters::toPlyAscii(cloud, bytes) : converters::toPlyBinary(cloud, bytes);
-    if (!written) {
-        throw FileError(path, log.reason("could not be made"));
-    }
+    // Only a cloud without points is refused.
+    static_cast<void>(ascii ? converters::toPlyAscii(cloud, bytes)
+                            : converters::toPlyBinary(cloud, bytes));
     return bytes;
 }

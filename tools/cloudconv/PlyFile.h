@@ -29,13 +29,9 @@ inline bool hasPlace(const pcl::PointXYZI& point) {
 /// of type float is refused, where the library would leave the coordinate 0.
 ///
 /// @param path  the file's name, for messages
-/// @throws FileError for an empty file, and with the reason that the library logged for any other
+/// @throws FileError for an empty file, and with what the library logs of any other
 PlyContents readPly(const std::string& path, const std::vector<unsigned char>& bytes);
 
 /// Makes a PLY file. A cloud without points gives a header that declares the same properties as
 /// any other and no vertices.
-///
-/// @param path  the name of the file to come, for messages
-/// @throws FileError with the reason that the library logged
-std::vector<unsigned char> writePly(const std::string& path,
-                                    const pcl::PointCloud<pcl::PointXYZI>& cloud, bool ascii);
+std::vector<unsigned char> writePly(const pcl::PointCloud<pcl::PointXYZI>& cloud, bool ascii);

@@ -1,27 +1,24 @@
 #include "tools/cloudconv/PlyInventory.h"
 
+#include "base/Words.h"
+
 #include <algorithm>
+#include <charconv>
 
 namespace {
 
-std::string_view nextLine(std::string_view& text) {
-    const std::size_t end = text.find('\n');
-    const std::string_view line = text.substr(0, end);
-    text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
-    return line;
+/// The rest of a text behind "ply" and the end of that line, of which the library takes any byte,
+/// or a carriage return with the byte behind it.
+std::string_view behindMagic(std::string_view text) {
+    constexpr std::string_view magicAndReturn = "ply\r";
+    const bool hasReturn = text.substr(0, magicAndReturn.size()) == magicAndReturn;
+    const std::size_t size = magicAndReturn.size() + (hasReturn ? 1 : 0);
+    return text.substr(std::min(size, text.size()));
 }
 
 std::string nextWord(std::string_view& line) {
-    constexpr std::string_view blanks = " \t\r";
-    const std::size_t begin = line.find_first_not_of(blanks);
-    if (begin == std::string_view::npos) {
-        return {};
-    }
-    line.remove_prefix(begin);
-    const std::size_t size = std::min(line.find_first_of(blanks), line.size());
-    std::string word(line.substr(0, size));
-    line.remove_prefix(size);
-    return word;
+    base::takeBlanks(line);
+    return std::string(base::takeWord(line));
 }
 
 /// The words of a property line up to the name: "float", or "list uchar int".
@@ -36,17 +33,23 @@ std::string typeOf(std::string_view& line) {
 
 } // namespace
 
+std::optional<std::uint64_t> PlyElementLine::number() const {
+    std::uint64_t value = 0;
+    const char* const end = count.data() + count.size();
+    const auto [next, error] = std::from_chars(count.data(), end, value);
+    return error == std::errc() && next == end ? std::optional(value) : std::nullopt;
+}
+
 PlyInventory plyInventoryOf(std::string_view bytes) {
     PlyInventory found;
-    std::string_view text = bytes.substr(0, bytes.find('\0'));
-    found.isPly = nextLine(text).substr(0, 3) == "ply";
-    while (found.isPly && !text.empty()) {
-        std::string_view line = nextLine(text);
+    found.isPly = bytes.substr(0, 3) == "ply";
+    std::string_view text = behindMagic(bytes.substr(0, bytes.find('\0')));
+    std::string_view line;
+    while (found.isPly && !found.hasEnd && base::takeLine(text, line)) {
         const std::string keyword = nextWord(line);
         if (keyword == "end_header") {
-            break;
-        }
-        if (keyword == "format") {
+            found.hasEnd = true;
+        } else if (keyword == "format") {
             found.format = nextWord(line);
         } else if (keyword == "element") {
             const std::string name = nextWord(line);

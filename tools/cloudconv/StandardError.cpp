@@ -2,12 +2,6 @@
 
 #include <cstdio>
 
-namespace {
-
-constexpr std::size_t longestText = 1000;
-
-} // namespace
-
 std::string printable(const std::string& text) {
     std::string line;
     for (const char character : text) {
@@ -23,7 +17,7 @@ std::string printable(const std::string& text) {
 }
 
 void printToStandardError(const std::string& text) {
-    std::string line = "cloudconv: " + printable(text.substr(0, longestText));
-    line += text.size() > longestText ? "...\n" : "\n";
+    std::string line = "cloudconv: " + printable(text.substr(0, longestErrorText));
+    line += text.size() > longestErrorText ? "...\n" : "\n";
     static_cast<void>(std::fwrite(line.data(), 1, line.size(), stderr));
 }

@@ -18,6 +18,7 @@
 
 #include "base/Blank.h"
 #include "base/DigitWords.h"
+#include "base/Words.h"
 #include "converters/detail/numbers/NumberExtraction.h"
 #include "converters/detail/ply/PlyDatatype.h"
 #include "converters/detail/ply/PlyLines.h"
@@ -114,7 +115,7 @@ bool PlyAsciiBody::takeShortFloats(unsigned char* record) {
 
 void PlyAsciiBody::takeValues(unsigned char* record) {
     std::string_view text = m_text;
-    takeLine(m_text, text);
+    base::takeLine(m_text, text);
     PlyAsciiLine line(text, m_text.data() + m_text.size());
     for (const std::uint8_t datatype : m_datatypes) {
         line.read(datatype, record);

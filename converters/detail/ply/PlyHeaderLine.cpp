@@ -1,6 +1,6 @@
 #include "converters/detail/ply/PlyHeaderLine.h"
 
-#include "base/Blank.h"
+#include "base/Words.h"
 #include "converters/detail/numbers/NumberExtraction.h"
 
 namespace converters::detail {
@@ -14,9 +14,7 @@ void PlyHeaderLine::skipBlanks() {
     if (!isGood()) {
         return;
     }
-    while (!m_rest.empty() && base::isBlank(m_rest.front())) {
-        m_rest.remove_prefix(1);
-    }
+    base::takeBlanks(m_rest);
     m_isAtEnd = m_rest.empty();
 }
 
@@ -37,12 +35,7 @@ std::string_view PlyHeaderLine::word() {
     if (!isGood()) {
         return {};
     }
-    std::size_t length = 0;
-    while (length < m_rest.size() && !base::isBlank(m_rest[length])) {
-        ++length;
-    }
-    const std::string_view taken = m_rest.substr(0, length);
-    m_rest.remove_prefix(length);
+    const std::string_view taken = base::takeWord(m_rest);
     m_isAtEnd = m_rest.empty();
     m_hasFailed = taken.empty();
     return taken;

@@ -1,6 +1,6 @@
 #include "converters/detail/drawing/dxf/BinaryGroups.h"
 
-#include "tests/converters/drawing/support/DrawingGroups.h"
+#include "tests/support/Dxf.h"
 
 #include <gtest/gtest.h>
 

@@ -3,8 +3,8 @@
 
 #include "converters/Converters.h"
 #include "dxfeditor/DXFWriter.h"
-#include "tests/converters/drawing/support/DrawingGroups.h"
 #include "tests/converters/drawing/support/PathReading.h"
+#include "tests/support/Dxf.h"
 #include "tests/support/Random.h"
 #include "tests/support/TemporaryDirectory.h"
 

@@ -1,7 +1,7 @@
 // What INSERTs draw, and where.
 #include "converters/DrawingPath.h"
-#include "tests/converters/drawing/support/DrawingGroups.h"
 #include "tests/converters/drawing/support/PathReading.h"
+#include "tests/support/Dxf.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 // Which files are read, and why others are refused.
 #include "converters/DrawingPath.h"
-#include "tests/converters/drawing/support/DrawingGroups.h"
 #include "tests/converters/drawing/support/PathReading.h"
+#include "tests/support/Dxf.h"
 #include "tests/support/TemporaryDirectory.h"
 
 #include <gmock/gmock.h>
@@ -45,8 +45,8 @@ TEST(ReadPathFiles, MayHaveMoreThanOneSectionOfAKind) {
 TEST(ReadPathFiles, MayLackTheMarksOfEnds) {
     EXPECT_EQ(describe(pathOf(
                   "0\nSECTION\n2\nBLOCKS\n" +
-                  groups("0 BLOCK  2 a  0 POINT  10 1  20 1  0 BLOCK  2 b  0 POINT  10 2  20 2") +
-                  "0\nSECTION\n2\nENTITIES\n" + groups("0 INSERT  2 b  0 INSERT  2 a"))),
+                  dxf("0 BLOCK  2 a  0 POINT  10 1  20 1  0 BLOCK  2 b  0 POINT  10 2  20 2") +
+                  "0\nSECTION\n2\nENTITIES\n" + dxf("0 INSERT  2 b  0 INSERT  2 a"))),
               "(2, 2)\n(1, 1)\n");
 }
 

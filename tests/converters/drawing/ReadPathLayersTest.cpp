@@ -1,7 +1,7 @@
 // Which layer and colour entities are drawn in, and what is hidden.
 #include "converters/DrawingPath.h"
-#include "tests/converters/drawing/support/DrawingGroups.h"
 #include "tests/converters/drawing/support/PathReading.h"
+#include "tests/support/Dxf.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 // What the options of a path do.
 #include "converters/DrawingPath.h"
-#include "tests/converters/drawing/support/DrawingGroups.h"
 #include "tests/converters/drawing/support/PathReading.h"
+#include "tests/support/Dxf.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 // In which order and direction contours come.
 #include "converters/DrawingPath.h"
-#include "tests/converters/drawing/support/DrawingGroups.h"
 #include "tests/converters/drawing/support/PathReading.h"
+#include "tests/support/Dxf.h"
 #include "tests/support/Random.h"
 
 #include <gtest/gtest.h>

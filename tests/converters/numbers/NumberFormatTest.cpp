@@ -74,7 +74,7 @@ std::vector<Number> neighbourhood(Number value) {
     return values;
 }
 
-TEST(GeneralNumber, HasTheFormsOfAStream) {
+TEST(NumberFormat, HasTheFormsOfAStream) {
     const std::pair<double, const char*> cases[] = {
         {0.0, "0"},
         {-0.0, "-0"},
@@ -129,7 +129,7 @@ TEST(GeneralNumber, HasTheFormsOfAStream) {
     }
 }
 
-TEST(GeneralNumber, NotANumberAndInfinityKeepTheirSign) {
+TEST(NumberFormat, NotANumberAndInfinityKeepTheirSign) {
     const double nan = std::numeric_limits<double>::quiet_NaN();
     const double infinity = std::numeric_limits<double>::infinity();
     EXPECT_EQ(written(std::copysign(nan, 1.0)), "nan");
@@ -142,7 +142,7 @@ TEST(GeneralNumber, NotANumberAndInfinityKeepTheirSign) {
     }
 }
 
-TEST(GeneralNumber, PowersOfTenAndTheirNeighboursAreThoseOfAStream) {
+TEST(NumberFormat, PowersOfTenAndTheirNeighboursAreThoseOfAStream) {
     for (int exponent = -323; exponent <= 308; ++exponent) {
         const double power = std::strtod(("1e" + std::to_string(exponent)).c_str(), nullptr);
         for (const double value : neighbourhood(power)) {
@@ -155,7 +155,7 @@ TEST(GeneralNumber, PowersOfTenAndTheirNeighboursAreThoseOfAStream) {
     }
 }
 
-TEST(GeneralNumber, PowersOfTwoAndTheirNeighboursAreThoseOfAStream) {
+TEST(NumberFormat, PowersOfTwoAndTheirNeighboursAreThoseOfAStream) {
     for (int exponent = -1074; exponent <= 1023; ++exponent) {
         for (const double value : neighbourhood(std::ldexp(1.0, exponent))) {
             ASSERT_EQ(written(value), streamed(value)) << exponent;
@@ -168,7 +168,7 @@ TEST(GeneralNumber, PowersOfTwoAndTheirNeighboursAreThoseOfAStream) {
     }
 }
 
-TEST(GeneralNumber, NumbersHalfwayBetweenTwoTextsAreThoseOfAStream) {
+TEST(NumberFormat, NumbersHalfwayBetweenTwoTextsAreThoseOfAStream) {
     std::mt19937_64 random(1);
     for (int exponent = -30; exponent <= 30; ++exponent) {
         for (int i = 0; i < 2000; ++i) {
@@ -183,7 +183,7 @@ TEST(GeneralNumber, NumbersHalfwayBetweenTwoTextsAreThoseOfAStream) {
     }
 }
 
-TEST(GeneralNumber, EveryFloatHalfwayBetweenTwoTextsGetsTheEvenOne) {
+TEST(NumberFormat, EveryFloatHalfwayBetweenTwoTextsGetsTheEvenOne) {
     // Six digits and a half, by a power of ten, which is an odd number by powers of five and two.
     std::size_t count = 0;
     std::int64_t five = 1;
@@ -197,7 +197,7 @@ TEST(GeneralNumber, EveryFloatHalfwayBetweenTwoTextsGetsTheEvenOne) {
     EXPECT_GT(count, 1000000U);
 }
 
-TEST(GeneralNumber, SubnormalFloatsAreThoseOfAStream) {
+TEST(NumberFormat, SubnormalFloatsAreThoseOfAStream) {
     std::mt19937 random(7);
     for (int i = 0; i < 100000; ++i) {
         const auto value = withBitsOf<float>(std::uint32_t(random()) & 0x807FFFFF);
@@ -205,7 +205,7 @@ TEST(GeneralNumber, SubnormalFloatsAreThoseOfAStream) {
     }
 }
 
-TEST(GeneralNumber, RandomBitsOfFloatsAreThoseOfAStream) {
+TEST(NumberFormat, RandomBitsOfFloatsAreThoseOfAStream) {
     std::mt19937 random(2);
     for (int i = 0; i < 2000000; ++i) {
         const auto value = withBitsOf<float>(std::uint32_t(random()));
@@ -214,7 +214,7 @@ TEST(GeneralNumber, RandomBitsOfFloatsAreThoseOfAStream) {
     }
 }
 
-TEST(GeneralNumber, RandomBitsOfDoublesAreThoseOfAStream) {
+TEST(NumberFormat, RandomBitsOfDoublesAreThoseOfAStream) {
     std::mt19937_64 random(3);
     for (int i = 0; i < 1000000; ++i) {
         const auto value = withBitsOf<double>(std::uint64_t(random()));
@@ -222,7 +222,7 @@ TEST(GeneralNumber, RandomBitsOfDoublesAreThoseOfAStream) {
     }
 }
 
-TEST(GeneralNumber, RandomNumbersOfEveryUsualMagnitudeAreThoseOfAStream) {
+TEST(NumberFormat, RandomNumbersOfEveryUsualMagnitudeAreThoseOfAStream) {
     std::mt19937_64 random(4);
     std::uniform_real_distribution<double> mantissa(-10, 10);
     for (int i = 0; i < 2000000; ++i) {
@@ -233,7 +233,7 @@ TEST(GeneralNumber, RandomNumbersOfEveryUsualMagnitudeAreThoseOfAStream) {
     }
 }
 
-TEST(GeneralNumber, ShortDecimalsAreThoseOfAStream) {
+TEST(NumberFormat, ShortDecimalsAreThoseOfAStream) {
     std::mt19937_64 random(5);
     for (int i = 0; i < 1000000; ++i) {
         const double value = double(random() % 100000000) / std::pow(10, i % 10);
@@ -243,7 +243,7 @@ TEST(GeneralNumber, ShortDecimalsAreThoseOfAStream) {
     }
 }
 
-TEST(GeneralNumber, AgreesWithAStreamOnRandomBits) {
+TEST(NumberFormat, AgreesWithAStreamOnRandomBits) {
     std::mt19937_64 random(6);
     for (int i = 0; i < 100000; ++i) {
         const std::uint64_t bits = random();

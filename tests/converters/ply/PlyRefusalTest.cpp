@@ -80,6 +80,26 @@ TEST(PlyRefusal, TellsReasonAndLineWhateverTheLogSays) {
     }
 }
 
+TEST(PlyRefusal, KeepsTheErrorsOfTheLogInTheirOrder) {
+    for (const Case& each : cases) {
+        PLYDeserializer reader;
+        pcl::PointCloud<pcl::PointXYZI> cloud;
+        const CapturedLog log;
+        EXPECT_FALSE(reader.DeserializePlyT(bytesOf(each.file), cloud)) << each.file;
+        std::vector<std::string> errors;
+        for (const LogMessage& message : log.messages()) {
+            if (message.level == 2) {
+                errors.push_back(message.text);
+            }
+        }
+        ASSERT_FALSE(errors.empty()) << each.file;
+        ASSERT_EQ(reader.refusal().messages.size(), errors.size()) << each.file;
+        for (std::size_t i = 0; i < errors.size(); ++i) {
+            EXPECT_EQ(reader.refusal().messages[i] + "\n", errors[i]) << each.file;
+        }
+    }
+}
+
 TEST(PlyRefusal, IsTheSameStepByStep) {
     for (const Case& each : cases) {
         if (each.file.empty()) {
@@ -107,6 +127,7 @@ TEST(PlyRefusal, IsEmptyBeforeTheFirstReadAndAfterOneThatSucceeds) {
         EXPECT_TRUE(reader.DeserializePlyT(bytesOf(accepted), cloud));
         EXPECT_EQ(reader.refusal().reason, "");
         EXPECT_EQ(reader.refusal().line, 0U);
+        EXPECT_TRUE(reader.refusal().messages.empty());
     }
 }
 
@@ -118,6 +139,7 @@ TEST(PlyRefusal, IsEmptyWhereAnExceptionTells) {
     EXPECT_THROW(reader.DeserializePlyT(bytesOf(start + "obj_info num_cols x\n" + point), cloud),
                  std::invalid_argument);
     EXPECT_EQ(reader.refusal().reason, "");
+    EXPECT_TRUE(reader.refusal().messages.empty());
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 
 #include "dxfeditor/DXFReader.h"
 #include "tests/support/DrawingText.h"
+#include "tests/support/Dxf.h"
 #include "tests/support/Random.h"
 
 #include <gtest/gtest.h>
@@ -19,7 +20,7 @@ public:
         m_lines.insert(m_lines.end(), {"0", "EOF"});
     }
 
-    std::string text() const { return dxf(m_lines); }
+    std::string text() const { return dxfOfLines(m_lines); }
 
     /// The entities, one a line, as describe() tells them.
     std::string entities() const {

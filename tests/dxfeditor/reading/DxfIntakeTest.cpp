@@ -6,6 +6,7 @@
 #include "dxfeditor/text/DxfParser.h"
 #include "tests/support/BareDxflib.h"
 #include "tests/support/DrawingText.h"
+#include "tests/support/Dxf.h"
 #include "tests/support/RandomDrawing.h"
 
 #include <gtest/gtest.h>
@@ -60,20 +61,15 @@ std::string difference(const std::vector<std::string>& a, const std::vector<std:
 }
 
 TEST(DxfIntake, PutsOneUnknownObjectInPlaceOfThoseThatItDrops) {
-    EXPECT_EQ(
-        dxfIntake(
-            dxf({"9",   "$ACADVER", "1",   "AC1009",   "0",    "LINE",  "8",    "a", "10", "1",
-                 "999", "comment",  "100", "AcDbLine", "1001", "APP",   "1000", "x", "0",  "TEXT",
-                 "1",   "text",     "0",   "ENDSEC",   "0",    "POINT", "20",   "2", "0",  "EOF"})),
-        dxf({"0", "DROPPED", "0", "LINE", "8", "a", "10", "1", "0", "DROPPED", "0", "POINT", "20",
-             "2", "0", "DROPPED"}));
+    EXPECT_EQ(dxfIntake(dxf("9 $ACADVER  1 AC1009  "
+                            "0 LINE  8 a  10 1  999 comment  100 AcDbLine  1001 APP  1000 x  "
+                            "0 TEXT  1 text  0 ENDSEC  0 POINT  20 2  0 EOF")),
+              dxf("0 DROPPED  0 LINE  8 a  10 1  0 DROPPED  0 POINT  20 2  0 DROPPED"));
 }
 
 TEST(DxfIntake, PutsCountsFirst) {
-    EXPECT_EQ(dxfIntake(dxf({"0", "SPLINE", "40", "1", "73", "1", "10", "2", "41", "3", "11", "4",
-                             "0", "EOF"})),
-              dxf({"0", "SPLINE", "72", "1", "73", "1", "74", "1", "40", "1", "10", "2", "41", "3",
-                   "11", "4", "0", "DROPPED"}));
+    EXPECT_EQ(dxfIntake(dxf("0 SPLINE  40 1  73 1  10 2  41 3  11 4  0 EOF")),
+              dxf("0 SPLINE  72 1  73 1  74 1  40 1  10 2  41 3  11 4  0 DROPPED"));
 }
 
 TEST(DxfIntake, ReadsIntegersAsTheCLibraryDoes) {
@@ -194,43 +190,42 @@ TEST(DxfIntake, GivesDxflibNothingHarmfulOfHostileTexts) {
 }
 
 /// Whether the decoder takes the first object of a text.
-bool decodes(const std::vector<std::string>& lines) {
-    const std::string text = dxf(lines);
+bool decodes(const std::string& text) {
     dxfeditor::DxfObjects objects(text);
     dxfeditor::DxfObject object;
     dxfeditor::DxfEntityDecoder decoder;
     return decoder.next(objects, object) && decoder.hasDecoded();
 }
 
-TEST(DxfDecoder, TakesPlainObjects) {
+TEST(DxfEntityDecoder, TakesPlainObjects) {
     for (const std::string kind :
          {"POINT", "LINE", "CIRCLE", "ARC", "LWPOLYLINE", "SPLINE", "LAYER", "BLOCK", "ENDBLK"}) {
-        EXPECT_TRUE(decodes({"0", kind, "5", "1F", "8", "walls", "10", "1.5", "20", "-2e3", "40",
-                             " 3 ", "1001", "APP", "0", "EOF"}))
+        EXPECT_TRUE(decodes(dxfOfLines({"0", kind, "5", "1F", "8", "walls", "10", "1.5", "20",
+                                        "-2e3", "40", " 3 ", "1001", "APP", "0", "EOF"})))
             << kind;
     }
-    EXPECT_TRUE(decodes({"0", "POLYLINE", "0", "VERTEX", "10", "1", "0", "VERTEX", "0", "SEQEND"}));
-    EXPECT_TRUE(decodes({"0", "SPLINE", "72", "1", "40", "0", "73", "1", "10", "1", "0", "EOF"}));
+    EXPECT_TRUE(decodes(dxf("0 POLYLINE  0 VERTEX  10 1  0 VERTEX  0 SEQEND")));
+    EXPECT_TRUE(decodes(dxf("0 SPLINE  72 1  40 0  73 1  10 1  0 EOF")));
 }
 
-TEST(DxfDecoder, LeavesTheRestToDxflib) {
-    EXPECT_FALSE(decodes({"0", "LINE", "10", "1"})) << "nothing follows";
-    EXPECT_FALSE(decodes({"0", "LINE", "10", "+1", "0", "EOF"}));
-    EXPECT_FALSE(decodes({"0", "LINE", "10", "", "0", "EOF"}));
-    EXPECT_FALSE(decodes({"0", "LINE", "5", "0x1", "0", "EOF"}));
-    EXPECT_FALSE(decodes({"0", "LTYPE", "0", "EOF"}));
-    EXPECT_FALSE(decodes({"0", "SPLINE", "72", "2", "40", "0", "0", "EOF"})) << "a knot is missing";
-    EXPECT_FALSE(decodes({"0", "SPLINE", "73", "1", "0", "EOF"}));
-    EXPECT_FALSE(decodes({"0", "SPLINE", "74", "-1", "0", "EOF"}));
-    EXPECT_FALSE(decodes({"0", "SPLINE", "10", "x", "0", "EOF"}));
-    EXPECT_FALSE(decodes({"0", "VERTEX", "0", "EOF"}));
-    EXPECT_FALSE(decodes({"0", "POLYLINE", "0", "SEQEND"}));
-    EXPECT_FALSE(decodes({"0", "POLYLINE", "0", "VERTEX", "0", "EOF"}));
-    EXPECT_FALSE(decodes({"0", "POLYLINE", "0", "VERTEX", "0", "TEXT", "0", "SEQEND"}));
-    EXPECT_FALSE(decodes({"0", "POLYLINE", "0", "VERTEX", "10", "x", "0", "SEQEND"}));
+TEST(DxfEntityDecoder, LeavesTheRestToDxflib) {
+    EXPECT_FALSE(decodes(dxf("0 LINE  10 1"))) << "nothing follows";
+    EXPECT_FALSE(decodes(dxf("0 LINE  10 +1  0 EOF")));
+    EXPECT_FALSE(decodes(dxfOfLines({"0", "LINE", "10", "", "0", "EOF"})));
+    EXPECT_FALSE(decodes(dxf("0 LINE  5 0x1  0 EOF")));
+    EXPECT_FALSE(decodes(dxf("0 LTYPE  0 EOF")));
+    EXPECT_FALSE(decodes(dxf("0 SPLINE  72 2  40 0  0 EOF"))) << "a knot is missing";
+    EXPECT_FALSE(decodes(dxf("0 SPLINE  73 1  0 EOF")));
+    EXPECT_FALSE(decodes(dxf("0 SPLINE  74 -1  0 EOF")));
+    EXPECT_FALSE(decodes(dxf("0 SPLINE  10 x  0 EOF")));
+    EXPECT_FALSE(decodes(dxf("0 VERTEX  0 EOF")));
+    EXPECT_FALSE(decodes(dxf("0 POLYLINE  0 SEQEND")));
+    EXPECT_FALSE(decodes(dxf("0 POLYLINE  0 VERTEX  0 EOF")));
+    EXPECT_FALSE(decodes(dxf("0 POLYLINE  0 VERTEX  0 TEXT  0 SEQEND")));
+    EXPECT_FALSE(decodes(dxf("0 POLYLINE  0 VERTEX  10 x  0 SEQEND")));
 }
 
-TEST(DxfDecoder, ReadsNumbersAsDxflibDoes) {
+TEST(DxfEntityDecoder, ReadsNumbersAsDxflibDoes) {
     const std::vector<std::string> values = {
         "0",
         "-0",
@@ -295,13 +290,13 @@ TEST(DxfDecoder, ReadsNumbersAsDxflibDoes) {
         "1" + std::string(400, '0') + "e-400"};
     for (const std::string& value : values) {
         const std::string text =
-            dxf({"0", "POINT", "10", "7", "20", value, "48", value, "0", "EOF"});
+            dxfOfLines({"0", "POINT", "10", "7", "20", value, "48", value, "0", "EOF"});
         // dxflib makes a random number of nothing, so not with dxflib by itself.
         EXPECT_EQ(drawingOf(text, DxfDecoding::Ours), drawingOf(text)) << value;
     }
 }
 
-TEST(DxfDecoder, ReadsIntegersAsDxflibDoes) {
+TEST(DxfEntityDecoder, ReadsIntegersAsDxflibDoes) {
     const std::vector<std::string> values = {"0",
                                              "1F",
                                              "1f",
@@ -324,13 +319,13 @@ TEST(DxfDecoder, ReadsIntegersAsDxflibDoes) {
                                              "000000000000000001F"};
     for (const std::string& value : values) {
         for (const std::string code : {"5", "39", "62", "67", "370", "420"}) {
-            const std::string text = dxf({"0", "LINE", code, value, "0", "EOF"});
+            const std::string text = dxfOfLines({"0", "LINE", code, value, "0", "EOF"});
             EXPECT_EQ(drawingOf(text, DxfDecoding::Ours), drawingOf(text)) << value;
             EXPECT_EQ(drawingOf(text), drawingByDxflib(text)) << value;
         }
         for (const std::string code : {"70", "71", "72"}) {
             const std::string text =
-                dxf({"0", "LWPOLYLINE", "90", "1", code, value, "10", "1", "0", "EOF"});
+                dxfOfLines({"0", "LWPOLYLINE", "90", "1", code, value, "10", "1", "0", "EOF"});
             EXPECT_EQ(drawingOf(text, DxfDecoding::Ours), drawingByDxflib(text)) << value;
         }
     }
@@ -349,7 +344,7 @@ public:
     }
 };
 
-TEST(DxfDecoder, ReadsElevationsAsDxflibDoes) {
+TEST(DxfEntityDecoder, ReadsElevationsAsDxflibDoes) {
     std::vector<std::string> lines;
     for (const std::string kind :
          {"POINT", "LINE", "CIRCLE", "ARC", "LWPOLYLINE", "SPLINE", "LAYER", "BLOCK", "ENDBLK"}) {
@@ -359,19 +354,18 @@ TEST(DxfDecoder, ReadsElevationsAsDxflibDoes) {
     lines.insert(lines.end(), {"0", "POLYLINE", "30", "1", "38", "2", "0", "VERTEX", "30", "3", "0",
                                "VERTEX", "0", "SEQEND", "0", "EOF"});
     HeightRecorder ours;
-    dxfeditor::parseDxf(dxf(lines), ours, DxfDecoding::Ours);
+    dxfeditor::parseDxf(dxfOfLines(lines), ours, DxfDecoding::Ours);
     HeightRecorder byDxflib;
-    parseWithDxflib(dxf(lines), byDxflib);
+    parseWithDxflib(dxfOfLines(lines), byDxflib);
     // dxflib ends something before the first object, too, and the SEQEND.
     byDxflib.heights.erase(byDxflib.heights.begin());
     byDxflib.heights.pop_back();
     EXPECT_EQ(ours.heights, byDxflib.heights);
 }
 
-TEST(DxfDecoder, ReadsTheTangentsOfASplineAsDxflibDoes) {
+TEST(DxfEntityDecoder, ReadsTheTangentsOfASplineAsDxflibDoes) {
     const std::string text =
-        dxf({"0",  "SPLINE", "12", "1", "22", "2",      "32", "3", "13", "4",
-             "23", "5",      "33", "6", "0",  "SPLINE", "23", "7", "0",  "EOF"});
+        dxf("0 SPLINE  12 1  22 2  32 3  13 4  23 5  33 6  0 SPLINE  23 7  0 EOF");
     HeightRecorder ours;
     dxfeditor::parseDxf(text, ours, DxfDecoding::Ours);
     HeightRecorder byDxflib;
@@ -380,7 +374,7 @@ TEST(DxfDecoder, ReadsTheTangentsOfASplineAsDxflibDoes) {
     EXPECT_EQ(ours.tangents, (std::vector<double>{1, 2, 3, 4, 5, 6, 0, 0, 0, 0, 7, 0}));
 }
 
-TEST(DxfDecoder, GivesWeightsToControlPointsAsDxflibDoes) {
+TEST(DxfEntityDecoder, GivesWeightsToControlPointsAsDxflibDoes) {
     // By their own order, wherever they stand; those beyond the last point go to the last point.
     const std::vector<std::vector<std::string>> drawings = {
         {"0", "SPLINE", "41", "2", "10", "1", "41", "3", "10", "4", "41", "5", "0", "EOF"},
@@ -391,7 +385,7 @@ TEST(DxfDecoder, GivesWeightsToControlPointsAsDxflibDoes) {
         {"0", "SPLINE", "10", "1", "41", "x", "0", "EOF"},
     };
     for (const std::vector<std::string>& drawing : drawings) {
-        const std::string text = dxf(drawing);
+        const std::string text = dxfOfLines(drawing);
         EXPECT_EQ(callsOf(text, DxfDecoding::Ours), callsOf(text)) << text;
     }
 }
@@ -405,12 +399,11 @@ public:
     void endEntity() override { ++entities; }
 };
 
-TEST(DxfDecoder, EndsEachObjectAsDxflibDoes) {
+TEST(DxfEntityDecoder, EndsEachObjectAsDxflibDoes) {
     EndCounter counter;
-    dxfeditor::parseDxf(
-        dxf({"0", "POINT", "0", "LINE", "0", "CIRCLE", "0", "ARC", "0", "LWPOLYLINE", "0",
-             "POLYLINE", "0", "VERTEX", "0", "SEQEND", "0", "EOF"}),
-        counter, DxfDecoding::Ours);
+    dxfeditor::parseDxf(dxf("0 POINT  0 LINE  0 CIRCLE  0 ARC  0 LWPOLYLINE  0 POLYLINE  0 VERTEX  "
+                            "0 SEQEND  0 EOF"),
+                        counter, DxfDecoding::Ours);
     EXPECT_EQ(counter.sections, 7);
     EXPECT_EQ(counter.entities, 2);
 }

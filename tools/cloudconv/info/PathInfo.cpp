@@ -3,7 +3,7 @@
 #include "tools/cloudconv/InputFile.h"
 #include "tools/cloudconv/PathFile.h"
 #include "tools/cloudconv/Progress.h"
-#include "tools/cloudconv/info/Bounds.h"
+#include "tools/cloudconv/info/CoordinateRanges.h"
 
 #include <array>
 #include <map>
@@ -90,7 +90,7 @@ void describeContours(const DrawingPath& path, Json& description) {
 }
 
 Json boundsOf(const DrawingPath& path) {
-    Bounds bounds;
+    CoordinateRanges bounds;
     if (!path.points.empty()) {
         bounds.add(path.lowest.x, path.lowest.y, path.lowest.z);
         bounds.add(path.highest.x, path.highest.y, path.highest.z);

@@ -13,7 +13,7 @@
 #include "tools/cloudconv/PlyFile.h"
 #include "tools/cloudconv/PlyInventory.h"
 #include "tools/cloudconv/Progress.h"
-#include "tools/cloudconv/info/Bounds.h"
+#include "tools/cloudconv/info/CoordinateRanges.h"
 
 #include <algorithm>
 #include <array>
@@ -60,11 +60,9 @@ std::string fateOf(const PlyPropertyLine& property) {
 }
 
 /// The count that an element line declares: a number, or its text when it is none.
-Json countOf(const std::string& text) {
-    std::size_t count = 0;
-    const char* const end = text.data() + text.size();
-    const auto [next, error] = std::from_chars(text.data(), end, count);
-    return error == std::errc() && next == end ? Json(count) : Json(text);
+Json countOf(const PlyElementLine& element) {
+    const std::optional<std::uint64_t> number = element.number();
+    return number.has_value() ? Json(*number) : Json(element.count);
 }
 
 Json elementsOf(const PlyInventory& inventory) {
@@ -76,13 +74,13 @@ Json elementsOf(const PlyInventory& inventory) {
                 {{"name", property.name}, {"type", property.type}, {"fate", fateOf(property)}});
         }
         elements.push_back(
-            {{"name", element.name}, {"count", countOf(element.count)}, {"fields", fields}});
+            {{"name", element.name}, {"count", countOf(element)}, {"fields", fields}});
     }
     return elements;
 }
 
 void describeCloud(const PlyContents& contents, Json& description) {
-    Bounds bounds;
+    CoordinateRanges bounds;
     Range intensity;
     std::size_t missing = 0;
     for (const pcl::PointXYZI& point : contents.cloud) {
@@ -117,7 +115,7 @@ Json describePly(const std::string& name, const Bytes& bytes) {
         describeCloud(contents, description);
     } catch (const FileError& error) {
         description["readable"] = false;
-        description["reason"] = std::string(error.what()).substr(name.size() + 2);
+        description["reason"] = error.reason();
     }
     description["elements"] = elementsOf(inventory);
     return description;
@@ -193,7 +191,7 @@ std::size_t bulgedEdges(const DXFDocument& document) {
 /// The bounds in the plane of the drawing. A cloud's (x, 0, z) was (x, z) there, but points that
 /// follow one another were in the coordinates of the cloud, with the other sign of z.
 Json drawingBounds(const DxfContents& drawing) {
-    Bounds bounds;
+    CoordinateRanges bounds;
     DXFDocument plane;
     for (const std::shared_ptr<DXFEntity>& entity : drawing.document->entities()) {
         if (const auto vector = std::dynamic_pointer_cast<DXFPointVector>(entity)) {
@@ -211,7 +209,7 @@ Json drawingBounds(const DxfContents& drawing) {
 }
 
 Json cloudBounds(const std::vector<Point>& points) {
-    Bounds bounds;
+    CoordinateRanges bounds;
     for (const Point& point : points) {
         bounds.add(point.x, point.y, point.z);
     }

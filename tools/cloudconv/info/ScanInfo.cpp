@@ -5,7 +5,7 @@
 #include "tools/cloudconv/InputFile.h"
 #include "tools/cloudconv/PointOutput.h"
 #include "tools/cloudconv/Progress.h"
-#include "tools/cloudconv/info/Bounds.h"
+#include "tools/cloudconv/info/CoordinateRanges.h"
 
 #include <array>
 #include <charconv>

@@ -1,4 +1,5 @@
 #include "dxfeditor/DXFDocument.h"
+
 #include "dxfeditor/DXFEntity.h"
 #include "dxfeditor/DXFLayer.h"
 #include "dxfeditor/DXFLineType.h"
@@ -53,14 +54,14 @@ constexpr int tooManyToSearch = 50000;
 constexpr int tooManyToSearch = 500000;
 #endif
 
-TEST(Document, StartsEmpty) {
+TEST(DXFDocument, StartsEmpty) {
     const DXFDocument document;
     EXPECT_TRUE(document.layers().empty());
     EXPECT_TRUE(document.entities().empty());
     EXPECT_EQ(document.getLayer("0"), nullptr);
 }
 
-TEST(DocumentLayers, KeepTheFirstOfAName) {
+TEST(DXFDocumentLayers, KeepTheFirstOfAName) {
     DXFDocument document;
     const auto first = layer("0", 1);
     const auto second = layer("0", 4);
@@ -72,7 +73,7 @@ TEST(DocumentLayers, KeepTheFirstOfAName) {
     EXPECT_EQ(second.use_count(), 1);
 }
 
-TEST(DocumentLayers, AreKeptInTheOrderInWhichTheyCame) {
+TEST(DXFDocumentLayers, AreKeptInTheOrderInWhichTheyCame) {
     DXFDocument document;
     std::list<std::shared_ptr<DXFLayer>> expected;
     for (const char* name : {"walls", "0", "", "doors", "WALLS", " 0"}) {
@@ -82,7 +83,7 @@ TEST(DocumentLayers, AreKeptInTheOrderInWhichTheyCame) {
     EXPECT_EQ(document.layers(), expected);
 }
 
-TEST(DocumentLayers, AreFoundByExactlyTheirName) {
+TEST(DXFDocumentLayers, AreFoundByExactlyTheirName) {
     DXFDocument document;
     const std::string withZero("a\0b", 3);
     const auto walls = layer("Walls");
@@ -98,7 +99,7 @@ TEST(DocumentLayers, AreFoundByExactlyTheirName) {
     EXPECT_EQ(document.getLayer(withZero), zero);
 }
 
-TEST(DocumentLayers, MayHoldEmptyPointersThatNoNameFinds) {
+TEST(DXFDocumentLayers, MayHoldEmptyPointersThatNoNameFinds) {
     DXFDocument document;
     EXPECT_TRUE(document.addLayer(nullptr));
     EXPECT_EQ(document.getLayer(""), nullptr);
@@ -110,7 +111,7 @@ TEST(DocumentLayers, MayHoldEmptyPointersThatNoNameFinds) {
     EXPECT_EQ(document.layers(), (std::list<std::shared_ptr<DXFLayer>>{nullptr, unnamed, nullptr}));
 }
 
-TEST(DocumentLayers, AreHandedOutAsACopyOfTheListOfTheSameLayers) {
+TEST(DXFDocumentLayers, AreHandedOutAsACopyOfTheListOfTheSameLayers) {
     DXFDocument document;
     const auto first = layer("0");
     document.addLayer(first);
@@ -120,7 +121,7 @@ TEST(DocumentLayers, AreHandedOutAsACopyOfTheListOfTheSameLayers) {
     EXPECT_EQ(document.layers().size(), 1U);
 }
 
-TEST(DocumentLayers, OfManyNamesAreAddedAndFoundWithoutWalkingTheList) {
+TEST(DXFDocumentLayers, OfManyNamesAreAddedAndFoundWithoutWalkingTheList) {
     DXFDocument document;
     for (int i = 0; i < tooManyToSearch; ++i) {
         ASSERT_TRUE(document.addLayer(layer(std::to_string(i))));
@@ -137,7 +138,7 @@ TEST(DocumentLayers, OfManyNamesAreAddedAndFoundWithoutWalkingTheList) {
     EXPECT_EQ(number, tooManyToSearch);
 }
 
-TEST(DocumentLineTypes, KeepTheFirstOfAName) {
+TEST(DXFDocumentLineTypes, KeepTheFirstOfAName) {
     DXFDocument document;
     const auto first = lineType("DASHED");
     const auto second = lineType("DASHED");
@@ -148,7 +149,7 @@ TEST(DocumentLineTypes, KeepTheFirstOfAName) {
     EXPECT_GT(first.use_count(), 1);
 }
 
-TEST(DocumentLineTypes, MayBeEmptyPointers) {
+TEST(DXFDocumentLineTypes, MayBeEmptyPointers) {
     DXFDocument document;
     EXPECT_TRUE(document.addLineType(nullptr));
     EXPECT_TRUE(document.addLineType(lineType("")));
@@ -156,14 +157,14 @@ TEST(DocumentLineTypes, MayBeEmptyPointers) {
     EXPECT_FALSE(document.addLineType(lineType("")));
 }
 
-TEST(DocumentLineTypes, ShareNoNamesWithLayers) {
+TEST(DXFDocumentLineTypes, ShareNoNamesWithLayers) {
     DXFDocument document;
     EXPECT_TRUE(document.addLayer(layer("A")));
     EXPECT_TRUE(document.addLineType(lineType("A")));
     EXPECT_EQ(document.layers().size(), 1U);
 }
 
-TEST(DocumentLineTypes, OfManyNamesAreAddedWithoutWalkingTheList) {
+TEST(DXFDocumentLineTypes, OfManyNamesAreAddedWithoutWalkingTheList) {
     DXFDocument document;
     for (int i = 0; i < tooManyToSearch; ++i) {
         ASSERT_TRUE(document.addLineType(lineType(std::to_string(i))));
@@ -173,7 +174,7 @@ TEST(DocumentLineTypes, OfManyNamesAreAddedWithoutWalkingTheList) {
     }
 }
 
-TEST(DocumentEntities, AreKeptInOrderWithDuplicatesAndEmptyPointers) {
+TEST(DXFDocumentEntities, AreKeptInOrderWithDuplicatesAndEmptyPointers) {
     DXFDocument document;
     const auto a = entity();
     const auto b = entity();
@@ -183,7 +184,7 @@ TEST(DocumentEntities, AreKeptInOrderWithDuplicatesAndEmptyPointers) {
     EXPECT_EQ(document.entities(), (std::list<std::shared_ptr<DXFEntity>>{b, a, nullptr, b}));
 }
 
-TEST(DocumentEntities, AreHandedOutAsACopyOfTheListOfTheSameEntities) {
+TEST(DXFDocumentEntities, AreHandedOutAsACopyOfTheListOfTheSameEntities) {
     DXFDocument document;
     const auto a = entity();
     document.addEntity(a);
@@ -193,7 +194,7 @@ TEST(DocumentEntities, AreHandedOutAsACopyOfTheListOfTheSameEntities) {
     EXPECT_EQ(document.entities().size(), 1U);
 }
 
-TEST(DocumentEntities, AddedTwiceAreDeletedAtOnce) {
+TEST(DXFDocumentEntities, AddedTwiceAreDeletedAtOnce) {
     DXFDocument document;
     const auto a = entity();
     const auto b = entity();
@@ -205,7 +206,7 @@ TEST(DocumentEntities, AddedTwiceAreDeletedAtOnce) {
     EXPECT_EQ(a.use_count(), 1);
 }
 
-TEST(DocumentEntities, AreDeletedByIdentityAndNotByValue) {
+TEST(DXFDocumentEntities, AreDeletedByIdentityAndNotByValue) {
     DXFDocument document;
     const auto a = std::make_shared<DXFPoint>(1, 2, 3);
     document.addEntity(a);
@@ -217,7 +218,7 @@ TEST(DocumentEntities, AreDeletedByIdentityAndNotByValue) {
     EXPECT_TRUE(document.entities().empty());
 }
 
-TEST(DocumentEntities, ThatAreEmptyAreDeletedByAnEmptyPointer) {
+TEST(DXFDocumentEntities, ThatAreEmptyAreDeletedByAnEmptyPointer) {
     DXFDocument document;
     const auto a = entity();
     for (const auto& each : {std::shared_ptr<DXFEntity>(), a, std::shared_ptr<DXFEntity>()}) {
@@ -227,7 +228,7 @@ TEST(DocumentEntities, ThatAreEmptyAreDeletedByAnEmptyPointer) {
     EXPECT_EQ(document.entities(), std::list<std::shared_ptr<DXFEntity>>{a});
 }
 
-TEST(DocumentEntities, CanBeAddedAgainAfterTheyWereDeleted) {
+TEST(DXFDocumentEntities, CanBeAddedAgainAfterTheyWereDeleted) {
     DXFDocument document;
     const auto a = entity();
     const auto b = entity();
@@ -238,7 +239,7 @@ TEST(DocumentEntities, CanBeAddedAgainAfterTheyWereDeleted) {
     EXPECT_EQ(document.entities(), (std::list<std::shared_ptr<DXFEntity>>{b, a}));
 }
 
-TEST(DocumentEntities, FollowAPlainListThroughRandomChanges) {
+TEST(DXFDocumentEntities, FollowAPlainListThroughRandomChanges) {
     std::mt19937 random(1);
     for (int round = 0; round < 200; ++round) {
         std::vector<std::shared_ptr<DXFEntity>> pool(8);
@@ -259,7 +260,7 @@ TEST(DocumentEntities, FollowAPlainListThroughRandomChanges) {
     }
 }
 
-TEST(DocumentEntities, ThatAreHandedOverAreDeletedEveryTimeTheyOccur) {
+TEST(DXFDocumentEntities, ThatAreHandedOverAreDeletedEveryTimeTheyOccur) {
     for (const bool isDeletedBefore : {false, true}) {
         for (const int occurrences : {1, 2, 3}) {
             DXFDocument document;
@@ -284,7 +285,7 @@ TEST(DocumentEntities, ThatAreHandedOverAreDeletedEveryTimeTheyOccur) {
     }
 }
 
-TEST(DocumentEntities, OfALargeDrawingAreDeletedWithoutWalkingTheList) {
+TEST(DXFDocumentEntities, OfALargeDrawingAreDeletedWithoutWalkingTheList) {
     std::vector<std::shared_ptr<DXFEntity>> entities(tooManyToSearch);
     std::generate(entities.begin(), entities.end(), entity);
     DXFDocument document;
@@ -297,7 +298,7 @@ TEST(DocumentEntities, OfALargeDrawingAreDeletedWithoutWalkingTheList) {
     EXPECT_EQ(document.entities(), std::list<std::shared_ptr<DXFEntity>>{entities[0]});
 }
 
-TEST(DocumentEntities, ThatRepeatOneObjectAreAddedAndDeletedWithoutWalkingTheList) {
+TEST(DXFDocumentEntities, ThatRepeatOneObjectAreAddedAndDeletedWithoutWalkingTheList) {
     const auto a = entity();
     const auto b = entity();
     DXFDocument document;
@@ -310,7 +311,7 @@ TEST(DocumentEntities, ThatRepeatOneObjectAreAddedAndDeletedWithoutWalkingTheLis
     EXPECT_TRUE(document.entities().empty());
 }
 
-TEST(Document, OutlivedByWhatItSharedReleasesTheRest) {
+TEST(DXFDocument, OutlivedByWhatItSharedReleasesTheRest) {
     const auto kept = layer("0");
     std::weak_ptr<DXFEntity> given;
     {
@@ -324,7 +325,7 @@ TEST(Document, OutlivedByWhatItSharedReleasesTheRest) {
     EXPECT_TRUE(given.expired());
 }
 
-TEST(DocumentSetup, SetsUpEveryEntityOnceInOrder) {
+TEST(DXFDocumentSetup, SetsUpEveryEntityOnceInOrder) {
     std::vector<int> notes;
     DXFDocument document;
     for (const int number : {3, 1, 2}) {
@@ -336,7 +337,7 @@ TEST(DocumentSetup, SetsUpEveryEntityOnceInOrder) {
     EXPECT_EQ(notes.size(), 3U);
 }
 
-TEST(DocumentSetup, SetsUpAnEntityAsOftenAsItIsListed) {
+TEST(DXFDocumentSetup, SetsUpAnEntityAsOftenAsItIsListed) {
     std::vector<int> notes;
     DXFDocument document;
     const auto twice = std::make_shared<SetupNote>(7, notes);
@@ -346,7 +347,7 @@ TEST(DocumentSetup, SetsUpAnEntityAsOftenAsItIsListed) {
     EXPECT_EQ(notes, (std::vector<int>{7, 7}));
 }
 
-TEST(DocumentSetup, LeavesEntitiesAddedAfterTheFirstCallAlone) {
+TEST(DXFDocumentSetup, LeavesEntitiesAddedAfterTheFirstCallAlone) {
     std::vector<int> notes;
     DXFDocument document;
     document.setup();
@@ -355,7 +356,7 @@ TEST(DocumentSetup, LeavesEntitiesAddedAfterTheFirstCallAlone) {
     EXPECT_TRUE(notes.empty());
 }
 
-TEST(DocumentSetup, PassesOverEmptyPointers) {
+TEST(DXFDocumentSetup, PassesOverEmptyPointers) {
     std::vector<int> notes;
     DXFDocument document;
     document.addEntity(nullptr);
@@ -365,7 +366,7 @@ TEST(DocumentSetup, PassesOverEmptyPointers) {
     EXPECT_EQ(notes, std::vector<int>{1});
 }
 
-TEST(DocumentSetup, GivesPolylinesTheirSegments) {
+TEST(DXFDocumentSetup, GivesPolylinesTheirSegments) {
     DXFDocument document;
     const auto polyline = std::make_shared<DXFPolyline>(0U, 0U, 0U);
     polyline->appendPoint(DXFVertex(0, 0, 0, true, 0));

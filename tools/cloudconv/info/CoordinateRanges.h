@@ -28,7 +28,7 @@ private:
 };
 
 /// The ranges of coordinates.
-class Bounds {
+class CoordinateRanges {
 public:
     void add(double x, double y, double z) {
         m_x.add(x);

@@ -1,7 +1,8 @@
 // Layers and line types.
 
-#include "dxfeditor/DXFAttributes.h"
 #include "dxfeditor/DXFLayer.h"
+
+#include "dxfeditor/DXFAttributes.h"
 #include "dxfeditor/DXFLineType.h"
 
 #include <gtest/gtest.h>
@@ -14,13 +15,13 @@ static_assert(!std::is_polymorphic_v<DXFLayer> && !std::is_polymorphic_v<DXFLine
 static_assert(!std::is_copy_assignable_v<DXFLayer> && !std::is_copy_assignable_v<DXFLineType>,
               "a drawing finds both by their names, so they keep them");
 
-TEST(Layer, KeepsNameAndFlags) {
+TEST(DXFLayer, KeepsNameAndFlags) {
     const DXFLayer layer("walls", 68);
     EXPECT_EQ(layer.name(), "walls");
     EXPECT_EQ(layer.flags(), 68);
 }
 
-TEST(Layer, IsFrozenOrLockedWhenTheWholeFlagsWordSaysSo) {
+TEST(DXFLayer, IsFrozenOrLockedWhenTheWholeFlagsWordSaysSo) {
     struct Case {
         int flags;
         bool frozen;
@@ -36,11 +37,11 @@ TEST(Layer, IsFrozenOrLockedWhenTheWholeFlagsWordSaysSo) {
     }
 }
 
-TEST(Layer, StartsWithoutAttributes) {
+TEST(DXFLayer, StartsWithoutAttributes) {
     EXPECT_EQ(DXFLayer("0", 0).attributes(), nullptr);
 }
 
-TEST(Layer, SharesTheAttributesItIsGiven) {
+TEST(DXFLayer, SharesTheAttributesItIsGiven) {
     DXFLayer layer("0", 0);
     const auto first = std::make_shared<DXFAttributes>("0", 1, 2, 3, "A", 4.0, 5, false);
     layer.setAttributes(first);
@@ -57,7 +58,7 @@ TEST(Layer, SharesTheAttributesItIsGiven) {
     EXPECT_EQ(layer.attributes(), nullptr);
 }
 
-TEST(LineType, KeepsEveryValueInItsOwnPlace) {
+TEST(DXFLineType, KeepsEveryValueInItsOwnPlace) {
     double pattern[] = {0.5, -0.25, 0.0};
     const DXFLineType lineType("DASHDOT", "Dash dot _ . _", 64, 3, 0.75, pattern);
     EXPECT_EQ(lineType.name(), "DASHDOT");
@@ -68,7 +69,7 @@ TEST(LineType, KeepsEveryValueInItsOwnPlace) {
     EXPECT_EQ(lineType.pattern(), pattern);
 }
 
-TEST(LineType, LeavesThePatternToItsOwner) {
+TEST(DXFLineType, LeavesThePatternToItsOwner) {
     auto* pattern = new double[2]{0.5, -0.25};
     { const DXFLineType lineType("DASHED", "", 0, 2, 0.75, pattern); }
     EXPECT_EQ(pattern[0], 0.5);
@@ -76,11 +77,11 @@ TEST(LineType, LeavesThePatternToItsOwner) {
     delete[] pattern;
 }
 
-TEST(LineType, MayHaveNoPattern) {
+TEST(DXFLineType, MayHaveNoPattern) {
     EXPECT_EQ(DXFLineType("CONTINUOUS", "", 0, 3, 0.0, nullptr).pattern(), nullptr);
 }
 
-TEST(LineType, TextIsAnUnfilledTemplate) {
+TEST(DXFLineType, TextIsAnUnfilledTemplate) {
     const std::string text = "[LTYPE name: %1, description: %2, flags: %3, numberOfDashes: %4, "
                              "patternLength: %5, pattern: %6]";
     ASSERT_EQ(text.size(), 96U);

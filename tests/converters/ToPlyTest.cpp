@@ -365,7 +365,7 @@ TEST(ToPly, DoesNotDependOnTheLocale) {
     EXPECT_EQ(out, ascii);
 }
 
-TEST(PlySerializer, WritesCloudsOfOtherPointTypes) {
+TEST(PLYSerializer, WritesCloudsOfOtherPointTypes) {
     pcl::PointCloud<pcl::PointXYZRGBNormal> cloud;
     pcl::PointXYZRGBNormal single;
     single.x = 1;

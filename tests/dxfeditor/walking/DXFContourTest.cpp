@@ -38,18 +38,18 @@ void addLine(DXFDocument& document, double x1, double y1, double x2, double y2) 
     document.addEntity(std::make_shared<DXFLine>(Point(x1, y1, 0), Point(x2, y2, 0)));
 }
 
-TEST(ContoursTest, AnEmptyDrawingHasNone) {
+TEST(DXFContourTest, AnEmptyDrawingHasNone) {
     EXPECT_EQ(contoursOf(DXFDocument()), Contours());
 }
 
-TEST(ContoursTest, PiecesThatMeetAreOneOpenContour) {
+TEST(DXFContourTest, PiecesThatMeetAreOneOpenContour) {
     DXFDocument document;
     addLine(document, 0, 0, 1, 0);
     addLine(document, 1, 1, 1, 0);
     EXPECT_EQ(contoursOf(document), Contours({{0, 21, false}}));
 }
 
-TEST(ContoursTest, PiecesThatComeBackToTheirStartAreAClosedContour) {
+TEST(DXFContourTest, PiecesThatComeBackToTheirStartAreAClosedContour) {
     DXFDocument document;
     addLine(document, 0, 0, 1, 0);
     addLine(document, 1, 1, 1, 0);
@@ -58,21 +58,21 @@ TEST(ContoursTest, PiecesThatComeBackToTheirStartAreAClosedContour) {
     EXPECT_EQ(contoursOf(document), Contours({{0, 41, true}}));
 }
 
-TEST(ContoursTest, AGapBeyondTheToleranceBreaksAContour) {
+TEST(DXFContourTest, AGapBeyondTheToleranceBreaksAContour) {
     DXFDocument document;
     addLine(document, 0, 0, 1, 0);
     addLine(document, 1.002, 0, 2, 0);
     EXPECT_EQ(contoursOf(document), Contours({{0, 10, false}, {10, 21, false}}));
 }
 
-TEST(ContoursTest, ACircleByItselfIsOpenAndASinglePointClosed) {
+TEST(DXFContourTest, ACircleByItselfIsOpenAndASinglePointClosed) {
     DXFDocument document;
     document.addEntity(std::make_shared<DXFCircle>(Point(9, 9, 0), 1.0));
     document.addEntity(std::make_shared<DXFPoint>(1.0, 2.0, 3.0));
     EXPECT_EQ(contoursOf(document), Contours({{0, 1, true}, {1, 63, false}}));
 }
 
-TEST(ContoursTest, APointWithoutMeaningMeetsNothingNotEvenItself) {
+TEST(DXFContourTest, APointWithoutMeaningMeetsNothingNotEvenItself) {
     DXFDocument document;
     const double notANumber = std::numeric_limits<double>::quiet_NaN();
     document.addEntity(std::make_shared<DXFPoint>(notANumber, 2.0, 3.0));
@@ -91,7 +91,7 @@ void fill(DXFDocument& document, std::mt19937_64& random) {
     }
 }
 
-TEST(ContoursTest, ContoursOfRandomDrawingsAreThoseOfThePlainProcedure) {
+TEST(DXFContourTest, ContoursOfRandomDrawingsAreThoseOfThePlainProcedure) {
     std::mt19937_64 random(1);
     for (int drawing = 0; drawing < 1000; ++drawing) {
         DXFDocument document;

@@ -2,6 +2,7 @@
 #include "dxfeditor/DXFReader.h"
 #include "tests/support/CommaLocale.h"
 #include "tests/support/DrawingText.h"
+#include "tests/support/Dxf.h"
 #include "tests/support/TemporaryDirectory.h"
 
 #include <gtest/gtest.h>
@@ -25,8 +26,7 @@ private:
 };
 
 std::vector<char> drawing() {
-    const std::string text =
-        dxf({"0", "LINE", "10", "1.5", "20", "2,5", "30", "1234567.25", "0", "EOF"});
+    const std::string text = dxf("0 LINE  10 1.5  20 2,5  30 1234567.25  0 EOF");
     return {text.begin(), text.end()};
 }
 
@@ -46,14 +46,14 @@ public:
     bool throws = false;
 };
 
-TEST(DxfLocale, ADecimalCommaDoesNotChangeNumbers) {
+TEST(ClassicLocale, ADecimalCommaDoesNotChangeNumbers) {
     const CommaLocale comma;
     DXFDocument document;
     DXFReader(document).load(drawing());
     EXPECT_EQ(describe(document), "line 1.5 2.5 1234567.25 0 0 0 {0 256 -1 -1 BYLAYER 1 -1}\n");
 }
 
-TEST(DxfLocale, TheGlobalLocaleIsBackAfterALoad) {
+TEST(ClassicLocale, TheGlobalLocaleIsBackAfterALoad) {
     const CommaLocale comma;
     const std::locale before;
     DXFDocument document;
@@ -63,7 +63,7 @@ TEST(DxfLocale, TheGlobalLocaleIsBackAfterALoad) {
     EXPECT_TRUE(std::locale() == before);
 }
 
-TEST(DxfLocale, TheGlobalLocaleIsBackAfterAnException) {
+TEST(ClassicLocale, TheGlobalLocaleIsBackAfterAnException) {
     const CommaLocale comma;
     const std::locale before;
     DXFDocument document;
@@ -73,14 +73,14 @@ TEST(DxfLocale, TheGlobalLocaleIsBackAfterAnException) {
     EXPECT_TRUE(std::locale() == before);
 }
 
-TEST(DxfLocale, TheClassicGlobalLocaleIsLeftAlone) {
+TEST(ClassicLocale, TheClassicGlobalLocaleIsLeftAlone) {
     DXFDocument document;
     LocaleWatcher reader(document);
     reader.load(drawing());
     EXPECT_TRUE(reader.seen == std::locale::classic());
 }
 
-TEST(DxfLocale, TheLocaleOfTheCLibraryIsLeftAlone) {
+TEST(ClassicLocale, TheLocaleOfTheCLibraryIsLeftAlone) {
     const GlobalLocale named(std::locale("C.UTF-8"));
     std::setlocale(LC_ALL, "C");
     std::setlocale(LC_CTYPE, "C.UTF-8");
@@ -91,7 +91,7 @@ TEST(DxfLocale, TheLocaleOfTheCLibraryIsLeftAlone) {
     std::setlocale(LC_ALL, "C");
 }
 
-TEST(DxfLocale, AFileIsReadInTheSameLocales) {
+TEST(ClassicLocale, AFileIsReadInTheSameLocales) {
     const TemporaryDirectory directory;
     const std::string path = directory.file("drawing.dxf");
     const std::vector<char> bytes = drawing();

@@ -2,10 +2,16 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
-/// The groups of a DXF text: "0 LINE  8 walls  10 1.5" is three of them, with two blanks between
-/// groups and one behind a code. A group without value has one blank, too: "0 LINE  8   10 1".
-std::string groups(std::string_view text);
+/// The groups of a DXF text: `dxf("0 LINE  8 walls  10 1.5")` is three of them, with two blanks
+/// between groups and one behind a code. A group without value has one blank, too: "0 LINE  8   10
+/// 1".
+std::string dxf(std::string_view text);
+
+/// The same of groups that are made one by one, or have blanks of their own: codes and values in
+/// turn.
+std::string dxfOfLines(const std::vector<std::string>& lines);
 
 /// A section with these groups.
 std::string section(std::string_view name, std::string_view text);

@@ -30,7 +30,7 @@ const LogMessage wrongSize =
 const LogMessage bigEndian =
     message(2, "ReadData", "Error parsing ply, Binary Big Endian not implemented\n");
 
-class PlyData : public testing::Test {
+class PLYDeserializerData : public testing::Test {
 protected:
     /// Reads a header, which has to be accepted, and its body.
     bool read(const std::string& format, std::uint64_t vertices, const std::string& properties,
@@ -65,13 +65,13 @@ protected:
 
 const std::string kTwoFloats = "property float a\nproperty float b\n";
 
-TEST_F(PlyData, AsciiFileWithoutVerticesLeavesAnEmptyBlock) {
+TEST_F(PLYDeserializerData, AsciiFileWithoutVerticesLeavesAnEmptyBlock) {
     EXPECT_TRUE(readAscii(0, kTwoFloats, ""));
     EXPECT_TRUE(reader.cloud->data.empty());
     EXPECT_THAT(messages, IsEmpty());
 }
 
-TEST_F(PlyData, EachAsciiLineIsOneVertex) {
+TEST_F(PLYDeserializerData, EachAsciiLineIsOneVertex) {
     EXPECT_TRUE(readAscii(2, kTwoFloats, "1 2\n3 4\nnot read\n"));
     EXPECT_THAT(values<float>(), ElementsAre(1, 2, 3, 4));
     EXPECT_EQ(reader.lineNumber, 8u);
@@ -79,12 +79,12 @@ TEST_F(PlyData, EachAsciiLineIsOneVertex) {
     EXPECT_THAT(messages, IsEmpty());
 }
 
-TEST_F(PlyData, LastAsciiLineNeedsNoLineFeed) {
+TEST_F(PLYDeserializerData, LastAsciiLineNeedsNoLineFeed) {
     EXPECT_TRUE(readAscii(2, kTwoFloats, "1 2\n3 4"));
     EXPECT_THAT(values<float>(), ElementsAre(1, 2, 3, 4));
 }
 
-TEST_F(PlyData, MissingAsciiLineIsRefusedWithTheNumberOfTheLastOne) {
+TEST_F(PLYDeserializerData, MissingAsciiLineIsRefusedWithTheNumberOfTheLastOne) {
     EXPECT_FALSE(readAscii(2, kTwoFloats, "1 2\n"));
     EXPECT_THAT(messages, ElementsAre(refusal(7)));
     EXPECT_THAT(values<float>(), ElementsAre(1, 2, 0, 0));
@@ -92,18 +92,18 @@ TEST_F(PlyData, MissingAsciiLineIsRefusedWithTheNumberOfTheLastOne) {
     EXPECT_THAT(messages, ElementsAre(refusal(6)));
 }
 
-TEST_F(PlyData, SurplusAsciiValuesAreIgnored) {
+TEST_F(PLYDeserializerData, SurplusAsciiValuesAreIgnored) {
     EXPECT_TRUE(readAscii(2, kTwoFloats, "1 2 3 4\n5 6 seven\n"));
     EXPECT_THAT(values<float>(), ElementsAre(1, 2, 5, 6));
 }
 
-TEST_F(PlyData, MissingAsciiValuesAreZeroAndNotTakenFromTheNextLine) {
+TEST_F(PLYDeserializerData, MissingAsciiValuesAreZeroAndNotTakenFromTheNextLine) {
     EXPECT_TRUE(readAscii(4, kTwoFloats, "1\n\n3 4\n \t\r\n"));
     EXPECT_THAT(values<float>(), ElementsAre(1, 0, 0, 0, 3, 4, 0, 0));
     EXPECT_THAT(messages, IsEmpty());
 }
 
-TEST_F(PlyData, AfterAMalformedAsciiValueTheRestOfTheRecordIsZero) {
+TEST_F(PLYDeserializerData, AfterAMalformedAsciiValueTheRestOfTheRecordIsZero) {
     EXPECT_TRUE(readAscii(3, kTwoFloats + "property uchar c\n", "x 2 3\n1 - 3\n5 6 7\n"));
     const auto& data = reader.cloud->data;
     EXPECT_EQ(std::vector<unsigned char>(data.begin(), data.begin() + 9),
@@ -116,7 +116,7 @@ TEST_F(PlyData, AfterAMalformedAsciiValueTheRestOfTheRecordIsZero) {
     EXPECT_EQ(data[26], '7');
 }
 
-TEST_F(PlyData, EightBitAsciiValuesAreSingleCharacters) {
+TEST_F(PLYDeserializerData, EightBitAsciiValuesAreSingleCharacters) {
     EXPECT_TRUE(
         readAscii(2, "property uchar a\nproperty char b\nproperty int c\n", "255 9\n  x\ty -7\n"));
     const auto& data = reader.cloud->data;
@@ -128,12 +128,12 @@ TEST_F(PlyData, EightBitAsciiValuesAreSingleCharacters) {
     EXPECT_EQ(valueAt<int>(data, 8), -7);
 }
 
-TEST_F(PlyData, AsciiBodyEndsAtAZeroByte) {
+TEST_F(PLYDeserializerData, AsciiBodyEndsAtAZeroByte) {
     EXPECT_FALSE(readAscii(2, kTwoFloats, std::string("1 2\n\0003 4\n", 9)));
     EXPECT_THAT(messages, ElementsAre(refusal(7)));
 }
 
-TEST_F(PlyData, BinaryBodyHasToHaveTheExactSize) {
+TEST_F(PLYDeserializerData, BinaryBodyHasToHaveTheExactSize) {
     const std::string properties = "property float x\nproperty float y\nproperty float z\n"
                                    "property float intensity\n";
     std::string body;
@@ -152,31 +152,31 @@ TEST_F(PlyData, BinaryBodyHasToHaveTheExactSize) {
     EXPECT_THAT(messages, ElementsAre(wrongSize));
 }
 
-TEST_F(PlyData, BinaryBodyMovesNeitherStreamNorCounters) {
+TEST_F(PLYDeserializerData, BinaryBodyMovesNeitherStreamNorCounters) {
     EXPECT_TRUE(read("binary_little_endian", 2, "property short a\n", "1234"));
     EXPECT_EQ(reader.lineNumber, 5u);
     EXPECT_EQ(reader.writeOffset, 0u);
     EXPECT_EQ(reader.stream.tellg(), std::streamoff(reader.stream.str().size() - 4));
 }
 
-TEST_F(PlyData, BinaryBodyWithZeroBytesIsCopiedInFull) {
+TEST_F(PLYDeserializerData, BinaryBodyWithZeroBytesIsCopiedInFull) {
     const std::string body("\0\1\0\2\0\0\0\3", 8);
     EXPECT_TRUE(read("binary_little_endian", 2, "property short a\nproperty ushort b\n", body));
     EXPECT_EQ(reader.cloud->data, bytesOf(body));
 }
 
-TEST_F(PlyData, BigEndianBodyIsRefused) {
+TEST_F(PLYDeserializerData, BigEndianBodyIsRefused) {
     EXPECT_FALSE(read("binary_big_endian", 1, "property int a\n", "1234"));
     EXPECT_THAT(messages, ElementsAre(bigEndian));
 }
 
-TEST_F(PlyData, UnknownStorageFormReadsNothing) {
+TEST_F(PLYDeserializerData, UnknownStorageFormReadsNothing) {
     reader.Init();
     reader.format = static_cast<PlyFormat>(3);
     EXPECT_TRUE(reader.ReadData(bytesOf("text")));
 }
 
-TEST_F(PlyData, BodyIsReadWithoutAHeaderToo) {
+TEST_F(PLYDeserializerData, BodyIsReadWithoutAHeaderToo) {
     const auto messagesOf = [](PlyFormat format, std::uint64_t vertices, bool isAccepted) {
         PLYDeserializer unready;
         unready.format = format;
@@ -192,7 +192,7 @@ TEST_F(PlyData, BodyIsReadWithoutAHeaderToo) {
     EXPECT_THAT(messagesOf(static_cast<PlyFormat>(3), 0, true), IsEmpty());
 }
 
-TEST_F(PlyData, UnknownDatatypeIsReportedTwice) {
+TEST_F(PLYDeserializerData, UnknownDatatypeIsReportedTwice) {
     const auto data = bytesOf("ply\nformat ascii 1.0\nelement vertex 1\nproperty int a\n"
                               "property int b\nend_header\n5 6\n");
     for (const std::uint8_t datatype : {std::uint8_t{0}, std::uint8_t{9}, std::uint8_t{255}}) {
@@ -207,7 +207,7 @@ TEST_F(PlyData, UnknownDatatypeIsReportedTwice) {
     }
 }
 
-TEST_F(PlyData, StepsInAnyOrderStayInsideTheBlock) {
+TEST_F(PLYDeserializerData, StepsInAnyOrderStayInsideTheBlock) {
     const auto data = bytesOf("ply\nformat ascii 1.0\nelement vertex 2\nproperty int a\n"
                               "end_header\n5\n6\n7\n8\n");
     reader.Init();
@@ -225,7 +225,7 @@ TEST_F(PlyData, StepsInAnyOrderStayInsideTheBlock) {
     EXPECT_TRUE(reader.ReadData(data));
 }
 
-TEST_F(PlyData, ThrowingLogIsFatal) {
+TEST_F(PLYDeserializerData, ThrowingLogIsFatal) {
     const auto readWithThrowingLog = [&](const std::string& format) {
         const auto data = bytesOf("ply\nformat " + format +
                                   " 1.0\nelement vertex 9\nproperty int a\nend_header\n5 6\n");
@@ -242,9 +242,9 @@ TEST_F(PlyData, ThrowingLogIsFatal) {
     EXPECT_DEATH(readWithThrowingLog("binary_big_endian"), "");
 }
 
-class PlyValue : public testing::Test {
+class PLYDeserializerValue : public testing::Test {
 protected:
-    PlyValue() {
+    PLYDeserializerValue() {
         reader.Init();
         reader.cloud->data.resize(64);
     }
@@ -267,7 +267,7 @@ protected:
     std::string rest;
 };
 
-TEST_F(PlyValue, NumbersAreTakenByLongestPrefix) {
+TEST_F(PLYDeserializerValue, NumbersAreTakenByLongestPrefix) {
     EXPECT_EQ(parseFloat("1.5abc"), 1.5F);
     EXPECT_EQ(rest, "abc");
     EXPECT_EQ(parseInt("3.7"), 3);
@@ -283,7 +283,7 @@ TEST_F(PlyValue, NumbersAreTakenByLongestPrefix) {
     EXPECT_EQ(rest, "e3");
 }
 
-TEST_F(PlyValue, MalformedNumbersAreZeroAndConsumed) {
+TEST_F(PLYDeserializerValue, MalformedNumbersAreZeroAndConsumed) {
     for (const char* text : {"1e", "1e+", "+", "-", ".", "-.", "1.5e-"}) {
         EXPECT_EQ(parseFloat(text), 0) << text;
         EXPECT_EQ(rest, "") << text;
@@ -293,7 +293,7 @@ TEST_F(PlyValue, MalformedNumbersAreZeroAndConsumed) {
     EXPECT_EQ(parseFloat(""), 0);
 }
 
-TEST_F(PlyValue, OverflowStoresTheNearestValue) {
+TEST_F(PLYDeserializerValue, OverflowStoresTheNearestValue) {
     EXPECT_EQ(parseFloat("1e39"), std::numeric_limits<float>::max());
     EXPECT_EQ(parseFloat("-3.5e38"), -std::numeric_limits<float>::max());
     EXPECT_EQ(parseDouble("1e400"), std::numeric_limits<double>::max());
@@ -304,13 +304,13 @@ TEST_F(PlyValue, OverflowStoresTheNearestValue) {
     EXPECT_EQ(parse<std::uint32_t>(Field::UINT32, "4294967296"), 4294967295u);
 }
 
-TEST_F(PlyValue, UnsignedNumbersTakeAMinusSign) {
+TEST_F(PLYDeserializerValue, UnsignedNumbersTakeAMinusSign) {
     EXPECT_EQ(parse<std::uint16_t>(Field::UINT16, "-1"), 65535);
     EXPECT_EQ(parse<std::uint32_t>(Field::UINT32, "-2"), 4294967294u);
     EXPECT_EQ(parse<std::uint16_t>(Field::UINT16, "-65536"), 65535);
 }
 
-TEST_F(PlyValue, UnderflowGivesTheNearestValue) {
+TEST_F(PLYDeserializerValue, UnderflowGivesTheNearestValue) {
     EXPECT_EQ(parseFloat("1e-46"), 0);
     EXPECT_EQ(parseFloat("1e-45"), std::numeric_limits<float>::denorm_min());
     EXPECT_EQ(parseDouble("1e-999999999999999999999"), 0);
@@ -319,7 +319,7 @@ TEST_F(PlyValue, UnderflowGivesTheNearestValue) {
     EXPECT_TRUE(std::signbit(parseFloat("-1e-50")));
 }
 
-TEST_F(PlyValue, VeryLongNumbersAreRoundedCorrectly) {
+TEST_F(PLYDeserializerValue, VeryLongNumbersAreRoundedCorrectly) {
     EXPECT_EQ(parseFloat("0." + std::string(700000, '0') + "1e700001"), 1);
     EXPECT_EQ(parseDouble("1" + std::string(100000, '0') + "e-100000"), 1);
     // A tie between two floats, and just above it.
@@ -328,7 +328,7 @@ TEST_F(PlyValue, VeryLongNumbersAreRoundedCorrectly) {
     EXPECT_EQ(parseFloat("16777217.00000000000000000001"), 16777218);
 }
 
-TEST_F(PlyValue, WordsForMissingAndInfiniteValuesAreRead) {
+TEST_F(PLYDeserializerValue, WordsForMissingAndInfiniteValuesAreRead) {
     for (const char* text : {"nan", "NaN", "NAN", "+nan", "nan(ind)", "nan()", "nan\r", "nan 1"}) {
         EXPECT_TRUE(std::isnan(parseFloat(text))) << text;
         EXPECT_FALSE(std::signbit(parseFloat(text))) << text;
@@ -347,7 +347,7 @@ TEST_F(PlyValue, WordsForMissingAndInfiniteValuesAreRead) {
     EXPECT_EQ(parseDouble("-infinity"), -std::numeric_limits<double>::infinity());
 }
 
-TEST_F(PlyValue, OtherWordsAreZero) {
+TEST_F(PLYDeserializerValue, OtherWordsAreZero) {
     for (const char* text : {"nanx", "na", "n", "info", "infinit", "nan(", "nan(-)", "nan()1",
                              "--inf", "+-nan", "in f", ".nan", "nan1", "null", "-i"}) {
         EXPECT_EQ(parseFloat(text), 0) << text;
@@ -357,7 +357,7 @@ TEST_F(PlyValue, OtherWordsAreZero) {
     EXPECT_EQ(parse<char>(Field::INT8, "nan"), 'n');
 }
 
-TEST_F(PlyValue, StreamGivesItsValuesOneByOne) {
+TEST_F(PLYDeserializerValue, StreamGivesItsValuesOneByOne) {
     std::istringstream line("  12 -3.5 x7 nan  ");
     EXPECT_TRUE(reader.ParseVertices(Field::INT16, line));
     EXPECT_EQ(line.tellg(), 5);
@@ -380,7 +380,7 @@ TEST_F(PlyValue, StreamGivesItsValuesOneByOne) {
     EXPECT_EQ(reader.writeOffset, 20u);
 }
 
-TEST_F(PlyValue, FailedStreamGivesOnlyZeros) {
+TEST_F(PLYDeserializerValue, FailedStreamGivesOnlyZeros) {
     std::istringstream line("1e+ 5 6");
     std::fill(reader.cloud->data.begin(), reader.cloud->data.end(), 0xFF);
     EXPECT_TRUE(reader.ParseVertices(Field::FLOAT32, line));
@@ -392,7 +392,7 @@ TEST_F(PlyValue, FailedStreamGivesOnlyZeros) {
         (std::vector<unsigned char>{0, 0, 0, 0, 0, 0, 0, 0, 0, 0xFF}));
 }
 
-TEST_F(PlyValue, UnknownTypeReadsNothing) {
+TEST_F(PLYDeserializerValue, UnknownTypeReadsNothing) {
     std::istringstream line("1 2");
     const CapturedLog log;
     for (const std::uint8_t type : {std::uint8_t{0}, std::uint8_t{9}, std::uint8_t{255}}) {
@@ -404,7 +404,7 @@ TEST_F(PlyValue, UnknownTypeReadsNothing) {
     EXPECT_EQ(reader.writeOffset, 0u);
 }
 
-TEST_F(PlyValue, NothingIsStoredOutsideTheBlock) {
+TEST_F(PLYDeserializerValue, NothingIsStoredOutsideTheBlock) {
     const std::vector<unsigned char> before(64);
     for (const std::uint32_t offset : {57u, 64u, 65u, 0x7FFFFFFFu, 0x80000000u, 0xFFFFFFFFu}) {
         std::istringstream line("1.5");
@@ -419,7 +419,7 @@ TEST_F(PlyValue, NothingIsStoredOutsideTheBlock) {
     EXPECT_EQ(valueAt<double>(reader.cloud->data, 56), 1.5);
 }
 
-TEST_F(PlyValue, WithoutACloudValuesAreReadAndDropped) {
+TEST_F(PLYDeserializerValue, WithoutACloudValuesAreReadAndDropped) {
     PLYDeserializer unready;
     std::istringstream line("1 2");
     EXPECT_TRUE(unready.ParseVertices(Field::INT32, line));
@@ -427,7 +427,7 @@ TEST_F(PlyValue, WithoutACloudValuesAreReadAndDropped) {
     EXPECT_EQ(unready.writeOffset, 4u);
 }
 
-TEST_F(PlyValue, ThrowingLogReachesTheCaller) {
+TEST_F(PLYDeserializerValue, ThrowingLogReachesTheCaller) {
     std::istringstream line("1");
     {
         const ThrowingLog throwing;

@@ -68,7 +68,7 @@ struct OwnKind : Entity {
     DXFEntity* clone() const override { return new OwnKind(*this); }
 };
 
-TEST(Attributes, KeepEveryValueInItsOwnPlace) {
+TEST(DXFAttributes, KeepEveryValueInItsOwnPlace) {
     const DXFAttributes attributes("walls", 3, 0x112233, 25, "DASHED", 2.5, 77, true);
     EXPECT_EQ(attributes.layerName(), "walls");
     EXPECT_EQ(attributes.color(), 3);
@@ -81,7 +81,7 @@ TEST(Attributes, KeepEveryValueInItsOwnPlace) {
     EXPECT_FALSE(DXFAttributes("", 0, 0, 0, "", 0.0, 0, false).inPaperSpace());
 }
 
-TEST(Attributes, AreNeitherCheckedNorCleaned) {
+TEST(DXFAttributes, AreNeitherCheckedNorCleaned) {
     const std::string name("a\0b", 3);
     const int least = std::numeric_limits<int>::min();
     const DXFAttributes attributes(name, least, least, least, "", -0.0, least, false);
@@ -94,7 +94,7 @@ TEST(Attributes, AreNeitherCheckedNorCleaned) {
     EXPECT_EQ(attributes.handle(), least);
 }
 
-TEST(Attributes, WithAnotherHandleKeepTheRest) {
+TEST(DXFAttributes, WithAnotherHandleKeepTheRest) {
     const std::shared_ptr<DXFAttributes> attributes = someAttributes()->withHandle(5);
     EXPECT_EQ(attributes->layerName(), "walls");
     EXPECT_EQ(attributes->color(), 3);
@@ -107,13 +107,13 @@ TEST(Attributes, WithAnotherHandleKeepTheRest) {
     EXPECT_EQ(someAttributes()->handle(), 77);
 }
 
-TEST(Entity, OfEveryKindReportsItsCode) {
+TEST(DXFEntity, OfEveryKindReportsItsCode) {
     for (const Kind& kind : kinds()) {
         EXPECT_EQ(kind.make()->type(), kind.code) << kind.name;
     }
 }
 
-TEST(Entity, OfEveryKindStartsWithoutAttributes) {
+TEST(DXFEntity, OfEveryKindStartsWithoutAttributes) {
     for (const Kind& kind : kinds()) {
         const std::shared_ptr<DXFEntity> entity = kind.make();
         EXPECT_EQ(entity->attributes(), nullptr) << kind.name;
@@ -121,7 +121,7 @@ TEST(Entity, OfEveryKindStartsWithoutAttributes) {
     }
 }
 
-TEST(Entity, SharesTheAttributesItIsGiven) {
+TEST(DXFEntity, SharesTheAttributesItIsGiven) {
     for (const Kind& kind : kinds()) {
         const std::shared_ptr<DXFEntity> entity = kind.make();
         const std::shared_ptr<DXFAttributes> attributes = someAttributes();
@@ -131,7 +131,7 @@ TEST(Entity, SharesTheAttributesItIsGiven) {
     }
 }
 
-TEST(Entity, LetsGoOfAttributesThatAreReplaced) {
+TEST(DXFEntity, LetsGoOfAttributesThatAreReplaced) {
     DXFPoint point(1, 2, 3);
     std::weak_ptr<DXFAttributes> first;
     {
@@ -146,7 +146,7 @@ TEST(Entity, LetsGoOfAttributesThatAreReplaced) {
     EXPECT_EQ(point.attributes(), nullptr);
 }
 
-TEST(Entity, GivenItsOwnAttributesAgainStaysAsItWas) {
+TEST(DXFEntity, GivenItsOwnAttributesAgainStaysAsItWas) {
     DXFPoint point(1, 2, 3);
     const std::shared_ptr<DXFAttributes> attributes = someAttributes();
     point.setAttributes(attributes);
@@ -155,7 +155,7 @@ TEST(Entity, GivenItsOwnAttributesAgainStaysAsItWas) {
     EXPECT_EQ(attributes.use_count(), 2);
 }
 
-TEST(Entity, DestroyedThroughItsBaseReleasesItsAttributes) {
+TEST(DXFEntity, DestroyedThroughItsBaseReleasesItsAttributes) {
     for (const Kind& kind : kinds()) {
         const std::shared_ptr<DXFAttributes> attributes = someAttributes();
         std::unique_ptr<DXFEntity> entity(kind.make()->clone());
@@ -165,7 +165,7 @@ TEST(Entity, DestroyedThroughItsBaseReleasesItsAttributes) {
     }
 }
 
-TEST(Entity, LineWidthIsApartFromThatOfTheAttributes) {
+TEST(DXFEntity, LineWidthIsApartFromThatOfTheAttributes) {
     DXFCircle circle(Point(), 1.0);
     circle.setAttributes(someAttributes());
     circle.setLineWidth(-7);
@@ -173,7 +173,7 @@ TEST(Entity, LineWidthIsApartFromThatOfTheAttributes) {
     EXPECT_EQ(circle.attributes()->width(), 25);
 }
 
-TEST(Clone, OfEveryKindButLinesSharesAttributesAndTakesOverTheLineWidth) {
+TEST(DXFEntityClone, OfEveryKindButLinesSharesAttributesAndTakesOverTheLineWidth) {
     for (const Kind& kind : kinds()) {
         if (kind.code == DXFEntityType::Line) {
             continue;
@@ -190,7 +190,7 @@ TEST(Clone, OfEveryKindButLinesSharesAttributesAndTakesOverTheLineWidth) {
     }
 }
 
-TEST(Clone, OfALineTakesOverItsEndsOnly) {
+TEST(DXFEntityClone, OfALineTakesOverItsEndsOnly) {
     DXFLine line(Point(1, 2, 3), Point(4, 5, 6));
     line.setAttributes(someAttributes());
     line.setLineWidth(9);
@@ -203,7 +203,7 @@ TEST(Clone, OfALineTakesOverItsEndsOnly) {
     EXPECT_EQ(line.lineWidth(), 9);
 }
 
-TEST(Clone, OfAClassOfTheCallersMayBeAnyEntity) {
+TEST(DXFEntityClone, OfAClassOfTheCallersMayBeAnyEntity) {
     const std::shared_ptr<DXFEntity> entities[] = {
         std::make_shared<OwnKind<DXFPolyline>>(0U, 0U, 0U),
         std::make_shared<OwnKind<DXFPoint>>(1.0, 2.0, 3.0),
@@ -220,7 +220,7 @@ TEST(Clone, OfAClassOfTheCallersMayBeAnyEntity) {
     }
 }
 
-TEST(Clone, TakesOverTheGeometry) {
+TEST(DXFEntityClone, TakesOverTheGeometry) {
     const std::unique_ptr<DXFPoint> point = cloneOf(DXFPoint(1, 2, 3));
     EXPECT_EQ(Point(point->mX(), point->mY(), point->mZ()), Point(1, 2, 3));
     const std::unique_ptr<DXFCircle> circle = cloneOf(DXFCircle(Point(1, 2, 3), 4));
@@ -233,7 +233,7 @@ TEST(Clone, TakesOverTheGeometry) {
     EXPECT_EQ(arc->getEndAngle(), 6);
 }
 
-TEST(Clone, OfAPointVectorHasPointsOfItsOwn) {
+TEST(DXFEntityClone, OfAPointVectorHasPointsOfItsOwn) {
     DXFPointVector vector({Point(1, 2, 3)});
     const std::unique_ptr<DXFPointVector> clone = cloneOf(vector);
     clone->addPoint(Point(4, 5, 6));
@@ -242,7 +242,7 @@ TEST(Clone, OfAPointVectorHasPointsOfItsOwn) {
     EXPECT_EQ(vector.mV(), (std::vector<Point>{{1, 2, 3}, {7, 8, 9}}));
 }
 
-TEST(Entity, OfASimpleKindIsNotChangedBySetup) {
+TEST(DXFEntity, OfASimpleKindIsNotChangedBySetup) {
     DXFPoint point(1, 2, 3);
     point.setup();
     EXPECT_EQ(Point(point.mX(), point.mY(), point.mZ()), Point(1, 2, 3));
@@ -261,7 +261,7 @@ TEST(Entity, OfASimpleKindIsNotChangedBySetup) {
     EXPECT_EQ(arc.getEndAngle(), 6);
 }
 
-TEST(CircleAndArc, KeepANegativeRadiusAndFallingAngles) {
+TEST(DXFCircleAndDXFArc, KeepANegativeRadiusAndFallingAngles) {
     EXPECT_EQ(DXFCircle(Point(), -2).getRadius(), -2);
     const DXFArc arc(Point(), -3, 350, 10);
     EXPECT_EQ(arc.getRadius(), -3);
@@ -269,7 +269,7 @@ TEST(CircleAndArc, KeepANegativeRadiusAndFallingAngles) {
     EXPECT_EQ(arc.getEndAngle(), 10);
 }
 
-TEST(PointVector, BuiltFromNothingGrowsByOnePoint) {
+TEST(DXFPointVector, BuiltFromNothingGrowsByOnePoint) {
     DXFPointVector vector(std::vector<Point>{});
     EXPECT_TRUE(vector.mV().empty());
     vector.addPoint(Point(1, 2, 3));
@@ -277,7 +277,7 @@ TEST(PointVector, BuiltFromNothingGrowsByOnePoint) {
     EXPECT_EQ(vector.points(), vector.mV());
 }
 
-TEST(PointVector, HandsOutACopyOfItsPoints) {
+TEST(DXFPointVector, HandsOutACopyOfItsPoints) {
     std::vector<Point> given = {{1, 2, 3}};
     const DXFPointVector vector(given);
     given[0].x = 8;
@@ -287,7 +287,7 @@ TEST(PointVector, HandsOutACopyOfItsPoints) {
     EXPECT_EQ(vector.mV(), std::vector<Point>{Point(1, 2, 3)});
 }
 
-TEST(PointVector, CanAppendOneOfItsOwnPoints) {
+TEST(DXFPointVector, CanAppendOneOfItsOwnPoints) {
     DXFPointVector vector({Point(1, 2, 3)});
     for (int i = 0; i < 100; ++i) {
         vector.addPoint(vector.points().front());

@@ -1,4 +1,5 @@
 #include "dxfeditor/DXFSpline.h"
+
 #include "dxfeditor/detail/walking/TruncatedCount.h"
 #include "tests/support/CloneOf.h"
 #include "tests/support/ReferenceSpline.h"
@@ -74,7 +75,7 @@ TEST(TruncatedCount, IsZeroForWhatDoesNotFitOrIsNoNumber) {
     }
 }
 
-TEST(Spline, KeepsWhatItIsGivenInOrder) {
+TEST(DXFSpline, KeepsWhatItIsGivenInOrder) {
     DXFSpline s(3, 0, 0, 0, 11);
     s.appendKnot(2);
     s.appendKnot(1);
@@ -94,7 +95,7 @@ TEST(Spline, KeepsWhatItIsGivenInOrder) {
     EXPECT_EQ(s.fitPoints(), (std::vector<cv::Point3_<double>>{{1, 2, 3}, {4, 5, 6}}));
 }
 
-TEST(Spline, IgnoresTheCountsOfItsConstructor) {
+TEST(DXFSpline, IgnoresTheCountsOfItsConstructor) {
     const unsigned many = 0xFFFFFFFF;
     const DXFSpline s(3, many, many, many, 0);
     EXPECT_TRUE(s.knots().empty());
@@ -102,7 +103,7 @@ TEST(Spline, IgnoresTheCountsOfItsConstructor) {
     EXPECT_TRUE(s.fitPoints().empty());
 }
 
-TEST(Spline, CloneHasKnotsAndPointsOfItsOwn) {
+TEST(DXFSpline, CloneHasKnotsAndPointsOfItsOwn) {
     DXFSpline s = quarterCircle();
     s.appendFitPoint(7, 8, 9);
     const std::unique_ptr<DXFSpline> clone = cloneOf(s);
@@ -116,13 +117,13 @@ TEST(Spline, CloneHasKnotsAndPointsOfItsOwn) {
     EXPECT_EQ(clone->evaluate(0.3), quarterCircle().evaluate(0.3));
 }
 
-TEST(Spline, IsNotChangedBySetup) {
+TEST(DXFSpline, IsNotChangedBySetup) {
     DXFSpline s = quarterCircle();
     s.setup();
     EXPECT_EQ(s.sample(0.1), quarterCircle().sample(0.1));
 }
 
-TEST(SplineSample, OfTwoLegsHas21PointsThatRunAlongThem) {
+TEST(SplineSamples, OfTwoLegsHas21PointsThatRunAlongThem) {
     const DXFSpline s = spline(1, {0, 0, 1, 2, 2}, {{0, 0, 0, 1}, {1, 0, 0, 1}, {1, 1, 0, 1}});
     const Points points = s.sample(0.1);
     ASSERT_EQ(points.size(), 21U);
@@ -137,7 +138,7 @@ TEST(SplineSample, OfTwoLegsHas21PointsThatRunAlongThem) {
     EXPECT_EQ(s.evaluate(2), cv::Point_<double>(1, 1));
 }
 
-TEST(SplineEvaluate, OfARationalQuadraticIsAQuarterCircle) {
+TEST(DXFSplineEvaluate, OfARationalQuadraticIsAQuarterCircle) {
     const DXFSpline s = quarterCircle();
     for (int i = 0; i <= 100; ++i) {
         const cv::Point_<double> point = s.evaluate(i / 100.0);
@@ -147,7 +148,7 @@ TEST(SplineEvaluate, OfARationalQuadraticIsAQuarterCircle) {
     EXPECT_EQ(s.evaluate(1), cv::Point_<double>(0, 1));
 }
 
-TEST(SplineSample, OfACurveThatCannotBeEvaluatedIsItsFitPoints) {
+TEST(SplineSamples, OfACurveThatCannotBeEvaluatedIsItsFitPoints) {
     DXFSpline s = spline(3, {0, 0, 0, 0, 1, 1, 1, 1}, {{0, 0, 0, 1}, {1, 0, 0, 1}, {1, 1, 0, 1}});
     s.appendFitPoint(1, 2, 3);
     s.appendFitPoint(4, 5, 6);
@@ -156,7 +157,7 @@ TEST(SplineSample, OfACurveThatCannotBeEvaluatedIsItsFitPoints) {
     EXPECT_EQ(s.evaluate(0.5), cv::Point_<double>(0, 0));
 }
 
-TEST(SplineSample, OfACurveWithoutAnythingIsEmpty) {
+TEST(SplineSamples, OfACurveWithoutAnythingIsEmpty) {
     const DXFSpline s(3, 0, 0, 0, 0);
     EXPECT_TRUE(s.sample(0.1).empty());
     EXPECT_EQ(s.sampleCount(0.1), 0U);
@@ -164,31 +165,31 @@ TEST(SplineSample, OfACurveWithoutAnythingIsEmpty) {
     EXPECT_TRUE(DXFSpline(0, 0, 0, 0, 0).sample(0.1).empty());
 }
 
-TEST(SplineSample, OfACurveThatCanBeEvaluatedLeavesFitPointsAside) {
+TEST(SplineSamples, OfACurveThatCanBeEvaluatedLeavesFitPointsAside) {
     DXFSpline s = leg(1);
     s.appendFitPoint(50, 60, 70);
     EXPECT_EQ(s.sample(0.1), leg(1).sample(0.1));
 }
 
-TEST(SplineSample, NeedsOneKnotMoreThanControlPointsAndDegree) {
+TEST(SplineSamples, NeedsOneKnotMoreThanControlPointsAndDegree) {
     const std::vector<DXFControlPoint> controls = {{1, 1, 0, 1}, {2, 2, 0, 1}};
     EXPECT_TRUE(spline(1, {0, 0, 1}, controls).sample(0.1).empty());
     EXPECT_EQ(spline(1, {0, 0, 1, 1}, controls).sample(0.1).size(), 15U);
     EXPECT_EQ(spline(1, {0, 0, 1, 1, 1}, controls).sample(0.1).size(), 15U);
 }
 
-TEST(SplineSample, TakesFourStepsAtLeast) {
+TEST(SplineSamples, TakesFourStepsAtLeast) {
     EXPECT_EQ(leg(0.25).sample(0.1).size(), 5U);
     EXPECT_EQ(leg(0.0).sample(0.1).size(), 5U);
     EXPECT_EQ(leg(0.45).sample(0.1).size(), 5U);
     EXPECT_EQ(leg(0.55).sample(0.1).size(), 6U);
 }
 
-TEST(SplineSample, OfASingleControlPointRepeatsIt) {
+TEST(SplineSamples, OfASingleControlPointRepeatsIt) {
     EXPECT_EQ(spline(0, {0, 1}, {{3, 4, 5, 2}}).sample(0.1), Points(5, {3, 4}));
 }
 
-TEST(SplineSample, TakesFourStepsWhenTheCountIsNoNumberOrDoesNotFit32Bits) {
+TEST(SplineSamples, TakesFourStepsWhenTheCountIsNoNumberOrDoesNotFit32Bits) {
     for (const double length : {3e8, 214748364.8, 1e15, 1e200, 1e308, infinity, nan}) {
         EXPECT_EQ(leg(length).sample(0.1).size(), 5U) << length;
         EXPECT_EQ(leg(length).sampleCount(0.1), 5U) << length;
@@ -199,19 +200,19 @@ TEST(SplineSample, TakesFourStepsWhenTheCountIsNoNumberOrDoesNotFit32Bits) {
     EXPECT_EQ(leg(0).sample(0.0).size(), 5U);
 }
 
-TEST(SplineSample, CountsUpToTheLastStepThatFits32Bits) {
+TEST(SplineSamples, CountsUpToTheLastStepThatFits32Bits) {
     EXPECT_EQ(leg(2147483646.0).sampleCount(1), 2147483647U);
     EXPECT_EQ(leg(2147483647.0).sampleCount(1), 2147483648U);
     EXPECT_EQ(leg(2147483648.0).sampleCount(1), 5U);
 }
 
-TEST(SplineSample, MeasuresTheControlPolygonInThePlane) {
+TEST(SplineSamples, MeasuresTheControlPolygonInThePlane) {
     const DXFSpline s =
         spline(2, {0, 0, 0, 1, 1, 1}, {{0, 0, 0, 1}, {3, 4, 900, 1}, {3, 5, -900, 1}});
     EXPECT_EQ(s.sample(0.5).size(), 13U);
 }
 
-TEST(SplineSample, HasPointsAtEqualStepsOfTheParameter) {
+TEST(SplineSamples, HasPointsAtEqualStepsOfTheParameter) {
     const DXFSpline s = spline(2, {0, 1, 2.5, 3, 7, 8}, {{0, 0, 0, 1}, {3, 4, 0, 2}, {3, 5, 0, 3}});
     const Points points = s.sample(0.5);
     ASSERT_EQ(points.size(), 13U);
@@ -220,25 +221,25 @@ TEST(SplineSample, HasPointsAtEqualStepsOfTheParameter) {
     }
 }
 
-TEST(SplineEvaluate, DoesNotUseHeights) {
+TEST(DXFSplineEvaluate, DoesNotUseHeights) {
     EXPECT_EQ(spline(1, {0, 0, 1, 1}, {{0, 0, nan, 1}, {1, 1, infinity, 1}}).evaluate(0.5),
               cv::Point_<double>(0.5, 0.5));
 }
 
-TEST(SplineEvaluate, AboveTheLastUsableKnotExtrapolatesTheLastSpan) {
+TEST(DXFSplineEvaluate, AboveTheLastUsableKnotExtrapolatesTheLastSpan) {
     const DXFSpline s = spline(1, {0, 0, 1, 2, 2}, {{0, 0, 0, 1}, {1, 0, 0, 1}, {1, 1, 0, 1}});
     EXPECT_EQ(s.evaluate(3), cv::Point_<double>(1, 2));
     EXPECT_EQ(s.evaluate(12), cv::Point_<double>(1, 11));
 }
 
-TEST(SplineEvaluate, BelowTheFirstUsableKnotStaysAtTheStart) {
+TEST(DXFSplineEvaluate, BelowTheFirstUsableKnotStaysAtTheStart) {
     const DXFSpline s = quarterCircle();
     for (const double t : {-1e-9, -5.0, -1e300, -infinity}) {
         EXPECT_EQ(s.evaluate(t), s.evaluate(0)) << t;
     }
 }
 
-TEST(SplineSample, OverFallingKnotsEndsAtTheLastPointThoughItsParameterIsRounded) {
+TEST(SplineSamples, OverFallingKnotsEndsAtTheLastPointThoughItsParameterIsRounded) {
     // -0.1 / 11, eleven times, falls just short of the knot 0.
     const DXFSpline falling = spline(1, {0.1, 0.1, 0, 0}, {{0, 0, 0, 1}, {1.15, 0, 0, 1}});
     const double step = (0.0 - 0.1) / 11;
@@ -250,14 +251,14 @@ TEST(SplineSample, OverFallingKnotsEndsAtTheLastPointThoughItsParameterIsRounded
     }
 }
 
-TEST(SplineEvaluate, BelowFallingKnotsStaysAtTheLowerOne) {
+TEST(DXFSplineEvaluate, BelowFallingKnotsStaysAtTheLowerOne) {
     const DXFSpline falling = spline(1, {1, 1, 0, 0}, {{0, 0, 0, 1}, {5, 0, 0, 1}});
     EXPECT_EQ(falling.evaluate(0), cv::Point_<double>(5, 0));
     EXPECT_EQ(falling.evaluate(-3), falling.evaluate(0));
     EXPECT_EQ(falling.evaluate(-infinity), falling.evaluate(0));
 }
 
-TEST(SplineEvaluate, OfAVanishingWeightIsTheOrigin) {
+TEST(DXFSplineEvaluate, OfAVanishingWeightIsTheOrigin) {
     EXPECT_EQ(spline(1, {0, 0, 1, 1}, {{1, 1, 0, 1}, {5, 5, 0, -1}}).evaluate(0.5),
               cv::Point_<double>(0, 0));
     EXPECT_EQ(spline(0, {0, 1}, {{3, 4, 0, 0}}).evaluate(0.5), cv::Point_<double>(0, 0));
@@ -265,13 +266,13 @@ TEST(SplineEvaluate, OfAVanishingWeightIsTheOrigin) {
     EXPECT_EQ(spline(0, {0, 1}, {{3, 4, 0, -2e-15}}).evaluate(0.5), cv::Point_<double>(3, 4));
 }
 
-TEST(SplineEvaluate, TakesTheEarlierPointInAKnotIntervalThatVanishes) {
+TEST(DXFSplineEvaluate, TakesTheEarlierPointInAKnotIntervalThatVanishes) {
     // All knots equal: every alpha counts as 0, and the first control point of the span is left.
     EXPECT_EQ(spline(2, {1, 1, 1, 1, 1, 1}, {{1, 2, 0, 1}, {3, 4, 0, 1}, {5, 6, 0, 1}}).evaluate(1),
               cv::Point_<double>(1, 2));
 }
 
-TEST(SplineEvaluate, OfADegreeTooHighOrNegativeAsASignedNumberIsTheOrigin) {
+TEST(DXFSplineEvaluate, OfADegreeTooHighOrNegativeAsASignedNumberIsTheOrigin) {
     for (const unsigned degree : {4U, 5U, 0x7FFFFFFFU, 0x80000000U, 0xFFFFFFFEU, 0xFFFFFFFFU}) {
         DXFSpline s = spline(degree, std::vector<double>(20, 1.0),
                              {{1, 1, 0, 1}, {2, 2, 0, 1}, {3, 3, 0, 1}, {4, 4, 0, 1}});
@@ -325,7 +326,7 @@ private:
     std::mt19937 m_random{1};
 };
 
-TEST(SplineEvaluate, AgreesWithBasisFunctionsOnWellFormedSplines) {
+TEST(DXFSplineEvaluate, AgreesWithBasisFunctionsOnWellFormedSplines) {
     WellFormedSplines splines;
     for (int round = 0; round < 500; ++round) {
         splines.polynomial = round % 2 == 0;
@@ -349,7 +350,7 @@ TEST(SplineEvaluate, AgreesWithBasisFunctionsOnWellFormedSplines) {
     }
 }
 
-TEST(SplineSample, AgreesWithBasisFunctionsOnWellFormedSplines) {
+TEST(SplineSamples, AgreesWithBasisFunctionsOnWellFormedSplines) {
     WellFormedSplines splines;
     for (int round = 0; round < 200; ++round) {
         const DXFSpline s = splines.next();
@@ -366,7 +367,7 @@ TEST(SplineSample, AgreesWithBasisFunctionsOnWellFormedSplines) {
     }
 }
 
-TEST(SplineEvaluate, OfHostileSplinesEndsAndAgreesWithThePlainSearchWhereThatEnds) {
+TEST(DXFSplineEvaluate, OfHostileSplinesEndsAndAgreesWithThePlainSearchWhereThatEnds) {
     // No polygon between these has a length whose step count is large and yet fits.
     const std::vector<double> pool = {nan, infinity, -infinity, 0,      -0.0,   1,   1,    2,
                                       -1,  0.5,      1e300,     -1e300, 5e-324, 1e9, 1e-16};
@@ -408,7 +409,7 @@ TEST(SplineEvaluate, OfHostileSplinesEndsAndAgreesWithThePlainSearchWhereThatEnd
     EXPECT_GT(endless, 100);
 }
 
-TEST(SplineEvaluate, OfAHighDegreeStaysInBounds) {
+TEST(DXFSplineEvaluate, OfAHighDegreeStaysInBounds) {
     DXFSpline s(300, 0, 0, 0, 0);
     for (int i = 0; i < 302 + 301; ++i) {
         s.appendKnot(i);

@@ -356,6 +356,16 @@ TEST_F(DXFWriterTest, FileThatCannotBeCreatedIsReported) {
     }
 }
 
+TEST_F(DXFWriterTest, WhyTheLastFileWasNotOpenedIsKept) {
+    DXFWriter writer(m_document);
+    EXPECT_EQ(writer.whyNotOpened(), "");
+    const std::string path = m_directory.file("missing/drawing.dxf");
+    EXPECT_FALSE(writer.save(path));
+    EXPECT_EQ(writer.whyNotOpened(), cannotOpen(path).text);
+    EXPECT_TRUE(writer.save(m_path));
+    EXPECT_EQ(writer.whyNotOpened(), "");
+}
+
 TEST_F(DXFWriterTest, UmaskThatTakesTheOwnersPermissionsAwayDoesNoHarm) {
     chmod(m_directory.path().c_str(), 0777);
     const int status = inChildProcess([&] {

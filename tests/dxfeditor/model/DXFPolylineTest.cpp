@@ -1,4 +1,5 @@
 #include "dxfeditor/DXFPolyline.h"
+
 #include "tests/support/CloneOf.h"
 
 #include <gtest/gtest.h>
@@ -27,7 +28,7 @@ DXFVertex vertex(double x, double y, double z = 0.0, double bulge = 0.0) {
     return DXFVertex(x, y, z, true, bulge);
 }
 
-TEST(Vertex, KeepsEveryValueInItsOwnPlace) {
+TEST(DXFVertex, KeepsEveryValueInItsOwnPlace) {
     const DXFVertex v(1, 2, 3, true, 4);
     EXPECT_EQ(v.x(), 1);
     EXPECT_EQ(v.y(), 2);
@@ -37,7 +38,7 @@ TEST(Vertex, KeepsEveryValueInItsOwnPlace) {
     EXPECT_FALSE(DXFVertex(1, 2, 3, false, 4).flag());
 }
 
-TEST(Polyline, StartsEmptyWithTheGivenCountsAndFlags) {
+TEST(DXFPolyline, StartsEmptyWithTheGivenCountsAndFlags) {
     const DXFPolyline polyline(7, 0xFFFFFFFFU, 0x80000002U);
     EXPECT_TRUE(polyline.vertices().empty());
     EXPECT_TRUE(polyline.segments().empty());
@@ -48,13 +49,13 @@ TEST(Polyline, StartsEmptyWithTheGivenCountsAndFlags) {
     EXPECT_FALSE(polyline.isClosed());
 }
 
-TEST(Polyline, IsClosedWhenBitZeroIsSetWhateverTheOthers) {
+TEST(DXFPolyline, IsClosedWhenBitZeroIsSetWhateverTheOthers) {
     EXPECT_TRUE(DXFPolyline(0, 0, 1).isClosed());
     EXPECT_TRUE(DXFPolyline(0, 0, 129).isClosed());
     EXPECT_FALSE(DXFPolyline(0, 0, 128).isClosed());
 }
 
-TEST(Polyline, KeepsItsVerticesInOrder) {
+TEST(DXFPolyline, KeepsItsVerticesInOrder) {
     DXFPolyline polyline(0, 0, 0);
     polyline.appendPoint(vertex(1, 2, 3, 4));
     polyline.appendPoint(vertex(5, 6, 7, 8));
@@ -64,7 +65,7 @@ TEST(Polyline, KeepsItsVerticesInOrder) {
     EXPECT_EQ(polyline.vertices()[1].z(), 7);
 }
 
-TEST(PolylineSetup, OfNoneOrOneVertexGivesNoSegment) {
+TEST(DXFPolylineSetup, OfNoneOrOneVertexGivesNoSegment) {
     for (const unsigned flags : {0U, closed}) {
         DXFPolyline none(0, 0, flags);
         none.setup();
@@ -76,7 +77,7 @@ TEST(PolylineSetup, OfNoneOrOneVertexGivesNoSegment) {
     }
 }
 
-TEST(PolylineSetup, OfTwoVerticesGivesOneSegmentAlsoWhenClosed) {
+TEST(DXFPolylineSetup, OfTwoVerticesGivesOneSegmentAlsoWhenClosed) {
     for (const unsigned flags : {0U, closed}) {
         DXFPolyline polyline(0, 0, flags);
         polyline.appendPoint(vertex(1, 2));
@@ -86,7 +87,7 @@ TEST(PolylineSetup, OfTwoVerticesGivesOneSegmentAlsoWhenClosed) {
     }
 }
 
-TEST(PolylineSetup, ClosesFromTheFirstVertexToTheLastAndNotBack) {
+TEST(DXFPolylineSetup, ClosesFromTheFirstVertexToTheLastAndNotBack) {
     DXFPolyline triangle(0, 0, closed);
     triangle.appendPoint(vertex(0, 0));
     triangle.appendPoint(vertex(4, 0));
@@ -96,7 +97,7 @@ TEST(PolylineSetup, ClosesFromTheFirstVertexToTheLastAndNotBack) {
               (std::vector<Segment>{{0, 0, 4, 0}, {4, 0, 4, 3}, {0, 0, 4, 3}}));
 }
 
-TEST(PolylineSetup, LeavesAnOpenPolylineOpen) {
+TEST(DXFPolylineSetup, LeavesAnOpenPolylineOpen) {
     DXFPolyline polyline(0, 0, 128);
     polyline.appendPoint(vertex(0, 0));
     polyline.appendPoint(vertex(4, 0));
@@ -105,7 +106,7 @@ TEST(PolylineSetup, LeavesAnOpenPolylineOpen) {
     EXPECT_EQ(polyline.segments(), (std::vector<Segment>{{0, 0, 4, 0}, {4, 0, 4, 3}}));
 }
 
-TEST(PolylineSetup, MakesAChordOfABulgedEdgeAndIgnoresHeights) {
+TEST(DXFPolylineSetup, MakesAChordOfABulgedEdgeAndIgnoresHeights) {
     DXFPolyline polyline(0, 0, 0);
     polyline.appendPoint(vertex(0, 0, 5, 1));
     polyline.appendPoint(vertex(2, 0, 9, -1));
@@ -113,7 +114,7 @@ TEST(PolylineSetup, MakesAChordOfABulgedEdgeAndIgnoresHeights) {
     EXPECT_EQ(polyline.segments(), (std::vector<Segment>{{0, 0, 2, 0}}));
 }
 
-TEST(PolylineSetup, CalledAgainChangesNothing) {
+TEST(DXFPolylineSetup, CalledAgainChangesNothing) {
     DXFPolyline polyline(0, 0, closed);
     for (const int i : {0, 1, 2}) {
         polyline.appendPoint(vertex(i, i * i));
@@ -124,7 +125,7 @@ TEST(PolylineSetup, CalledAgainChangesNothing) {
     EXPECT_EQ(polyline.segments(), once);
 }
 
-TEST(PolylineSetup, DoesNotTakeInVerticesAppendedAfterIt) {
+TEST(DXFPolylineSetup, DoesNotTakeInVerticesAppendedAfterIt) {
     DXFPolyline polyline(0, 0, 0);
     polyline.appendPoint(vertex(0, 0));
     polyline.appendPoint(vertex(1, 0));
@@ -139,7 +140,7 @@ TEST(PolylineSetup, DoesNotTakeInVerticesAppendedAfterIt) {
     EXPECT_EQ(polyline.segments(), (std::vector<Segment>{{5, 5, 6, 6}, {6, 6, 7, 7}}));
 }
 
-TEST(PolylineSetSegments, ReplacesVerticesByTheChain) {
+TEST(DXFPolylineSetSegments, ReplacesVerticesByTheChain) {
     DXFPolyline polyline(3, 4, 5);
     polyline.appendPoint(vertex(9, 9, 9, 9));
     const std::vector<Segment> chain = {{0, 1, 2, 3}, {2, 3, 4, 5}};
@@ -159,7 +160,7 @@ TEST(PolylineSetSegments, ReplacesVerticesByTheChain) {
     }
 }
 
-TEST(PolylineSetSegments, OfNothingLeavesNothing) {
+TEST(DXFPolylineSetSegments, OfNothingLeavesNothing) {
     DXFPolyline polyline(3, 4, closed);
     for (const int i : {0, 1, 2}) {
         polyline.appendPoint(vertex(i, i * i));
@@ -174,7 +175,7 @@ TEST(PolylineSetSegments, OfNothingLeavesNothing) {
     EXPECT_TRUE(polyline.segments().empty());
 }
 
-TEST(PolylineSetSegments, DoesNotCompareStartsWithTheEndsBefore) {
+TEST(DXFPolylineSetSegments, DoesNotCompareStartsWithTheEndsBefore) {
     DXFPolyline polyline(0, 0, 0);
     const std::vector<Segment> gap = {{0, 0, 1, 0}, {50, 50, 2, 0}};
     polyline.setSegments(gap);
@@ -184,7 +185,7 @@ TEST(PolylineSetSegments, DoesNotCompareStartsWithTheEndsBefore) {
     EXPECT_EQ(polyline.segments(), (std::vector<Segment>{{0, 0, 1, 0}, {1, 0, 2, 0}}));
 }
 
-TEST(PolylineSetSegments, OfAClosedPolylineGetsTheClosingPieceAtTheNextSetup) {
+TEST(DXFPolylineSetSegments, OfAClosedPolylineGetsTheClosingPieceAtTheNextSetup) {
     DXFPolyline polyline(0, 0, closed);
     polyline.setSegments({{0, 0, 4, 0}, {4, 0, 4, 3}});
     EXPECT_EQ(polyline.segments().size(), 2U);
@@ -193,7 +194,7 @@ TEST(PolylineSetSegments, OfAClosedPolylineGetsTheClosingPieceAtTheNextSetup) {
               (std::vector<Segment>{{0, 0, 4, 0}, {4, 0, 4, 3}, {0, 0, 4, 3}}));
 }
 
-TEST(PolylineSetSegments, OfRandomOpenChainsSurvivesSetup) {
+TEST(DXFPolylineSetSegments, OfRandomOpenChainsSurvivesSetup) {
     std::mt19937 random(1);
     std::uniform_real_distribution<double> coordinate(-1e6, 1e6);
     for (std::size_t length = 0; length < 50; ++length) {
@@ -250,7 +251,7 @@ struct PlainPolyline {
     }
 };
 
-TEST(Polyline, FollowsAPlainOneThroughRandomChanges) {
+TEST(DXFPolyline, FollowsAPlainOneThroughRandomChanges) {
     std::mt19937 random(1);
     const auto number = [&] { return static_cast<double>(random() % 1000); };
     for (int round = 0; round < 1000; ++round) {
@@ -281,7 +282,7 @@ TEST(Polyline, FollowsAPlainOneThroughRandomChanges) {
     }
 }
 
-TEST(PolylineClone, HasVerticesAndSegmentsOfItsOwn) {
+TEST(DXFPolylineClone, HasVerticesAndSegmentsOfItsOwn) {
     DXFPolyline polyline(7, 8, closed);
     polyline.appendPoint(vertex(0, 0, 1, 2));
     polyline.appendPoint(vertex(1, 0));
@@ -298,7 +299,7 @@ TEST(PolylineClone, HasVerticesAndSegmentsOfItsOwn) {
     EXPECT_EQ(clone->segments(), (std::vector<Segment>{{0, 0, 1, 0}}));
 }
 
-TEST(PolylineClone, TakesOverWhetherSetupIsPending) {
+TEST(DXFPolylineClone, TakesOverWhetherSetupIsPending) {
     DXFPolyline polyline(0, 0, 0);
     polyline.appendPoint(vertex(0, 0));
     polyline.appendPoint(vertex(1, 0));

@@ -237,19 +237,19 @@ void compareLines(std::uint64_t seed, int count, const std::vector<std::uint8_t>
     }
 }
 
-TEST(PlyReaderDifferential, FloatsAreThoseOfStreamExtraction) {
+TEST(PLYDeserializerDifferential, FloatsAreThoseOfStreamExtraction) {
     compareLines(1, 2000, {pcl::PCLPointField::FLOAT32});
 }
 
-TEST(PlyReaderDifferential, DoublesAreThoseOfStreamExtraction) {
+TEST(PLYDeserializerDifferential, DoublesAreThoseOfStreamExtraction) {
     compareLines(2, 1500, {pcl::PCLPointField::FLOAT64});
 }
 
-TEST(PlyReaderDifferential, IntegersAreThoseOfStreamExtraction) {
+TEST(PLYDeserializerDifferential, IntegersAreThoseOfStreamExtraction) {
     compareLines(3, 1000, {3, 4, 5, 6});
 }
 
-TEST(PlyReaderDifferential, RecordsOfAllDatatypesAreThoseOfStreamExtraction) {
+TEST(PLYDeserializerDifferential, RecordsOfAllDatatypesAreThoseOfStreamExtraction) {
     compareLines(4, 1500, {1, 2, 3, 4, 5, 6, 7, 8});
 }
 
@@ -313,7 +313,7 @@ std::string outcomeOf(Read read) {
     }
 }
 
-TEST(PlyReaderDifferential, HeadersAreReadAsThroughStreams) {
+TEST(PLYDeserializerDifferential, HeadersAreReadAsThroughStreams) {
     Random random(5);
     std::size_t accepted = 0;
     const int count = 40000 * effort();
@@ -449,7 +449,7 @@ void expectSameMembers(const PLYDeserializer& a, const PLYDeserializer& b) {
     EXPECT_TRUE(a.cloud->data.empty());
 }
 
-TEST(PlyReaderDifferential, WholeReadEqualsItsStepsAndTheConversionOfThePointCloudLibrary) {
+TEST(PLYDeserializerDifferential, WholeReadEqualsItsStepsAndTheConversionOfThePointCloudLibrary) {
     // Its warnings about missing fields would fill the screen.
     const auto verbosity = pcl::console::getVerbosityLevel();
     pcl::console::setVerbosityLevel(pcl::console::L_ERROR);
@@ -515,7 +515,7 @@ std::string linesOfShortDecimals(Random& random, std::size_t lines) {
     return text;
 }
 
-TEST(PlyReaderDifferential, LinesOfShortDecimalsAreTheSameAsOneByOne) {
+TEST(PLYDeserializerDifferential, LinesOfShortDecimalsAreTheSameAsOneByOne) {
     Random random(11);
     for (int i = 0; i < 3000 * effort(); ++i) {
         const std::size_t lines = 1 + random.below(8);

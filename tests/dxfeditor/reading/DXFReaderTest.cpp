@@ -9,6 +9,7 @@
 #include "dxfeditor/DXFPolyline.h"
 #include "dxfeditor/DXFSpline.h"
 #include "tests/support/DrawingText.h"
+#include "tests/support/Dxf.h"
 #include "tests/support/TemporaryDirectory.h"
 
 #include <gmock/gmock.h>
@@ -43,12 +44,12 @@ std::vector<std::string> read(const std::string& text) {
 }
 
 std::vector<std::string> read(const std::vector<std::string>& lines) {
-    return read(dxf(lines));
+    return read(dxfOfLines(lines));
 }
 
 // The reader's callbacks, called directly.
 
-class DxfReaderCallbacks : public testing::Test {
+class DXFReaderCallbacks : public testing::Test {
 protected:
     DXFDocument document;
     DXFReader reader{document};
@@ -58,14 +59,14 @@ protected:
 
 const std::string noAttributes = " { 0 -1 0 BYLAYER 1 -1}";
 
-TEST_F(DxfReaderCallbacks, EndEntityAddsASinglePoint) {
+TEST_F(DXFReaderCallbacks, EndEntityAddsASinglePoint) {
     reader.addPoint({1, 2, 3});
     EXPECT_THAT(entities(), IsEmpty());
     reader.endEntity();
     EXPECT_THAT(entities(), ElementsAre("point 1 2 3" + noAttributes));
 }
 
-TEST_F(DxfReaderCallbacks, TwoPointsBecomeOneVectorAndTheFirstLeavesTheDocument) {
+TEST_F(DXFReaderCallbacks, TwoPointsBecomeOneVectorAndTheFirstLeavesTheDocument) {
     reader.addPoint({1, 2, 3});
     reader.endEntity();
     reader.addPoint({4, 5, 6});
@@ -74,7 +75,7 @@ TEST_F(DxfReaderCallbacks, TwoPointsBecomeOneVectorAndTheFirstLeavesTheDocument)
     EXPECT_THAT(entities(), ElementsAre("points 1 2 3 4 5 6" + noAttributes));
 }
 
-TEST_F(DxfReaderCallbacks, AThirdPointGrowsTheVectorInTheDocument) {
+TEST_F(DXFReaderCallbacks, AThirdPointGrowsTheVectorInTheDocument) {
     reader.addPoint({1, 2, 3});
     reader.addPoint({4, 5, 6});
     reader.endEntity();
@@ -82,7 +83,7 @@ TEST_F(DxfReaderCallbacks, AThirdPointGrowsTheVectorInTheDocument) {
     EXPECT_THAT(entities(), ElementsAre("points 1 2 3 4 5 6 7 8 9" + noAttributes));
 }
 
-TEST_F(DxfReaderCallbacks, APointBehindAnotherEntityStartsAnew) {
+TEST_F(DXFReaderCallbacks, APointBehindAnotherEntityStartsAnew) {
     reader.addLine({1, 2, 3, 4, 5, 6});
     reader.endEntity();
     reader.addPoint({7, 8, 9});
@@ -91,7 +92,7 @@ TEST_F(DxfReaderCallbacks, APointBehindAnotherEntityStartsAnew) {
                 ElementsAre("line 1 2 3 4 5 6" + noAttributes, "point 7 8 9" + noAttributes));
 }
 
-TEST_F(DxfReaderCallbacks, EndEntityTwiceAddsTwice) {
+TEST_F(DXFReaderCallbacks, EndEntityTwiceAddsTwice) {
     reader.addCircle({1, 2, 3, 4});
     reader.endEntity();
     reader.endEntity();
@@ -99,12 +100,12 @@ TEST_F(DxfReaderCallbacks, EndEntityTwiceAddsTwice) {
     EXPECT_EQ(document.entities().front(), document.entities().back());
 }
 
-TEST_F(DxfReaderCallbacks, EndEntityWithoutAnEntityDoesNothing) {
+TEST_F(DXFReaderCallbacks, EndEntityWithoutAnEntityDoesNothing) {
     reader.endEntity();
     EXPECT_THAT(entities(), IsEmpty());
 }
 
-TEST_F(DxfReaderCallbacks, EndEntityInABlockDropsTheEntity) {
+TEST_F(DXFReaderCallbacks, EndEntityInABlockDropsTheEntity) {
     reader.addBlock({"B", 0, 0, 0, 0});
     reader.addArc({1, 2, 3, 4, 5, 6});
     reader.endEntity();
@@ -113,7 +114,7 @@ TEST_F(DxfReaderCallbacks, EndEntityInABlockDropsTheEntity) {
     EXPECT_THAT(entities(), IsEmpty());
 }
 
-TEST_F(DxfReaderCallbacks, SimpleEntitiesActInsideABlockUntilTheyEnd) {
+TEST_F(DXFReaderCallbacks, SimpleEntitiesActInsideABlockUntilTheyEnd) {
     reader.addPoint({1, 2, 3});
     reader.endEntity();
     reader.addBlock({"B", 0, 0, 0, 0});
@@ -123,7 +124,7 @@ TEST_F(DxfReaderCallbacks, SimpleEntitiesActInsideABlockUntilTheyEnd) {
     EXPECT_THAT(entities(), ElementsAre("points 1 2 3 4 5 6" + noAttributes));
 }
 
-TEST_F(DxfReaderCallbacks, ASplineInABlockIsIgnoredAndTheCurrentEntityStays) {
+TEST_F(DXFReaderCallbacks, ASplineInABlockIsIgnoredAndTheCurrentEntityStays) {
     reader.addPoint({1, 2, 3});
     reader.addBlock({"B", 0, 0, 0, 0});
     reader.addSpline({3, 1, 1, 1, 0});
@@ -135,7 +136,7 @@ TEST_F(DxfReaderCallbacks, ASplineInABlockIsIgnoredAndTheCurrentEntityStays) {
     EXPECT_THAT(entities(), ElementsAre("point 1 2 3" + noAttributes));
 }
 
-TEST_F(DxfReaderCallbacks, SplinePartsInABlockAreDropped) {
+TEST_F(DXFReaderCallbacks, SplinePartsInABlockAreDropped) {
     reader.addSpline({3, 1, 1, 1, 0});
     reader.addBlock({"B", 0, 0, 0, 0});
     reader.addControlPoint({1, 2, 3, 1});
@@ -146,7 +147,7 @@ TEST_F(DxfReaderCallbacks, SplinePartsInABlockAreDropped) {
     EXPECT_THAT(entities(), ElementsAre("spline 3 knots control fit" + noAttributes));
 }
 
-TEST_F(DxfReaderCallbacks, ASplineTakesItsParts) {
+TEST_F(DXFReaderCallbacks, ASplineTakesItsParts) {
     reader.addSpline({2, 9, 9, 9, 0});
     reader.addControlPoint({1, 2, 3, 0.5});
     reader.addFitPoint({4, 5, 6});
@@ -156,7 +157,7 @@ TEST_F(DxfReaderCallbacks, ASplineTakesItsParts) {
                 ElementsAre("spline 2 knots 7 control 1 2 3 0.5 fit 4 5 6" + noAttributes));
 }
 
-TEST_F(DxfReaderCallbacks, PartsOfAnotherKindThanTheCurrentEntityAreDropped) {
+TEST_F(DXFReaderCallbacks, PartsOfAnotherKindThanTheCurrentEntityAreDropped) {
     reader.addVertex({1, 2, 3, 4});
     reader.addControlPoint({1, 2, 3, 1});
     reader.addKnot({1});
@@ -170,7 +171,7 @@ TEST_F(DxfReaderCallbacks, PartsOfAnotherKindThanTheCurrentEntityAreDropped) {
     EXPECT_THAT(entities(), ElementsAre("line 1 2 3 4 5 6" + noAttributes));
 }
 
-TEST_F(DxfReaderCallbacks, APolylineCountsTheVerticesThatItGets) {
+TEST_F(DXFReaderCallbacks, APolylineCountsTheVerticesThatItGets) {
     reader.addPolyline({7, 1, 2, 3, 0});
     reader.addVertex({1, 2, 3, 0.5});
     reader.endEntity();
@@ -178,7 +179,7 @@ TEST_F(DxfReaderCallbacks, APolylineCountsTheVerticesThatItGets) {
     EXPECT_THAT(entities(), ElementsAre("polyline 1 2 3 1 2 3 0.5 4 5 6 0" + noAttributes));
 }
 
-TEST_F(DxfReaderCallbacks, AnEntityGetsTheAttributesReportedWhenItEnds) {
+TEST_F(DXFReaderCallbacks, AnEntityGetsTheAttributesReportedWhenItEnds) {
     reader.setAttributes(DL_Attributes("first", 1, 2, 3, "DASHED", 4));
     reader.addLine({1, 2, 3, 4, 5, 6});
     DL_Attributes last("last", 5, 6, 7, "DOT", 8);
@@ -189,7 +190,7 @@ TEST_F(DxfReaderCallbacks, AnEntityGetsTheAttributesReportedWhenItEnds) {
     EXPECT_THAT(entities(), ElementsAre("line 1 2 3 4 5 6 {last 5 6 7 DOT 2.5 8}"));
 }
 
-TEST_F(DxfReaderCallbacks, EntitiesOfEqualAttributesShareARecord) {
+TEST_F(DXFReaderCallbacks, EntitiesOfEqualAttributesShareARecord) {
     for (const int handle : {4, 4, 5}) {
         reader.setAttributes(DL_Attributes("walls", 1, 2, 3, "DASHED", handle));
         reader.addLine({1, 2, 3, 4, 5, 6});
@@ -205,7 +206,7 @@ TEST_F(DxfReaderCallbacks, EntitiesOfEqualAttributesShareARecord) {
     EXPECT_EQ(records[2]->handle(), 5);
 }
 
-TEST_F(DxfReaderCallbacks, EveryEntityGetsItsOwnAttributesWhateverOthersHave) {
+TEST_F(DXFReaderCallbacks, EveryEntityGetsItsOwnAttributesWhateverOthersHave) {
     std::mt19937 random(1);
     const auto below = [&](unsigned limit) { return static_cast<int>(random() % limit); };
     const std::vector<std::string> names = {"", "0", "walls", "a name of more than fifteen bytes"};
@@ -226,7 +227,7 @@ TEST_F(DxfReaderCallbacks, EveryEntityGetsItsOwnAttributesWhateverOthersHave) {
     EXPECT_EQ(entities(), expected);
 }
 
-TEST_F(DxfReaderCallbacks, AnEntityThatEndsTakesNoMoreMemoryThanItsParts) {
+TEST_F(DXFReaderCallbacks, AnEntityThatEndsTakesNoMoreMemoryThanItsParts) {
     reader.addPolyline({0, 0, 0, 0});
     for (int i = 0; i < 13; ++i) {
         reader.addVertex({1, 2, 3, 0});
@@ -247,20 +248,20 @@ TEST_F(DxfReaderCallbacks, AnEntityThatEndsTakesNoMoreMemoryThanItsParts) {
     EXPECT_EQ(spline->fitPoints().capacity(), 13U);
 }
 
-TEST_F(DxfReaderCallbacks, LayersAreAddedInsideBlocksToo) {
+TEST_F(DXFReaderCallbacks, LayersAreAddedInsideBlocksToo) {
     reader.addBlock({"B", 0, 0, 0, 0});
     reader.setAttributes(DL_Attributes("0", 1, 2, 3, "DASHED", 4));
     reader.addLayer({"walls", 5});
     EXPECT_EQ(describe(document), "layer walls 5 {0 1 2 3 DASHED 1 4}\n");
 }
 
-TEST_F(DxfReaderCallbacks, TheFirstLayerOfANameStays) {
+TEST_F(DXFReaderCallbacks, TheFirstLayerOfANameStays) {
     reader.addLayer({"walls", 5});
     reader.addLayer({"walls", 6});
     EXPECT_EQ(describe(document), "layer walls 5" + noAttributes + "\n");
 }
 
-TEST_F(DxfReaderCallbacks, LineTypesAreAdded) {
+TEST_F(DXFReaderCallbacks, LineTypesAreAdded) {
     reader.addLinetype({"DASHED", "", 0, 0, 0.0});
     const auto named = [](const std::string& name) {
         return std::make_shared<DXFLineType>(name, "", 0, 0, 0.0, nullptr);
@@ -269,7 +270,7 @@ TEST_F(DxfReaderCallbacks, LineTypesAreAdded) {
     EXPECT_TRUE(document.addLineType(named("DOT")));
 }
 
-TEST_F(DxfReaderCallbacks, ImportingAnEntityGivesItTheReportedAttributesAlone) {
+TEST_F(DXFReaderCallbacks, ImportingAnEntityGivesItTheReportedAttributesAlone) {
     reader.setAttributes(DL_Attributes("walls", 1, 2, 3, "DASHED", 4));
     const auto line =
         std::make_shared<DXFLine>(cv::Point3_<double>(1, 2, 3), cv::Point3_<double>(4, 5, 6));
@@ -278,28 +279,28 @@ TEST_F(DxfReaderCallbacks, ImportingAnEntityGivesItTheReportedAttributesAlone) {
     EXPECT_THAT(entities(), IsEmpty());
 }
 
-TEST_F(DxfReaderCallbacks, EndSectionEndsASimpleEntityOnce) {
+TEST_F(DXFReaderCallbacks, EndSectionEndsASimpleEntityOnce) {
     reader.addLine({1, 2, 3, 4, 5, 6});
     reader.endSection();
     reader.endSection();
     EXPECT_THAT(entities(), ElementsAre("line 1 2 3 4 5 6" + noAttributes));
 }
 
-TEST_F(DxfReaderCallbacks, EndSectionLeavesAnEndedEntityAlone) {
+TEST_F(DXFReaderCallbacks, EndSectionLeavesAnEndedEntityAlone) {
     reader.addLine({1, 2, 3, 4, 5, 6});
     reader.endEntity();
     reader.endSection();
     EXPECT_EQ(document.entities().size(), 1U);
 }
 
-TEST_F(DxfReaderCallbacks, EndSectionLeavesAPolylineToItsOwnEnd) {
+TEST_F(DXFReaderCallbacks, EndSectionLeavesAPolylineToItsOwnEnd) {
     reader.addLine({1, 2, 3, 4, 5, 6});
     reader.addPolyline({0, 0, 0, 0, 0});
     reader.endSection();
     EXPECT_THAT(entities(), IsEmpty());
 }
 
-TEST_F(DxfReaderCallbacks, EndSectionAddsAVectorOfPointsOnce) {
+TEST_F(DXFReaderCallbacks, EndSectionAddsAVectorOfPointsOnce) {
     for (int i = 0; i < 4; ++i) {
         reader.addPoint({static_cast<double>(i), 0, 0});
         reader.endSection();
@@ -312,7 +313,7 @@ TEST_F(DxfReaderCallbacks, EndSectionAddsAVectorOfPointsOnce) {
 
 const std::string defaults = " {0 256 -1 -1 BYLAYER 1 -1}";
 
-TEST(DxfReader, ReadsEveryKindOfEntityOnceInTheOrderOfTheText) {
+TEST(DXFReader, ReadsEveryKindOfEntityOnceInTheOrderOfTheText) {
     EXPECT_THAT(
         read({"0",   "SECTION",    "2",  "ENTITIES",                                     //
               "0",   "LINE",       "10", "1",        "20", "2",  "11", "3",  "21", "4",  //
@@ -337,35 +338,34 @@ TEST(DxfReader, ReadsEveryKindOfEntityOnceInTheOrderOfTheText) {
                     "spline 1 knots 0 0 1 1 control 1 2 0 2 3 4 0 3 fit 9 0 0" + defaults));
 }
 
-TEST(DxfReader, GathersConsecutivePoints) {
+TEST(DXFReader, GathersConsecutivePoints) {
+    EXPECT_THAT(read(dxf("0 POINT  10 1  0 POINT  10 2  0 TEXT  1 x  0 POINT  10 3  0 LINE  "
+                         "0 POINT  10 4  0 EOF")),
+                ElementsAre("points 1 0 0 2 0 0 3 0 0" + defaults, "line 0 0 0 0 0 0" + defaults,
+                            "point 4 0 0" + defaults));
+}
+
+TEST(DXFReader, TablesBetweenPointsDoNotPartThem) {
     EXPECT_THAT(
-        read({"0", "POINT", "10", "1", "0", "POINT", "10", "2",     "0",  "TEXT", "1", "x",
-              "0", "POINT", "10", "3", "0", "LINE",  "0",  "POINT", "10", "4",    "0", "EOF"}),
-        ElementsAre("points 1 0 0 2 0 0 3 0 0" + defaults, "line 0 0 0 0 0 0" + defaults,
-                    "point 4 0 0" + defaults));
+        read(dxf(
+            "0 POINT  10 1  0 LAYER  2 walls  0 LTYPE  2 DOT  9 $ACADVER  0 POINT  10 2  0 EOF")),
+        ElementsAre("points 1 0 0 2 0 0" + defaults));
 }
 
-TEST(DxfReader, TablesBetweenPointsDoNotPartThem) {
-    EXPECT_THAT(read({"0", "POINT", "10", "1",        "0", "LAYER", "2",  "walls", "0", "LTYPE",
-                      "2", "DOT",   "9",  "$ACADVER", "0", "POINT", "10", "2",     "0", "EOF"}),
-                ElementsAre("points 1 0 0 2 0 0" + defaults));
+TEST(DXFReader, GatheredPointsHaveTheAttributesOfTheSecond) {
+    EXPECT_THAT(read(dxf("0 POINT  8 a  0 POINT  8 b  0 POINT  8 c  0 EOF")),
+                ElementsAre("points 0 0 0 0 0 0 0 0 0 {b 256 -1 -1 BYLAYER 1 -1}"));
 }
 
-TEST(DxfReader, GatheredPointsHaveTheAttributesOfTheSecond) {
-    EXPECT_THAT(
-        read({"0", "POINT", "8", "a", "0", "POINT", "8", "b", "0", "POINT", "8", "c", "0", "EOF"}),
-        ElementsAre("points 0 0 0 0 0 0 0 0 0 {b 256 -1 -1 BYLAYER 1 -1}"));
-}
-
-TEST(DxfReader, LineTypesOfTheTextAreAdded) {
+TEST(DXFReader, LineTypesOfTheTextAreAdded) {
     DXFDocument document;
     DXFReader reader(document);
-    reader.load(bytesOf(dxf({"0", "LTYPE", "2", "DOT", "0", "ENDTAB"})));
+    reader.load(bytesOf(dxf("0 LTYPE  2 DOT  0 ENDTAB")));
     EXPECT_FALSE(
         document.addLineType(std::make_shared<DXFLineType>("DOT", "", 0, 0, 0.0, nullptr)));
 }
 
-TEST(DxfReader, ObjectsThatTheModelDoesNotHoldEndNothing) {
+TEST(DXFReader, ObjectsThatTheModelDoesNotHoldEndNothing) {
     for (const std::string kind : {"LEADER", "HATCH", "IMAGE", "IMAGEDEF", "INSERT", "SEQEND"}) {
         EXPECT_THAT(read({"0", "LINE", "10", "1", "0", kind, "10", "2", "0", "EOF"}),
                     ElementsAre("line 1 0 0 0 0 0" + defaults))
@@ -373,162 +373,149 @@ TEST(DxfReader, ObjectsThatTheModelDoesNotHoldEndNothing) {
     }
 }
 
-TEST(DxfReader, VerticesThatFollowNoPolylineAddNothing) {
+TEST(DXFReader, VerticesThatFollowNoPolylineAddNothing) {
     for (const std::string kind : {"LINE", "LWPOLYLINE", "SPLINE"}) {
         EXPECT_EQ(read({"0", kind, "0", "VERTEX", "10", "2", "0", "SEQEND", "0", "EOF"}),
                   read({"0", kind, "0", "EOF"}))
             << kind;
     }
-    EXPECT_THAT(read({"0", "POLYLINE", "0", "VERTEX", "10", "1", "0", "SEQEND", "0", "VERTEX", "10",
-                      "2", "0", "EOF"}),
+    EXPECT_THAT(read(dxf("0 POLYLINE  0 VERTEX  10 1  0 SEQEND  0 VERTEX  10 2  0 EOF")),
                 ElementsAre("polyline 0 0 0 1 0 0 0" + defaults));
 }
 
-TEST(DxfReader, APolylineInterruptedByAnotherObjectIsAddedOnce) {
-    EXPECT_THAT(read({"0", "POLYLINE", "0", "VERTEX", "10", "1", "0", "TEXT", "10", "3", "0",
-                      "VERTEX", "10", "2", "0", "SEQEND", "0", "EOF"}),
-                ElementsAre("polyline 0 0 0 1 0 0 0 2 0 0 0" + defaults));
+TEST(DXFReader, APolylineInterruptedByAnotherObjectIsAddedOnce) {
+    EXPECT_THAT(
+        read(dxf("0 POLYLINE  0 VERTEX  10 1  0 TEXT  10 3  0 VERTEX  10 2  0 SEQEND  0 EOF")),
+        ElementsAre("polyline 0 0 0 1 0 0 0 2 0 0 0" + defaults));
 }
 
-TEST(DxfReader, APolylineWithoutVerticesIsAddedWithItsAttributes) {
+TEST(DXFReader, APolylineWithoutVerticesIsAddedWithItsAttributes) {
     const std::string polyline = "polyline 0 0 1 {walls 3 -1 -1 BYLAYER 1 31}";
-    EXPECT_THAT(read({"0",  "POLYLINE", "8", "walls",  "62", "3",     "5", "1F",   "70", "1",
-                      "10", "9",        "0", "SEQEND", "8",  "other", "0", "LINE", "0",  "EOF"}),
-                ElementsAre(polyline, "line 0 0 0 0 0 0" + defaults));
-    EXPECT_THAT(read({"0", "POLYLINE", "8", "walls", "62", "3", "5", "1F", "70", "1", "0", "EOF"}),
-                ElementsAre(polyline));
+    EXPECT_THAT(
+        read(dxf("0 POLYLINE  8 walls  62 3  5 1F  70 1  10 9  0 SEQEND  8 other  0 LINE  0 EOF")),
+        ElementsAre(polyline, "line 0 0 0 0 0 0" + defaults));
+    EXPECT_THAT(read(dxf("0 POLYLINE  8 walls  62 3  5 1F  70 1  0 EOF")), ElementsAre(polyline));
 }
 
-TEST(DxfReader, AMeshOfFacesIsAddedWithoutVertices) {
-    EXPECT_THAT(read({"0", "POLYLINE", "70", "64", "0", "VERTEX", "70", "128", "10", "1", "0",
-                      "SEQEND", "0", "EOF"}),
+TEST(DXFReader, AMeshOfFacesIsAddedWithoutVertices) {
+    EXPECT_THAT(read(dxf("0 POLYLINE  70 64  0 VERTEX  70 128  10 1  0 SEQEND  0 EOF")),
                 ElementsAre("polyline 0 0 64" + defaults));
 }
 
-TEST(DxfReader, APolylineHasTheAttributesOfItsLastVertex) {
-    EXPECT_THAT(read({"0", "POLYLINE", "8", "a", "0", "VERTEX", "8", "b", "0", "VERTEX", "8", "c",
-                      "0", "SEQEND", "8", "d", "0", "EOF"}),
+TEST(DXFReader, APolylineHasTheAttributesOfItsLastVertex) {
+    EXPECT_THAT(read(dxf("0 POLYLINE  8 a  0 VERTEX  8 b  0 VERTEX  8 c  0 SEQEND  8 d  0 EOF")),
                 ElementsAre("polyline 0 0 0 0 0 0 0 0 0 0 0 {c 256 -1 -1 BYLAYER 1 -1}"));
 }
 
-TEST(DxfReader, ReadsAllAttributes) {
-    EXPECT_THAT(read({"0", "LINE", "5",   "1F", "6",   "DASHED", "8", "walls", "39",
-                      "2", "48",   "2.5", "62", "5",   "67",     "1", "420",   "255",
-                      "0", "LINE", "39",  "2",  "370", "25",     "0", "EOF"}),
+TEST(DXFReader, ReadsAllAttributes) {
+    EXPECT_THAT(read(dxf("0 LINE  5 1F  6 DASHED  8 walls  39 2  48 2.5  62 5  67 1  420 255  "
+                         "0 LINE  39 2  370 25  0 EOF")),
                 ElementsAre("line 0 0 0 0 0 0 {walls 5 255 2 DASHED 2.5 31}",
                             "line 0 0 0 0 0 0 {0 256 -1 25 BYLAYER 1 -1}"));
 }
 
-TEST(DxfReader, ReadsLayersWithTheirRawAttributes) {
+TEST(DXFReader, ReadsLayersWithTheirRawAttributes) {
     DXFDocument document;
     DXFReader reader(document);
-    reader.load(bytesOf(dxf({"0", "TABLE", "2",  "LAYER", "0",   "LAYER", "2", "walls", "70",
-                             "4", "62",    "-3", "6",     "DOT", "370",   "9", "0",     "LAYER",
-                             "2", "plain", "0",  "LAYER", "70",  "1",     "0", "ENDTAB"})));
+    reader.load(bytesOf(dxf("0 TABLE  2 LAYER  0 LAYER  2 walls  70 4  62 -3  6 DOT  370 9  "
+                            "0 LAYER  2 plain  0 LAYER  70 1  0 ENDTAB")));
     EXPECT_EQ(describe(document), "layer walls 4 {0 -3 -1 9 DOT 1 -1}\n"
                                   "layer plain 0 {0 256 -1 -1 BYLAYER 1 -1}\n");
 }
 
-TEST(DxfReader, EntitiesInBlocksStayOut) {
+TEST(DXFReader, EntitiesInBlocksStayOut) {
+    EXPECT_THAT(read(dxf("0 BLOCK  2 B  0 POINT  10 1  0 LINE  0 CIRCLE  0 ARC  "
+                         "0 LWPOLYLINE  90 1  10 1  0 POLYLINE  0 VERTEX  0 SEQEND  "
+                         "0 SPLINE  73 1  10 1  0 POINT  0 POINT  0 ENDBLK  0 POINT  10 5  0 EOF")),
+                ElementsAre("point 5 0 0" + defaults));
+}
+
+TEST(DXFReader, PointsInABlockDoNotMixWithThoseBeforeIt) {
     EXPECT_THAT(
-        read({"0",  "BLOCK",    "2", "B",      "0", "POINT",      "10", "1",      "0",  "LINE",
-              "0",  "CIRCLE",   "0", "ARC",    "0", "LWPOLYLINE", "90", "1",      "10", "1",
-              "0",  "POLYLINE", "0", "VERTEX", "0", "SEQEND",     "0",  "SPLINE", "73", "1",
-              "10", "1",        "0", "POINT",  "0", "POINT",      "0",  "ENDBLK", "0",  "POINT",
-              "10", "5",        "0", "EOF"}),
-        ElementsAre("point 5 0 0" + defaults));
+        read(dxf("0 POINT  10 1  0 BLOCK  2 B  0 POINT  10 2  0 ENDBLK  0 POINT  10 3  0 EOF")),
+        ElementsAre("point 1 0 0" + defaults, "point 3 0 0" + defaults));
+    EXPECT_THAT(
+        read(dxf("0 POINT  10 1  0 POINT  10 1  0 BLOCK  2 B  0 POINT  10 2  0 ENDBLK  0 EOF")),
+        ElementsAre("points 1 0 0 1 0 0" + defaults));
 }
 
-TEST(DxfReader, PointsInABlockDoNotMixWithThoseBeforeIt) {
-    EXPECT_THAT(read({"0",  "POINT", "10", "1",      "0", "BLOCK", "2",  "B", "0", "POINT",
-                      "10", "2",     "0",  "ENDBLK", "0", "POINT", "10", "3", "0", "EOF"}),
-                ElementsAre("point 1 0 0" + defaults, "point 3 0 0" + defaults));
-    EXPECT_THAT(read({"0", "POINT", "10", "1",     "0",  "POINT", "10", "1",      "0", "BLOCK",
-                      "2", "B",     "0",  "POINT", "10", "2",     "0",  "ENDBLK", "0", "EOF"}),
-                ElementsAre("points 1 0 0 1 0 0" + defaults));
-}
-
-TEST(DxfReader, APolylineInABlockDoesNotTakeVerticesBehindTheBlock) {
-    EXPECT_THAT(read({"0", "BLOCK", "2", "B", "0", "POLYLINE", "0", "ENDBLK", "0", "VERTEX", "0",
-                      "SEQEND", "0", "EOF"}),
+TEST(DXFReader, APolylineInABlockDoesNotTakeVerticesBehindTheBlock) {
+    EXPECT_THAT(read(dxf("0 BLOCK  2 B  0 POLYLINE  0 ENDBLK  0 VERTEX  0 SEQEND  0 EOF")),
                 IsEmpty());
 }
 
-TEST(DxfReader, ABlockWithoutANameIsNoBlock) {
-    EXPECT_THAT(read({"0", "BLOCK", "70", "0", "0", "LINE", "0", "ENDBLK", "0", "EOF"}),
+TEST(DXFReader, ABlockWithoutANameIsNoBlock) {
+    EXPECT_THAT(read(dxf("0 BLOCK  70 0  0 LINE  0 ENDBLK  0 EOF")),
                 ElementsAre("line 0 0 0 0 0 0" + defaults));
 }
 
-TEST(DxfReader, AnObjectThatNothingFollowsIsNotRead) {
-    EXPECT_THAT(read({"0", "LINE", "0", "POINT", "10", "1"}),
-                ElementsAre("line 0 0 0 0 0 0" + defaults));
-    EXPECT_THAT(read({"0", "POLYLINE", "0", "VERTEX", "0", "VERTEX"}), IsEmpty());
-    EXPECT_THAT(read({"0", "POLYLINE", "0", "VERTEX", "0", "VERTEX", "0", "TEXT"}),
+TEST(DXFReader, AnObjectThatNothingFollowsIsNotRead) {
+    EXPECT_THAT(read(dxf("0 LINE  0 POINT  10 1")), ElementsAre("line 0 0 0 0 0 0" + defaults));
+    EXPECT_THAT(read(dxf("0 POLYLINE  0 VERTEX  0 VERTEX")), IsEmpty());
+    EXPECT_THAT(read(dxf("0 POLYLINE  0 VERTEX  0 VERTEX  0 TEXT")),
                 ElementsAre("polyline 0 0 0 0 0 0 0 0 0 0 0" + defaults));
 }
 
-TEST(DxfReader, ACodeLineAtTheEndOfTheTextCountsWhenItHasALineEnd) {
+TEST(DXFReader, ACodeLineAtTheEndOfTheTextCountsWhenItHasALineEnd) {
     EXPECT_THAT(read("0\nLINE\n0"), IsEmpty());
     EXPECT_THAT(read("0\nLINE\n0\n"), ElementsAre("line 0 0 0 0 0 0" + defaults));
     EXPECT_THAT(read("0\nLINE\n0\nEOF"), ElementsAre("line 0 0 0 0 0 0" + defaults));
 }
 
-TEST(DxfReader, ReadsDosLineEndsAndBlanksAroundCodes) {
+TEST(DXFReader, ReadsDosLineEndsAndBlanksAroundCodes) {
     EXPECT_THAT(read("  0\r\nPOINT\r\n 10 \r\n  1.5\r\n\t20\t\r\n2,5\r\n  0\r\nEOF\r\n"),
                 ElementsAre("point 1.5 2.5 0" + defaults));
 }
 
-TEST(DxfReader, ACodeThatIsNoNumberBeginsAnObject) {
+TEST(DXFReader, ACodeThatIsNoNumberBeginsAnObject) {
     EXPECT_THAT(read("0\nLINE\nabc\nPOINT\n10\n1\n\nPOINT\n4294967296\nEOF\n"),
                 ElementsAre("line 0 0 0 0 0 0" + defaults, "points 1 0 0 0 0 0" + defaults));
 }
 
-TEST(DxfReader, NamesOfObjectsAreExact) {
+TEST(DXFReader, NamesOfObjectsAreExact) {
     EXPECT_THAT(read("0\nLINE \n0\n LINE\n0\nline\n0\nLINES\n0\nEOF\n"), IsEmpty());
     EXPECT_THAT(read("9\nLINE\n9\n$LTSCALE\n40\n1.0\n"),
                 ElementsAre("line 0 0 0 0 0 0" + defaults));
 }
 
-TEST(DxfReader, OfARepeatedGroupTheLastCounts) {
-    EXPECT_THAT(read({"0", "POINT", "10", "1", "10", "2", "0", "EOF"}),
-                ElementsAre("point 2 0 0" + defaults));
+TEST(DXFReader, OfARepeatedGroupTheLastCounts) {
+    EXPECT_THAT(read(dxf("0 POINT  10 1  10 2  0 EOF")), ElementsAre("point 2 0 0" + defaults));
 }
 
-TEST(DxfReader, ReadsNumbersAsStreamsDo) {
-    EXPECT_THAT(read({"0", "LINE", "10", "abc", "20", "1e3x", "30", "+.5", "11", "-0", "21",
-                      "1e999", "31", "nan", "0", "EOF"}),
+TEST(DXFReader, ReadsNumbersAsStreamsDo) {
+    EXPECT_THAT(read(dxf("0 LINE  10 abc  20 1e3x  30 +.5  11 -0  21 1e999  31 nan  0 EOF")),
                 ElementsAre("line 0 1000 0.5 -0 1.7976931348623157e+308 0" + defaults));
 }
 
-TEST(DxfReader, ABlankNumberIsZero) {
+TEST(DXFReader, ABlankNumberIsZero) {
     EXPECT_THAT(
         read({"0", "LINE", "10", "", "20", "  ", "30", "\t\v", "48", "", "11", "\r", "0", "EOF"}),
         ElementsAre("line 0 0 0 0 0 0 {0 256 -1 -1 BYLAYER 0 -1}"));
 }
 
-TEST(DxfReader, ReadsUpToTheFirstNul) {
-    std::string text = dxf({"0", "LINE", "0", "CIRCLE", "0", "ARC", "0", "EOF"});
+TEST(DXFReader, ReadsUpToTheFirstNul) {
+    std::string text = dxf("0 LINE  0 CIRCLE  0 ARC  0 EOF");
     text[text.find("ARC")] = '\0';
     EXPECT_THAT(read(text),
                 ElementsAre("line 0 0 0 0 0 0" + defaults, "circle 0 0 0 0" + defaults));
 }
 
-TEST(DxfReader, ReadsToTheEndOfABufferWithoutNul) {
-    std::vector<char> bytes = bytesOf(dxf({"0", "LINE", "0", "EOF"}));
+TEST(DXFReader, ReadsToTheEndOfABufferWithoutNul) {
+    std::vector<char> bytes = bytesOf(dxf("0 LINE  0 EOF"));
     bytes.shrink_to_fit();
     DXFDocument document;
     EXPECT_TRUE(DXFReader(document).load(bytes));
     EXPECT_EQ(document.entities().size(), 1U);
 }
 
-TEST(DxfReader, AVectorThatNeverHeldStorageIsAFailedLoad) {
+TEST(DXFReader, AVectorThatNeverHeldStorageIsAFailedLoad) {
     DXFDocument document;
     EXPECT_FALSE(DXFReader(document).load(std::vector<char>()));
     EXPECT_EQ(describe(document), "");
 }
 
-TEST(DxfReader, BytesInTheCallersMemoryAreReadInPlace) {
-    const std::string text = dxf({"0", "LINE", "0", "EOF"});
+TEST(DXFReader, BytesInTheCallersMemoryAreReadInPlace) {
+    const std::string text = dxf("0 LINE  0 EOF");
     DXFDocument document;
     EXPECT_TRUE(DXFReader(document).load(text.data(), text.size()));
     EXPECT_FALSE(DXFReader(document).load(nullptr, 0));
@@ -536,7 +523,7 @@ TEST(DxfReader, BytesInTheCallersMemoryAreReadInPlace) {
     EXPECT_EQ(document.entities().size(), 1U);
 }
 
-TEST(DxfReader, AnEmptyTextIsAnEmptyDrawing) {
+TEST(DXFReader, AnEmptyTextIsAnEmptyDrawing) {
     std::vector<char> reserved;
     reserved.reserve(8);
     DXFDocument document;
@@ -544,13 +531,13 @@ TEST(DxfReader, AnEmptyTextIsAnEmptyDrawing) {
     EXPECT_THAT(read(std::string(1, '\0')), IsEmpty());
 }
 
-TEST(DxfReader, GarbageIsAnEmptyDrawing) {
+TEST(DXFReader, GarbageIsAnEmptyDrawing) {
     EXPECT_THAT(read("ply\nformat ascii 1.0\nelement vertex 0\nend_header\n"), IsEmpty());
 }
 
 // Texts that dxflib by itself does not survive.
 
-TEST(DxfReaderHazards, LongLinesAreCut) {
+TEST(DXFReaderHazards, LongLinesAreCut) {
     const std::string limit(1023, 'a');
     for (const std::size_t length : {1022U, 1023U, 1024U, 5000U}) {
         const std::string layer(length, 'a');
@@ -560,18 +547,18 @@ TEST(DxfReaderHazards, LongLinesAreCut) {
     }
     EXPECT_THAT(read({"0", "MTEXT", "1", std::string(100000, 'x'), "0", "LINE", "0", "EOF"}),
                 ElementsAre("line 0 0 0 0 0 0" + defaults));
-    EXPECT_THAT(read(dxf({"0", "LINE", std::string(2000, ' ') + "8", "x", "0", "EOF"})),
+    EXPECT_THAT(read(dxfOfLines({"0", "LINE", std::string(2000, ' ') + "8", "x", "0", "EOF"})),
                 ElementsAre("line 0 0 0 0 0 0" + defaults));
     EXPECT_THAT(read(std::string(3000000, 'x')), IsEmpty());
 }
 
-TEST(DxfReaderHazards, CommentsAreDropped) {
+TEST(DXFReaderHazards, CommentsAreDropped) {
     EXPECT_THAT(
         read({"999", "dxflib", "0", "LINE", "999", "dxflib", "10", "1", "999", "", "0", "EOF"}),
         ElementsAre("line 1 0 0 0 0 0" + defaults));
 }
 
-TEST(DxfReaderHazards, AnLwPolylineHasTheVerticesThatItGives) {
+TEST(DXFReaderHazards, AnLwPolylineHasTheVerticesThatItGives) {
     for (const std::string count : {"1073741825", "536870912", "2147483647", "300000000", "3"}) {
         EXPECT_THAT(
             read({"0", "LWPOLYLINE", "90", count, "10", "1", "20", "2", "10", "3", "0", "EOF"}),
@@ -580,8 +567,8 @@ TEST(DxfReaderHazards, AnLwPolylineHasTheVerticesThatItGives) {
     }
 }
 
-TEST(DxfReaderHazards, AnLwPolylineWithACountBelowItsVerticesEndsInTheLast) {
-    EXPECT_THAT(read({"0", "LWPOLYLINE", "90", "1", "10", "1", "20", "2", "10", "3", "0", "EOF"}),
+TEST(DXFReaderHazards, AnLwPolylineWithACountBelowItsVerticesEndsInTheLast) {
+    EXPECT_THAT(read(dxf("0 LWPOLYLINE  90 1  10 1  20 2  10 3  0 EOF")),
                 ElementsAre("polyline 0 0 0 3 2 0 0" + defaults));
     for (const std::string count : {"0", "-1", "-2147483648", "x"}) {
         EXPECT_THAT(read({"0", "LWPOLYLINE", "90", count, "10", "1", "0", "EOF"}),
@@ -590,16 +577,15 @@ TEST(DxfReaderHazards, AnLwPolylineWithACountBelowItsVerticesEndsInTheLast) {
     }
 }
 
-TEST(DxfReaderHazards, ValuesBeforeTheirCountAreLost) {
-    EXPECT_THAT(read({"0", "LWPOLYLINE", "90", "5", "10", "1", "90", "2", "10", "2", "20", "3", "0",
-                      "EOF"}),
+TEST(DXFReaderHazards, ValuesBeforeTheirCountAreLost) {
+    EXPECT_THAT(read(dxf("0 LWPOLYLINE  90 5  10 1  90 2  10 2  20 3  0 EOF")),
                 ElementsAre("polyline 0 0 0 2 3 0 0" + defaults));
-    EXPECT_THAT(read({"0",  "SPLINE", "40", "1", "72", "1", "40", "2", "10", "1", "41", "7",
-                      "73", "1",      "10", "2", "11", "1", "74", "1", "11", "2", "0",  "EOF"}),
-                ElementsAre("spline 3 knots 2 control 2 0 0 1 fit 2 0 0" + defaults));
+    EXPECT_THAT(
+        read(dxf("0 SPLINE  40 1  72 1  40 2  10 1  41 7  73 1  10 2  11 1  74 1  11 2  0 EOF")),
+        ElementsAre("spline 3 knots 2 control 2 0 0 1 fit 2 0 0" + defaults));
 }
 
-TEST(DxfReaderHazards, AnEntityWithoutItsCountHasItsOwnValuesOnly) {
+TEST(DXFReaderHazards, AnEntityWithoutItsCountHasItsOwnValuesOnly) {
     const std::vector<std::string> full = {"0",  "LWPOLYLINE", "90", "3",      "10", "1", "10", "2",
                                            "10", "3",          "0",  "SPLINE", "72", "2", "73", "2",
                                            "74", "2",          "40", "1",      "40", "2", "10", "1",
@@ -616,28 +602,29 @@ TEST(DxfReaderHazards, AnEntityWithoutItsCountHasItsOwnValuesOnly) {
     EXPECT_EQ(entities[5], "spline 3 knots control fit" + defaults);
 }
 
-TEST(DxfReaderHazards, ASplineThatPromisesMoreGetsZeros) {
+TEST(DXFReaderHazards, ASplineThatPromisesMoreGetsZeros) {
     EXPECT_THAT(
-        read({"0", "SPLINE", "72", "2", "73", "2", "74", "2", "10", "1", "0", "EOF"}),
+        read(dxf("0 SPLINE  72 2  73 2  74 2  10 1  0 EOF")),
         ElementsAre("spline 3 knots 0 0 control 1 0 0 1 0 0 0 1 fit 0 0 0 0 0 0" + defaults));
 }
 
-TEST(DxfReaderHazards, ASplineCannotPromiseMoreThanTheTextHolds) {
+TEST(DXFReaderHazards, ASplineCannotPromiseMoreThanTheTextHolds) {
     for (const std::string code : {"72", "73", "74"}) {
-        const std::string text = dxf({"0", "SPLINE", code, "400000000", "0", "LINE", "0", "EOF"});
+        const std::string text =
+            dxfOfLines({"0", "SPLINE", code, "400000000", "0", "LINE", "0", "EOF"});
         const std::vector<std::string> entities = read(text);
         ASSERT_EQ(entities.size(), 2U) << code;
         EXPECT_LT(entities.front().size(), 200U) << code;
     }
 }
 
-TEST(DxfReaderHazards, ManySplinesTogetherCannotPromiseMoreThanTheTextHolds) {
+TEST(DXFReaderHazards, ManySplinesTogetherCannotPromiseMoreThanTheTextHolds) {
     std::vector<std::string> lines;
     for (int i = 0; i < 20000; ++i) {
         lines.insert(lines.end(), {"0", "SPLINE", "73", "2000000000"});
     }
     lines.insert(lines.end(), {"0", "EOF"});
-    const std::string text = dxf(lines);
+    const std::string text = dxfOfLines(lines);
     std::size_t total = 0;
     for (const std::string& entity : read(text)) {
         total += entity.size();
@@ -645,7 +632,7 @@ TEST(DxfReaderHazards, ManySplinesTogetherCannotPromiseMoreThanTheTextHolds) {
     EXPECT_LT(total, text.size() * 10);
 }
 
-TEST(DxfReaderHazards, ManyCountsInOneEntityCostNoMoreThanOne) {
+TEST(DXFReaderHazards, ManyCountsInOneEntityCostNoMoreThanOne) {
     for (const std::string kind : {"LWPOLYLINE", "SPLINE"}) {
         std::vector<std::string> lines = {"0", kind};
         for (int i = 0; i < 100000; ++i) {
@@ -659,14 +646,13 @@ TEST(DxfReaderHazards, ManyCountsInOneEntityCostNoMoreThanOne) {
     }
 }
 
-TEST(DxfReaderHazards, CountsOfObjectsThatAreNotTakenDoNoHarm) {
-    EXPECT_THAT(
-        read({"0", "LEADER", "76", "2000000000", "0",  "HATCH", "91", "2000000000", "0", "LTYPE",
-              "2", "A",      "73", "2000000000", "49", "1",     "0",  "LINE",       "0", "EOF"}),
-        ElementsAre("line 0 0 0 0 0 0" + defaults));
+TEST(DXFReaderHazards, CountsOfObjectsThatAreNotTakenDoNoHarm) {
+    EXPECT_THAT(read(dxf("0 LEADER  76 2000000000  0 HATCH  91 2000000000  "
+                         "0 LTYPE  2 A  73 2000000000  49 1  0 LINE  0 EOF")),
+                ElementsAre("line 0 0 0 0 0 0" + defaults));
 }
 
-TEST(DxfReaderHazards, ExtendedDataIsDropped) {
+TEST(DXFReaderHazards, ExtendedDataIsDropped) {
     EXPECT_THAT(read({"0",    "LINE", "10",   "1", "1001", "APP", "1010", "",  "1040", "x",
                       "1070", "y",    "1099", "z", "2000", "q",   "-5",   "r", "0",    "EOF"}),
                 ElementsAre("line 1 0 0 0 0 0" + defaults));
@@ -674,7 +660,7 @@ TEST(DxfReaderHazards, ExtendedDataIsDropped) {
 
 // Files.
 
-class DxfFile : public testing::Test {
+class DXFReaderFile : public testing::Test {
 protected:
     std::string write(const std::string& text) const {
         const std::string path = directory.file("drawing.dxf");
@@ -685,9 +671,9 @@ protected:
     TemporaryDirectory directory;
 };
 
-TEST_F(DxfFile, IsReadLikeItsBytes) {
+TEST_F(DXFReaderFile, IsReadLikeItsBytes) {
     const std::string text =
-        dxf({"0", "LAYER", "2", "a", "0", "LINE", "8", std::string(2000, 'x'), "0", "EOF"}) +
+        dxfOfLines({"0", "LAYER", "2", "a", "0", "LINE", "8", std::string(2000, 'x'), "0", "EOF"}) +
         std::string("\0\n0\nLINE\n0\nEOF\n", 15);
     const std::shared_ptr<DXFDocument> document = DXFDocument::load(write(text));
     ASSERT_NE(document, nullptr);
@@ -695,17 +681,16 @@ TEST_F(DxfFile, IsReadLikeItsBytes) {
     EXPECT_EQ(entitiesOf(*document), read(text));
 }
 
-TEST_F(DxfFile, IsReadUpToItsFirstNul) {
-    std::string text = dxf({"0", "LINE", "0", "CIRCLE", "8", "walls", "0", "ARC", "0", "EOF"});
+TEST_F(DXFReaderFile, IsReadUpToItsFirstNul) {
+    std::string text = dxf("0 LINE  0 CIRCLE  8 walls  0 ARC  0 EOF");
     text[text.find("walls") + 2] = '\0';
     DXFDocument document;
     EXPECT_TRUE(DXFReader(document).load(write(text)));
     EXPECT_THAT(entitiesOf(document), ElementsAre("line 0 0 0 0 0 0" + defaults));
 }
 
-TEST_F(DxfFile, LoadLeavesSetupToTheCaller) {
-    const auto document =
-        DXFDocument::load(write(dxf({"0", "LWPOLYLINE", "10", "1", "10", "2", "0", "EOF"})));
+TEST_F(DXFReaderFile, LoadLeavesSetupToTheCaller) {
+    const auto document = DXFDocument::load(write(dxf("0 LWPOLYLINE  10 1  10 2  0 EOF")));
     const auto polyline = std::dynamic_pointer_cast<DXFPolyline>(document->entities().front());
     ASSERT_NE(polyline, nullptr);
     EXPECT_TRUE(polyline->segments().empty());
@@ -713,31 +698,31 @@ TEST_F(DxfFile, LoadLeavesSetupToTheCaller) {
     EXPECT_EQ(polyline->segments().size(), 1U);
 }
 
-TEST_F(DxfFile, EmptyIsAnEmptyDrawing) {
+TEST_F(DXFReaderFile, EmptyIsAnEmptyDrawing) {
     const auto document = DXFDocument::load(write(""));
     ASSERT_NE(document, nullptr);
     EXPECT_EQ(describe(*document), "");
 }
 
-TEST_F(DxfFile, LargerThanAReadBlockIsReadWhole) {
+TEST_F(DXFReaderFile, LargerThanAReadBlockIsReadWhole) {
     std::vector<std::string> lines;
     for (int i = 0; i < 50000; ++i) {
         lines.insert(lines.end(), {"0", "LINE", "10", std::to_string(i)});
     }
     lines.insert(lines.end(), {"0", "EOF"});
-    const auto document = DXFDocument::load(write(dxf(lines)));
+    const auto document = DXFDocument::load(write(dxfOfLines(lines)));
     ASSERT_NE(document, nullptr);
     EXPECT_EQ(document->entities().size(), 50000U);
     EXPECT_THAT(describe(*document->entities().back()), StartsWith("line 49999 0 0"));
 }
 
-TEST_F(DxfFile, ThatCannotBeOpenedIsAFailedLoad) {
+TEST_F(DXFReaderFile, ThatCannotBeOpenedIsAFailedLoad) {
     EXPECT_EQ(DXFDocument::load(directory.file("missing.dxf")), nullptr);
     DXFDocument document;
     EXPECT_FALSE(DXFReader(document).load(directory.file("missing.dxf")));
 }
 
-TEST_F(DxfFile, ThatIsADirectoryIsAFailedLoad) {
+TEST_F(DXFReaderFile, ThatIsADirectoryIsAFailedLoad) {
     EXPECT_EQ(DXFDocument::load(directory.path()), nullptr);
     DXFDocument document;
     EXPECT_FALSE(DXFReader(document).load(directory.path().string()));

@@ -53,19 +53,19 @@ void expectAsReference(const pcl::PCLPointCloud2& cloud) {
     ASSERT_EQ(ascii(cloud), reference::asciiBody(cloud));
 }
 
-TEST(PlyBinaryBody, IsAppendedBehindWhatIsThere) {
+TEST(PLYSerializerBinaryBody, IsAppendedBehindWhatIsThere) {
     Bytes out = {'h'};
     PLYSerializer().AppendContentBinary(rawCloud(2, 1, {field("a", 0, Field::UINT8)}, {7, 8}), out);
     EXPECT_EQ(out, (Bytes{'h', 7, 8}));
 }
 
-TEST(PlyBinaryBody, PacksFieldsInTheirOrderWithoutPadding) {
+TEST(PLYSerializerBinaryBody, PacksFieldsInTheirOrderWithoutPadding) {
     const auto cloud = rawCloud(2, 1, {field("c", 6, Field::UINT16), field("a", 1, Field::INT8)},
                                 {0, 1, 2, 3, 4, 5, 6, 7, 10, 11, 12, 13, 14, 15, 16, 17});
     EXPECT_EQ(binary(cloud), (Bytes{6, 7, 1, 16, 17, 11}));
 }
 
-TEST(PlyBinaryBody, EachDatatypeTakesItsSize) {
+TEST(PLYSerializerBinaryBody, EachDatatypeTakesItsSize) {
     const std::size_t sizes[] = {1, 1, 2, 2, 4, 4, 4, 8};
     const Bytes data = {1, 2, 3, 4, 5, 6, 7, 8};
     for (std::uint8_t datatype = 1; datatype <= 8; ++datatype) {
@@ -75,18 +75,18 @@ TEST(PlyBinaryBody, EachDatatypeTakesItsSize) {
     }
 }
 
-TEST(PlyBinaryBody, OfAFieldWithSeveralElementsTheLastOneIsStored) {
+TEST(PLYSerializerBinaryBody, OfAFieldWithSeveralElementsTheLastOneIsStored) {
     const auto cloud =
         rawCloud(1, 1, {field("a", 0, Field::FLOAT32), field("h", 4, Field::FLOAT32, 3)},
                  bytesOf(1.0F, 2.0F, 3.0F, 4.0F));
     EXPECT_EQ(binary(cloud), bytesOf(1.0F, 4.0F));
 }
 
-TEST(PlyBinaryBody, CountOfZeroIsOneElement) {
+TEST(PLYSerializerBinaryBody, CountOfZeroIsOneElement) {
     EXPECT_EQ(binary(rawCloud(1, 1, {field("a", 0, Field::UINT8, 0)}, {7})), (Bytes{7}));
 }
 
-TEST(PlyBinaryBody, FieldWithNegativeCountIsZeros) {
+TEST(PLYSerializerBinaryBody, FieldWithNegativeCountIsZeros) {
     for (const std::uint32_t count : {0x80000000U, 0xFFFFFFFFU}) {
         const auto cloud = rawCloud(
             2, 1, {field("a", 0, Field::UINT8, count), field("b", 1, Field::UINT8)}, {7, 8, 9, 10});
@@ -94,22 +94,22 @@ TEST(PlyBinaryBody, FieldWithNegativeCountIsZeros) {
     }
 }
 
-TEST(PlyBinaryBody, BytesAreNotSwappedForBigEndianClouds) {
+TEST(PLYSerializerBinaryBody, BytesAreNotSwappedForBigEndianClouds) {
     auto cloud = rawCloud(1, 1, {field("a", 0, Field::UINT32)}, {1, 2, 3, 4});
     cloud.is_bigendian = 1;
     EXPECT_EQ(binary(cloud), (Bytes{1, 2, 3, 4}));
 }
 
-TEST(PlyBinaryBody, Int8IsItsByte) {
+TEST(PLYSerializerBinaryBody, Int8IsItsByte) {
     EXPECT_EQ(binary(rawCloud(1, 1, {field("a", 0, Field::INT8)}, {0xFF})), (Bytes{0xFF}));
 }
 
-TEST(PlyBinaryBody, ColoursTakeTheSizeOfTheirDatatypeUnlikeInTheHeader) {
+TEST(PLYSerializerBinaryBody, ColoursTakeTheSizeOfTheirDatatypeUnlikeInTheHeader) {
     EXPECT_EQ(binary(rawCloud(1, 1, {field("rgb", 0, Field::FLOAT32)}, {1, 2, 3, 4})),
               (Bytes{1, 2, 3, 4}));
 }
 
-TEST(PlyBinaryBody, UnknownDatatypeIsReportedForTheFieldAndForEachOfItsElements) {
+TEST(PLYSerializerBinaryBody, UnknownDatatypeIsReportedForTheFieldAndForEachOfItsElements) {
     const CapturedLog log;
     const auto cloud = rawCloud(
         2, 1, {field("a", 0, 0, 2), field("b", 1, Field::UINT8), field("c", 0, 9)}, {7, 8, 9, 10});
@@ -121,19 +121,19 @@ TEST(PlyBinaryBody, UnknownDatatypeIsReportedForTheFieldAndForEachOfItsElements)
     EXPECT_GT(log.messages().front().line, 0);
 }
 
-TEST(PlyBinaryBody, UnknownDatatypeIsReportedOfACloudWithoutPointsToo) {
+TEST(PLYSerializerBinaryBody, UnknownDatatypeIsReportedOfACloudWithoutPointsToo) {
     const CapturedLog log;
     EXPECT_EQ(binary(rawCloud(0, 1, {field("a", 0, 255)})), Bytes());
     EXPECT_THAT(log.messages(), testing::ElementsAre(binaryWarning(255)));
 }
 
-TEST(PlyBinaryBody, UnknownDatatypeWithNegativeCountIsReportedOnce) {
+TEST(PLYSerializerBinaryBody, UnknownDatatypeWithNegativeCountIsReportedOnce) {
     const CapturedLog log;
     EXPECT_EQ(binary(rawCloud(3, 1, {field("a", 0, 9, 0xFFFFFFFF)}, {1, 2, 3})), Bytes());
     EXPECT_THAT(log.messages(), testing::ElementsAre(binaryWarning(9)));
 }
 
-TEST(PlyBinaryBodyDeathTest, ExceptionOfTheLogEndsTheProcess) {
+TEST(PLYSerializerBinaryBodyDeathTest, ExceptionOfTheLogEndsTheProcess) {
     const auto cloud = rawCloud(1, 1, {field("a", 0, 9)}, {1});
     EXPECT_DEATH(
         {
@@ -146,7 +146,7 @@ TEST(PlyBinaryBodyDeathTest, ExceptionOfTheLogEndsTheProcess) {
         "terminate called");
 }
 
-TEST(PlyAsciiBody, UnknownDatatypeIsReportedForEachElementAndLeavesItsBlank) {
+TEST(PLYSerializerAsciiBody, UnknownDatatypeIsReportedForEachElementAndLeavesItsBlank) {
     const CapturedLog log;
     const auto cloud = rawCloud(
         2, 1, {field("a", 0, 0, 2), field("b", 1, Field::UINT8), field("c", 0, 9)}, {7, 8, 9, 10});
@@ -157,14 +157,14 @@ TEST(PlyAsciiBody, UnknownDatatypeIsReportedForEachElementAndLeavesItsBlank) {
     EXPECT_GT(log.messages().front().line, 0);
 }
 
-TEST(PlyAsciiBody, ExceptionOfTheLogReachesTheCaller) {
+TEST(PLYSerializerAsciiBody, ExceptionOfTheLogReachesTheCaller) {
     const ThrowingLog throwing;
     std::ostringstream stream;
     const auto cloud = rawCloud(1, 1, {field("a", 0, 9)}, {1});
     EXPECT_THROW(PLYSerializer().WriteDataASCII(cloud, stream), std::runtime_error);
 }
 
-TEST(PlyAsciiBody, CountsStandAheadOfAllValues) {
+TEST(PLYSerializerAsciiBody, CountsStandAheadOfAllValues) {
     const std::vector<unsigned char> data = bytesOf(1.0F, 2.0F, 3.0F, 4.0F);
     EXPECT_EQ(ascii(rawCloud(
                   1, 1, {field("a", 0, Field::FLOAT32), field("h", 4, Field::FLOAT32, 3)}, data)),
@@ -176,11 +176,11 @@ TEST(PlyAsciiBody, CountsStandAheadOfAllValues) {
               "2 3 1 2 1 2 3 4\n");
 }
 
-TEST(PlyAsciiBody, CountOfZeroIsOneElementWithoutCount) {
+TEST(PLYSerializerAsciiBody, CountOfZeroIsOneElementWithoutCount) {
     EXPECT_EQ(ascii(rawCloud(1, 1, {field("a", 0, Field::UINT8, 0)}, {7})), "7\n");
 }
 
-TEST(PlyAsciiBody, FieldWithNegativeCountIsLeftOut) {
+TEST(PLYSerializerAsciiBody, FieldWithNegativeCountIsLeftOut) {
     const auto skipped = field("a", 0, Field::UINT8, 0x80000000U);
     const auto kept = field("b", 0, Field::UINT8);
     EXPECT_EQ(ascii(rawCloud(1, 1, {skipped, kept}, {7})), "7\n");
@@ -188,18 +188,18 @@ TEST(PlyAsciiBody, FieldWithNegativeCountIsLeftOut) {
     EXPECT_EQ(ascii(rawCloud(1, 1, {skipped}, {7})), "\n");
 }
 
-TEST(PlyAsciiBody, CloudWithoutFieldsIsEmptyLines) {
+TEST(PLYSerializerAsciiBody, CloudWithoutFieldsIsEmptyLines) {
     EXPECT_EQ(ascii(rawCloud(2, 1, {}, {1, 2})), "\n\n");
     EXPECT_EQ(binary(rawCloud(2, 1, {}, {1, 2})), Bytes());
 }
 
-TEST(PlyAsciiBody, BytesAreUnsignedWhateverTheirDatatype) {
+TEST(PLYSerializerAsciiBody, BytesAreUnsignedWhateverTheirDatatype) {
     EXPECT_EQ(
         ascii(rawCloud(1, 1, {field("a", 0, Field::INT8), field("b", 0, Field::UINT8)}, {0xFF})),
         "255 255\n");
 }
 
-TEST(PlyAsciiBody, WritesTheLimitsOfIntegers) {
+TEST(PLYSerializerAsciiBody, WritesTheLimitsOfIntegers) {
     EXPECT_EQ(ascii(rawCloud(1, 1, {field("a", 0, Field::INT16, 2)},
                              bytesOf(std::int16_t(-32768), std::int16_t(32767)))),
               "2 -32768 32767\n");
@@ -213,7 +213,7 @@ TEST(PlyAsciiBody, WritesTheLimitsOfIntegers) {
               "4294967295\n");
 }
 
-TEST(PlyAsciiBody, NumbersHaveSixSignificantDigits) {
+TEST(PLYSerializerAsciiBody, NumbersHaveSixSignificantDigits) {
     EXPECT_EQ(ascii(rawCloud(1, 1, {field("a", 0, Field::FLOAT32, 5)},
                              bytesOf(1.0F / 3, 1e6F, 123456.0F, 1e-5F, -0.0F))),
               "5 0.333333 1e+06 123456 1e-05 -0\n");
@@ -222,7 +222,7 @@ TEST(PlyAsciiBody, NumbersHaveSixSignificantDigits) {
               "3 0.666667 1e+300 -1.25e-310\n");
 }
 
-TEST(PlyAsciiBody, NotANumberAndInfinityAreWrittenWhateverIsDenseSays) {
+TEST(PLYSerializerAsciiBody, NotANumberAndInfinityAreWrittenWhateverIsDenseSays) {
     auto cloud =
         rawCloud(1, 1, {field("a", 0, Field::FLOAT32, 4)}, bytesOf(nan, -nan, infinity, -infinity));
     for (const bool dense : {false, true}) {
@@ -231,7 +231,7 @@ TEST(PlyAsciiBody, NotANumberAndInfinityAreWrittenWhateverIsDenseSays) {
     }
 }
 
-TEST(PlyAsciiBody, ColoursAreSeparateNumbers) {
+TEST(PLYSerializerAsciiBody, ColoursAreSeparateNumbers) {
     const Bytes data = bytesOf(0x20FF8040U);
     const auto line = [&data](const char* name, std::uint8_t datatype) {
         return ascii(rawCloud(1, 1, {field(name, 0, datatype)}, data));
@@ -241,7 +241,7 @@ TEST(PlyAsciiBody, ColoursAreSeparateNumbers) {
     EXPECT_EQ(line("rgba", Field::UINT32), "255 128 64 32\n");
 }
 
-TEST(PlyAsciiBody, ColourNamesNeedOnlyContainTheWordUnlikeInTheHeader) {
+TEST(PLYSerializerAsciiBody, ColourNamesNeedOnlyContainTheWordUnlikeInTheHeader) {
     const Bytes data = bytesOf(0x20FF8040U);
     const auto line = [&data](const char* name, std::uint8_t datatype) {
         return ascii(rawCloud(1, 1, {field(name, 0, datatype)}, data));
@@ -254,12 +254,12 @@ TEST(PlyAsciiBody, ColourNamesNeedOnlyContainTheWordUnlikeInTheHeader) {
     EXPECT_EQ(line("rg", Field::FLOAT32), "4.32835e-19\n");
 }
 
-TEST(PlyAsciiBody, OrganisedCloudsAreWrittenRowByRow) {
+TEST(PLYSerializerAsciiBody, OrganisedCloudsAreWrittenRowByRow) {
     EXPECT_EQ(ascii(rawCloud(2, 3, {field("a", 0, Field::UINT8)}, {1, 2, 3, 4, 5, 6})),
               "1\n2\n3\n4\n5\n6\n");
 }
 
-TEST(PlyAsciiBody, DoesNotDependOnTheStreamsSettings) {
+TEST(PLYSerializerAsciiBody, DoesNotDependOnTheStreamsSettings) {
     struct Comma : std::numpunct<char> {
         char do_decimal_point() const override { return ','; }
         char do_thousands_sep() const override { return '.'; }
@@ -275,14 +275,14 @@ TEST(PlyAsciiBody, DoesNotDependOnTheStreamsSettings) {
     EXPECT_EQ(stream.str(), "2 1234.5 123456 -7\n");
 }
 
-TEST(PlyAsciiBody, IsWrittenBehindWhatTheStreamHolds) {
+TEST(PLYSerializerAsciiBody, IsWrittenBehindWhatTheStreamHolds) {
     std::ostringstream stream;
     stream << "header\n";
     PLYSerializer().WriteDataASCII(rawCloud(1, 1, {field("a", 0, Field::UINT8)}, {7}), stream);
     EXPECT_EQ(stream.str(), "header\n7\n");
 }
 
-TEST(PlyBody, StrideFollowsFromTheDataNotFromPointStep) {
+TEST(PLYSerializerBody, StrideFollowsFromTheDataNotFromPointStep) {
     auto cloud = rawCloud(2, 1, {field("a", 0, Field::UINT8)}, {1, 2, 3, 4, 5, 6, 7});
     for (const unsigned step : {0U, 1U, 100U}) {
         cloud.point_step = step;
@@ -291,13 +291,13 @@ TEST(PlyBody, StrideFollowsFromTheDataNotFromPointStep) {
     }
 }
 
-TEST(PlyBody, ElementsMayLieInTheBytesOfTheNextPoint) {
+TEST(PLYSerializerBody, ElementsMayLieInTheBytesOfTheNextPoint) {
     const auto cloud = rawCloud(2, 1, {field("a", 1, Field::UINT16)}, {1, 2, 3, 4});
     EXPECT_EQ(binary(cloud), (Bytes{2, 3, 0, 0}));
     EXPECT_EQ(ascii(cloud), "770\n0\n");
 }
 
-TEST(PlyBody, ElementPartlyOutsideTheDataIsZero) {
+TEST(PLYSerializerBody, ElementPartlyOutsideTheDataIsZero) {
     for (const std::uint32_t offset : {1U, 2U, 3U, 4U, 5U, 0x7FFFFFFFU, 0xFFFFFFFEU, 0xFFFFFFFFU}) {
         const auto cloud = rawCloud(1, 1, {field("a", offset, Field::UINT32)}, {1, 2, 3, 4});
         EXPECT_EQ(binary(cloud), (Bytes{0, 0, 0, 0}));
@@ -305,18 +305,18 @@ TEST(PlyBody, ElementPartlyOutsideTheDataIsZero) {
     }
 }
 
-TEST(PlyBody, ColoursOutsideTheDataAreZeros) {
+TEST(PLYSerializerBody, ColoursOutsideTheDataAreZeros) {
     EXPECT_EQ(ascii(rawCloud(1, 1, {field("rgb", 8, Field::FLOAT32)}, {1, 2, 3, 4})), "0 0 0\n");
     EXPECT_EQ(ascii(rawCloud(1, 1, {field("rgba", 8, Field::UINT32)}, {1, 2, 3, 4})), "0 0 0 0\n");
 }
 
-TEST(PlyBody, ElementsOfALongCountThatLieOutsideTheDataAreZero) {
+TEST(PLYSerializerBody, ElementsOfALongCountThatLieOutsideTheDataAreZero) {
     const auto cloud = rawCloud(1, 1, {field("a", 0, Field::UINT8, 5)}, {1, 2, 3});
     EXPECT_EQ(binary(cloud), (Bytes{0}));
     EXPECT_EQ(ascii(cloud), "5 1 2 3 0 0\n");
 }
 
-TEST(PlyBody, LargestCountsReadNothingOutside) {
+TEST(PLYSerializerBody, LargestCountsReadNothingOutside) {
     for (const std::uint32_t count : {0x7FFFFFFFU, 0x7FFFFFFEU}) {
         EXPECT_EQ(binary(rawCloud(1, 1, {field("a", 0xFFFFFFFF, Field::FLOAT64, count)}, {1, 2})),
                   Bytes(8));
@@ -328,7 +328,7 @@ TEST(PlyBody, LargestCountsReadNothingOutside) {
     }
 }
 
-TEST(PlyBody, LongLinesAreWhole) {
+TEST(PLYSerializerBody, LongLinesAreWhole) {
     auto cloud = rawCloud(2, 1, {field("a", 0, Field::FLOAT32, 100000)});
     for (int i = 0; i < 200000; ++i) {
         const Bytes value = bytesOf(1.0F / static_cast<float>(i + 1));
@@ -337,7 +337,7 @@ TEST(PlyBody, LongLinesAreWhole) {
     expectAsReference(cloud);
 }
 
-TEST(PlyBody, CloudWithMorePointsThanBytesIsZeros) {
+TEST(PLYSerializerBody, CloudWithMorePointsThanBytesIsZeros) {
     const auto cloud = rawCloud(3, 1, {field("a", 0, Field::UINT16)}, {1, 0});
     EXPECT_EQ(ascii(cloud), "1\n1\n1\n") << "the stride is 0: every point lies at the start";
     EXPECT_EQ(binary(cloud), (Bytes{1, 0, 1, 0, 1, 0}));
@@ -346,7 +346,7 @@ TEST(PlyBody, CloudWithMorePointsThanBytesIsZeros) {
     EXPECT_EQ(binary(none), Bytes(6));
 }
 
-TEST(PlyBody, NumberOfPointsThatIsNotPositiveAsASignedNumberWritesNothing) {
+TEST(PLYSerializerBody, NumberOfPointsThatIsNotPositiveAsASignedNumberWritesNothing) {
     const std::pair<std::uint32_t, std::uint32_t> sizes[] = {
         {0, 0},           {0, 7},           {7, 0},         {65536, 65536},
         {0x80000000U, 1}, {0xFFFFFFFFU, 1}, {65536, 32768}, {0x80000000U, 2}};
@@ -359,13 +359,13 @@ TEST(PlyBody, NumberOfPointsThatIsNotPositiveAsASignedNumberWritesNothing) {
     }
 }
 
-TEST(PlyBody, NumberOfPointsWrapsAt32Bits) {
+TEST(PLYSerializerBody, NumberOfPointsWrapsAt32Bits) {
     const auto cloud = rawCloud(65536, 65537, {field("a", 0, Field::UINT8)}, Bytes(65536, 5));
     EXPECT_EQ(binary(cloud), Bytes(65536, 5));
     expectAsReference(cloud);
 }
 
-TEST(PlyBody, BinaryBodyBeyondTwoGibibytesIsWhole) {
+TEST(PLYSerializerBody, BinaryBodyBeyondTwoGibibytesIsWhole) {
     // 17 million points of one byte each, whose 16 fields overlap: 128 bytes a record.
     constexpr std::size_t points = 17000000;
     constexpr std::size_t recordSize = 16 * sizeof(double);
@@ -389,7 +389,7 @@ TEST(PlyBody, BinaryBodyBeyondTwoGibibytesIsWhole) {
 }
 
 #ifndef CONVERTERS_ADDRESS_SANITIZER // which ends the process for such an allocation
-TEST(PlyBody, BodyBeyondTheAddressSpaceIsBadAlloc) {
+TEST(PLYSerializerBody, BodyBeyondTheAddressSpaceIsBadAlloc) {
     const auto cloud =
         rawCloud(0x7FFFFFFF, 1, std::vector<Field>(1 << 15, field("a", 0, Field::FLOAT64)), {1});
     Bytes out = {7};
@@ -398,7 +398,7 @@ TEST(PlyBody, BodyBeyondTheAddressSpaceIsBadAlloc) {
 }
 #endif
 
-TEST(PlyBody, GoodCloudIsNotReported) {
+TEST(PLYSerializerBody, GoodCloudIsNotReported) {
     const CapturedLog log;
     const auto cloud = rawCloud(2, 1, {field("a", 4, Field::FLOAT32, 3)}, {1, 2, 3});
     binary(cloud);
@@ -438,7 +438,7 @@ pcl::PCLPointCloud2 randomCloud(Random32& random) {
     return cloud;
 }
 
-TEST(PlyBody, RandomLayoutsAreThoseOfThePlainWriter) {
+TEST(PLYSerializerBody, RandomLayoutsAreThoseOfThePlainWriter) {
     Random32 random(7);
     for (int i = 0; i < 3000; ++i) {
         const pcl::PCLPointCloud2 cloud = randomCloud(random);
@@ -477,7 +477,7 @@ pcl::PCLPointCloud2 randomFloats(std::mt19937& random) {
     return cloud;
 }
 
-TEST(PlyBody, RandomFloatsAreThoseOfThePlainWriter) {
+TEST(PLYSerializerBody, RandomFloatsAreThoseOfThePlainWriter) {
     std::mt19937 random(8);
     for (int i = 0; i < 2000; ++i) {
         ASSERT_NO_FATAL_FAILURE(expectAsReference(randomFloats(random))) << i;

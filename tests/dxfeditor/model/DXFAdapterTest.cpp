@@ -16,7 +16,7 @@ DL_Attributes someRecord() {
     return record;
 }
 
-TEST(AdapterAttributes, TakeOverEveryFieldButPaperSpace) {
+TEST(DXFAdapterAttributes, TakeOverEveryFieldButPaperSpace) {
     const std::shared_ptr<DXFAttributes> attributes = DXFAdapter::makeAttributes(someRecord());
     EXPECT_EQ(attributes->layerName(), "walls");
     EXPECT_EQ(attributes->color(), 3);
@@ -28,7 +28,7 @@ TEST(AdapterAttributes, TakeOverEveryFieldButPaperSpace) {
     EXPECT_FALSE(attributes->inPaperSpace());
 }
 
-TEST(AdapterAttributes, ReadAndWrittenAgainLoseScaleAndPaperSpace) {
+TEST(DXFAdapterAttributes, ReadAndWrittenAgainLoseScaleAndPaperSpace) {
     const DL_Attributes record =
         DXFAdapter::makeAttributes(DXFAdapter::makeAttributes(someRecord()));
     EXPECT_EQ(record.getLayer(), "walls");
@@ -41,14 +41,14 @@ TEST(AdapterAttributes, ReadAndWrittenAgainLoseScaleAndPaperSpace) {
     EXPECT_FALSE(record.isInPaperSpace());
 }
 
-TEST(AdapterAttributes, InPaperSpaceAreWrittenInModelSpace) {
+TEST(DXFAdapterAttributes, InPaperSpaceAreWrittenInModelSpace) {
     const DL_Attributes record = DXFAdapter::makeAttributes(
         std::make_shared<DXFAttributes>("a", 1, 2, 3, "b", 4.5, 5, true));
     EXPECT_FALSE(record.isInPaperSpace());
     EXPECT_EQ(record.getLinetypeScale(), 1.0);
 }
 
-TEST(AdapterLayer, TakesOverNameAndFlagsButNotOff) {
+TEST(DXFAdapterLayer, TakesOverNameAndFlagsButNotOff) {
     const std::shared_ptr<DXFLayer> layer = DXFAdapter::makeLayer(DL_LayerData("walls", 5, true));
     EXPECT_EQ(layer->name(), "walls");
     EXPECT_EQ(layer->flags(), 5);
@@ -59,7 +59,7 @@ TEST(AdapterLayer, TakesOverNameAndFlagsButNotOff) {
     EXPECT_FALSE(record.off);
 }
 
-TEST(AdapterLineType, TakesOverEveryFieldAndHandsThePatternOn) {
+TEST(DXFAdapterLineType, TakesOverEveryFieldAndHandsThePatternOn) {
     double pattern[] = {0.5, -0.25};
     const std::shared_ptr<DXFLineType> lineType =
         DXFAdapter::makeLineType(DL_LinetypeData("DASHED", "text", 64, 2, 0.75, pattern));
@@ -78,14 +78,14 @@ TEST(AdapterLineType, TakesOverEveryFieldAndHandsThePatternOn) {
     EXPECT_EQ(record.pattern, pattern);
 }
 
-TEST(AdapterPoint, GoesBothWays) {
+TEST(DXFAdapterPoint, GoesBothWays) {
     const std::shared_ptr<DXFPoint> point = DXFAdapter::makePoint(DL_PointData(1, 2, 3));
     EXPECT_EQ(Point(point->mX(), point->mY(), point->mZ()), Point(1, 2, 3));
     const DL_PointData record = DXFAdapter::makePoint(point);
     EXPECT_EQ(Point(record.x, record.y, record.z), Point(1, 2, 3));
 }
 
-TEST(AdapterLine, GoesBothWays) {
+TEST(DXFAdapterLine, GoesBothWays) {
     const std::shared_ptr<DXFLine> line = DXFAdapter::makeLine(DL_LineData(1, 2, 3, 4, 5, 6));
     EXPECT_EQ(line->getP1(), Point(1, 2, 3));
     EXPECT_EQ(line->getP2(), Point(4, 5, 6));
@@ -94,7 +94,7 @@ TEST(AdapterLine, GoesBothWays) {
     EXPECT_EQ(Point(record.x2, record.y2, record.z2), Point(4, 5, 6));
 }
 
-TEST(AdapterCircle, GoesBothWays) {
+TEST(DXFAdapterCircle, GoesBothWays) {
     const std::shared_ptr<DXFCircle> circle = DXFAdapter::makeCircle(DL_CircleData(1, 2, 3, -4));
     EXPECT_EQ(circle->getCenter(), Point(1, 2, 3));
     EXPECT_EQ(circle->getRadius(), -4);
@@ -103,7 +103,7 @@ TEST(AdapterCircle, GoesBothWays) {
     EXPECT_EQ(record.radius, -4);
 }
 
-TEST(AdapterArc, GoesBothWaysWithItsAnglesUnchanged) {
+TEST(DXFAdapterArc, GoesBothWaysWithItsAnglesUnchanged) {
     const std::shared_ptr<DXFArc> arc = DXFAdapter::makeArc(DL_ArcData(1, 2, 3, 4, 350, 10));
     EXPECT_EQ(arc->getCenter(), Point(1, 2, 3));
     EXPECT_EQ(arc->getRadius(), 4);
@@ -116,7 +116,7 @@ TEST(AdapterArc, GoesBothWaysWithItsAnglesUnchanged) {
     EXPECT_EQ(record.angle2, 10);
 }
 
-TEST(AdapterPolyline, CountsTheVerticesItIsGivenAndNotTheRecords) {
+TEST(DXFAdapterPolyline, CountsTheVerticesItIsGivenAndNotTheRecords) {
     const std::shared_ptr<DXFPolyline> polyline =
         DXFAdapter::makePolyline(DL_PolylineData(7, 5, 6, 129, 3.5));
     EXPECT_EQ(polyline->vertexNumber(), 0);
@@ -135,7 +135,7 @@ TEST(AdapterPolyline, CountsTheVerticesItIsGivenAndNotTheRecords) {
     EXPECT_EQ(record.elevation, 0.0);
 }
 
-TEST(AdapterPolyline, KeepsCountsAndFlagsThatAreNegativeInTheRecord) {
+TEST(DXFAdapterPolyline, KeepsCountsAndFlagsThatAreNegativeInTheRecord) {
     const std::shared_ptr<DXFPolyline> polyline =
         DXFAdapter::makePolyline(DL_PolylineData(-1, -2, -3, -4));
     EXPECT_EQ(polyline->mVertices(), 0xFFFFFFFEU);
@@ -147,7 +147,7 @@ TEST(AdapterPolyline, KeepsCountsAndFlagsThatAreNegativeInTheRecord) {
     EXPECT_EQ(record.flags, -4);
 }
 
-TEST(AdapterVertex, GoesBothWaysWithItsFlagAlwaysTrue) {
+TEST(DXFAdapterVertex, GoesBothWaysWithItsFlagAlwaysTrue) {
     const DXFVertex vertex = DXFAdapter::makeVertex(DL_VertexData(1, 2, 3, 4));
     EXPECT_EQ(Point(vertex.x(), vertex.y(), vertex.z()), Point(1, 2, 3));
     EXPECT_EQ(vertex.bulge(), 4);
@@ -157,7 +157,7 @@ TEST(AdapterVertex, GoesBothWaysWithItsFlagAlwaysTrue) {
     EXPECT_EQ(record.bulge, 8);
 }
 
-TEST(AdapterSpline, StartsEmptyWhateverTheRecordsCounts) {
+TEST(DXFAdapterSpline, StartsEmptyWhateverTheRecordsCounts) {
     const std::shared_ptr<DXFSpline> spline =
         DXFAdapter::makeSpline(DL_SplineData(3, 100, 200, 300, 8));
     EXPECT_EQ(spline->degree(), 3U);
@@ -167,7 +167,7 @@ TEST(AdapterSpline, StartsEmptyWhateverTheRecordsCounts) {
     EXPECT_TRUE(spline->fitPoints().empty());
 }
 
-TEST(AdapterSpline, CountsWhatItHoldsAndDropsItsFlags) {
+TEST(DXFAdapterSpline, CountsWhatItHoldsAndDropsItsFlags) {
     const auto spline = std::make_shared<DXFSpline>(2U, 9U, 9U, 9U, 11);
     for (const double knot : {0.0, 1.0, 2.0}) {
         spline->appendKnot(knot);
@@ -185,7 +185,7 @@ TEST(AdapterSpline, CountsWhatItHoldsAndDropsItsFlags) {
     EXPECT_EQ(DXFAdapter::makeSpline(spline).nFit, 1U);
 }
 
-TEST(AdapterSpline, LeavesNoFieldOfTheRecordUnset) {
+TEST(DXFAdapterSpline, LeavesNoFieldOfTheRecordUnset) {
     const DL_SplineData record =
         DXFAdapter::makeSpline(std::make_shared<DXFSpline>(2U, 0U, 0U, 0U, 0));
     for (const double tangent : {record.tangentStartX, record.tangentStartY, record.tangentStartZ,
@@ -194,7 +194,7 @@ TEST(AdapterSpline, LeavesNoFieldOfTheRecordUnset) {
     }
 }
 
-TEST(AdapterPointVector, CopiesThePointsInOrder) {
+TEST(DXFAdapterPointVector, CopiesThePointsInOrder) {
     std::vector<Point> points = {{1, 2, 3}, {4, 5, 6}};
     const std::shared_ptr<DXFPointVector> vector = DXFAdapter::makePointVector(points);
     points[0].x = 9;

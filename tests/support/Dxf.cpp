@@ -1,4 +1,4 @@
-#include "tests/converters/drawing/support/DrawingGroups.h"
+#include "tests/support/Dxf.h"
 
 #include <cstdint>
 #include <cstdlib>
@@ -6,7 +6,7 @@
 
 namespace {
 
-/// Calls take(code, value) for each group of a text as groups() has it.
+/// Calls take(code, value) for each group of a text as dxf() has it.
 template <typename Take>
 void forEachGroup(std::string_view text, Take take) {
     while (!text.empty()) {
@@ -55,7 +55,7 @@ void appendValue(std::string& bytes, int code, const std::string& value) {
 
 } // namespace
 
-std::string groups(std::string_view text) {
+std::string dxf(std::string_view text) {
     std::string lines;
     forEachGroup(text, [&](const std::string& code, std::string_view value) {
         lines += code + "\n" + std::string(value) + "\n";
@@ -63,8 +63,16 @@ std::string groups(std::string_view text) {
     return lines;
 }
 
+std::string dxfOfLines(const std::vector<std::string>& lines) {
+    std::string joined;
+    for (const std::string& line : lines) {
+        joined += line + '\n';
+    }
+    return joined;
+}
+
 std::string section(std::string_view name, std::string_view text) {
-    return "0\nSECTION\n2\n" + std::string(name) + "\n" + groups(text) + "0\nENDSEC\n";
+    return "0\nSECTION\n2\n" + std::string(name) + "\n" + dxf(text) + "0\nENDSEC\n";
 }
 
 std::string drawingOf(std::string_view entities, const std::string& before) {

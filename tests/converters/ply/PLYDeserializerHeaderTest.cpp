@@ -31,7 +31,7 @@ LogMessage ignored(int line, const std::string& text) {
 }
 
 /// Reads one header and keeps what came of it.
-class PlyHeader : public testing::Test {
+class PLYDeserializerHeader : public testing::Test {
 protected:
     bool read(const std::string& text) {
         const CapturedLog log;
@@ -56,7 +56,7 @@ protected:
     std::vector<LogMessage> messages;
 };
 
-TEST_F(PlyHeader, NewReaderHasItsInitialState) {
+TEST_F(PLYDeserializerHeader, NewReaderHasItsInitialState) {
     EXPECT_EQ(reader.cloud, nullptr);
     EXPECT_EQ(reader.vertexCount, 0u);
     EXPECT_EQ(reader.writeOffset, 0u);
@@ -78,7 +78,7 @@ TEST_F(PlyHeader, NewReaderHasItsInitialState) {
     EXPECT_EQ(static_cast<int>(PlyFormat::BinaryLittleEndian), 2);
 }
 
-TEST_F(PlyHeader, InitResetsAllButFormatAndEmptyScene) {
+TEST_F(PLYDeserializerHeader, InitResetsAllButFormatAndEmptyScene) {
     ASSERT_TRUE(readLines("format ascii 1.0\nelement vertex 3\n" + kXyzi));
     const auto previous = reader.cloud;
     reader.emptySceneInTeach = true;
@@ -101,7 +101,7 @@ TEST_F(PlyHeader, InitResetsAllButFormatAndEmptyScene) {
     EXPECT_EQ(reader.format, PlyFormat::Ascii);
 }
 
-TEST_F(PlyHeader, AcceptedHeaderLeavesAllThatTheBodyNeeds) {
+TEST_F(PLYDeserializerHeader, AcceptedHeaderLeavesAllThatTheBodyNeeds) {
     const std::string header = "ply\nformat ascii 1.0\nelement vertex 2\n" + kXyzi + "end_header\n";
     ASSERT_TRUE(read(header + "1 2 3 4\n5 6 7 8\n"));
     EXPECT_THAT(messages, IsEmpty());
@@ -124,7 +124,7 @@ TEST_F(PlyHeader, AcceptedHeaderLeavesAllThatTheBodyNeeds) {
     EXPECT_EQ(reader.stream.str(), header + "1 2 3 4\n5 6 7 8\n");
 }
 
-TEST_F(PlyHeader, CarriageReturnsAreWhitespace) {
+TEST_F(PLYDeserializerHeader, CarriageReturnsAreWhitespace) {
     const std::string header = "ply\r\nformat ascii 1.0\r\nobj_info num_cols 1\r\n"
                                "obj_info num_rows 3\r\nelement vertex 3\r\nproperty float x\r\n"
                                "end_header\r\n";
@@ -137,7 +137,7 @@ TEST_F(PlyHeader, CarriageReturnsAreWhitespace) {
     EXPECT_EQ(std::size_t(reader.stream.tellg()), header.size());
 }
 
-TEST_F(PlyHeader, FourthByteOfTheFileIsNotTested) {
+TEST_F(PLYDeserializerHeader, FourthByteOfTheFileIsNotTested) {
     EXPECT_TRUE(read("plyXelement vertex 1\nproperty int a\nend_header\n"));
     EXPECT_EQ(reader.vertexCount, 1u);
     // Behind a carriage return one more byte is skipped, whatever it is.
@@ -145,24 +145,24 @@ TEST_F(PlyHeader, FourthByteOfTheFileIsNotTested) {
     EXPECT_EQ(reader.vertexCount, 1u);
 }
 
-TEST_F(PlyHeader, OtherFirstLinesAreRefused) {
+TEST_F(PLYDeserializerHeader, OtherFirstLinesAreRefused) {
     for (const char* text : {"PLY\nend_header\n", "pl", "ply", "p", "\n", " ply\nend_header\n"}) {
         EXPECT_FALSE(read(text)) << text;
         EXPECT_THAT(messages, ElementsAre(refusal(1))) << text;
     }
 }
 
-TEST_F(PlyHeader, LeadingZeroByteIsAnEmptyText) {
+TEST_F(PLYDeserializerHeader, LeadingZeroByteIsAnEmptyText) {
     EXPECT_FALSE(read(std::string("\0ply\nend_header\n", 16)));
     EXPECT_THAT(messages, ElementsAre(refusal(1)));
 }
 
-TEST_F(PlyHeader, EmptyVectorIsALogicError) {
+TEST_F(PLYDeserializerHeader, EmptyVectorIsALogicError) {
     reader.Init();
     EXPECT_THROW(reader.ReadHeader({}), std::logic_error);
 }
 
-TEST_F(PlyHeader, IsReadWithoutInitToo) {
+TEST_F(PLYDeserializerHeader, IsReadWithoutInitToo) {
     const std::string header = "ply\nelement vertex 2\nproperty short a\nend_header\n";
     EXPECT_TRUE(reader.ReadHeader(bytesOf(header)));
     EXPECT_EQ(reader.vertexCount, 2u);
@@ -175,7 +175,7 @@ TEST_F(PlyHeader, IsReadWithoutInitToo) {
     EXPECT_THAT(log.messages(), ElementsAre(refusal(2)));
 }
 
-TEST_F(PlyHeader, SecondHeaderWithoutInitIsAddedToTheCloud) {
+TEST_F(PLYDeserializerHeader, SecondHeaderWithoutInitIsAddedToTheCloud) {
     const auto data = bytesOf("ply\nelement vertex 2\nproperty short a\nend_header\n");
     reader.Init();
     reader.writeOffset = 7;
@@ -188,7 +188,7 @@ TEST_F(PlyHeader, SecondHeaderWithoutInitIsAddedToTheCloud) {
     EXPECT_EQ(reader.writeOffset, 7u);
 }
 
-TEST_F(PlyHeader, TextWithoutEndHeaderIsRefusedInSilence) {
+TEST_F(PLYDeserializerHeader, TextWithoutEndHeaderIsRefusedInSilence) {
     for (const char* text : {"ply\n", "ply\r", "ply\nelement vertex 1\n", "ply\nend_headers"}) {
         EXPECT_FALSE(read(text)) << text;
     }
@@ -196,12 +196,12 @@ TEST_F(PlyHeader, TextWithoutEndHeaderIsRefusedInSilence) {
     EXPECT_THAT(messages, IsEmpty());
 }
 
-TEST_F(PlyHeader, EndHeaderMayEndTheTextOrBeFollowedByWords) {
+TEST_F(PLYDeserializerHeader, EndHeaderMayEndTheTextOrBeFollowedByWords) {
     EXPECT_TRUE(read("ply\nelement vertex 1\nproperty int a\nend_header"));
     EXPECT_TRUE(read("ply\nelement vertex 1\nproperty int a\n \tend_header now\n"));
 }
 
-TEST_F(PlyHeader, BlankAndUnknownLinesAreIgnoredWithAWarning) {
+TEST_F(PLYDeserializerHeader, BlankAndUnknownLinesAreIgnoredWithAWarning) {
     EXPECT_TRUE(readLines("\n \t \ncomment made by hand\nFormat ascii 1.0\nelement vertex 1\n"));
     EXPECT_THAT(messages,
                 ElementsAre(ignored(2, ""), ignored(3, " \t "), ignored(4, "comment made by hand"),
@@ -209,7 +209,7 @@ TEST_F(PlyHeader, BlankAndUnknownLinesAreIgnoredWithAWarning) {
     EXPECT_EQ(reader.lineNumber, 7u);
 }
 
-TEST_F(PlyHeader, FormatWords) {
+TEST_F(PLYDeserializerHeader, FormatWords) {
     EXPECT_TRUE(readLines("format ascii 1.0\n"));
     EXPECT_EQ(reader.format, PlyFormat::Ascii);
     EXPECT_TRUE(readLines("format binary_big_endian 1.0\n"));
@@ -219,7 +219,7 @@ TEST_F(PlyHeader, FormatWords) {
     EXPECT_THAT(messages, IsEmpty());
 }
 
-TEST_F(PlyHeader, MalformedFormatLinesAreRefused) {
+TEST_F(PLYDeserializerHeader, MalformedFormatLinesAreRefused) {
     for (const char* line : {"format ascii 1.0 extra\n", "format\n", "format \n", "format ascii\n",
                              "format ASCII 1.0\n", "format binary 1.0\n"}) {
         EXPECT_FALSE(readLines(line)) << line;
@@ -227,7 +227,7 @@ TEST_F(PlyHeader, MalformedFormatLinesAreRefused) {
     }
 }
 
-TEST_F(PlyHeader, OtherVersionsAreRefused) {
+TEST_F(PLYDeserializerHeader, OtherVersionsAreRefused) {
     for (const std::string version : {"1.1", "1", "1.00", "2.0"}) {
         EXPECT_FALSE(readLines("format ascii " + version + "\n"));
         EXPECT_THAT(messages, ElementsAre(message(2, "Error parsing ply, line: 2 version " +
@@ -238,19 +238,19 @@ TEST_F(PlyHeader, OtherVersionsAreRefused) {
                 ElementsAre(message(2, "Error parsing ply, line: 2 version  is not supported\n")));
 }
 
-TEST_F(PlyHeader, SecondFormatLineIsRefusedAfterItTookEffect) {
+TEST_F(PLYDeserializerHeader, SecondFormatLineIsRefusedAfterItTookEffect) {
     EXPECT_FALSE(readLines("format binary_little_endian 1.0\nformat ascii 1.0\n"));
     EXPECT_THAT(messages, ElementsAre(refusal(3)));
     EXPECT_EQ(reader.format, PlyFormat::Ascii);
 }
 
-TEST_F(PlyHeader, FormatLineIsNotRequired) {
+TEST_F(PLYDeserializerHeader, FormatLineIsNotRequired) {
     reader.format = PlyFormat::Ascii;
     EXPECT_TRUE(readLines("element vertex 1\n"));
     EXPECT_EQ(reader.format, PlyFormat::Ascii);
 }
 
-TEST_F(PlyHeader, ObjInfoGivesWidthAndHeight) {
+TEST_F(PLYDeserializerHeader, ObjInfoGivesWidthAndHeight) {
     EXPECT_TRUE(readLines("obj_info num_cols 4\nobj_info num_rows 3\nelement vertex 12\n" + kXyzi));
     EXPECT_EQ(reader.cloud->width, 4u);
     EXPECT_EQ(reader.cloud->height, 3u);
@@ -259,7 +259,7 @@ TEST_F(PlyHeader, ObjInfoGivesWidthAndHeight) {
     EXPECT_THAT(messages, IsEmpty());
 }
 
-TEST_F(PlyHeader, OneObjInfoValueAloneIsOverridden) {
+TEST_F(PLYDeserializerHeader, OneObjInfoValueAloneIsOverridden) {
     for (const char* line : {"obj_info num_cols 4\n", "obj_info num_rows 4\n",
                              "obj_info num_cols 0\nobj_info num_rows 4\n", ""}) {
         EXPECT_TRUE(readLines(line + ("element vertex 10\n" + kXyzi)));
@@ -269,7 +269,7 @@ TEST_F(PlyHeader, OneObjInfoValueAloneIsOverridden) {
     }
 }
 
-TEST_F(PlyHeader, ObjInfoValuesAreReadLeniently) {
+TEST_F(PLYDeserializerHeader, ObjInfoValuesAreReadLeniently) {
     EXPECT_TRUE(readLines("obj_info num_cols +4x junk\nobj_info num_rows 3.9\n"
                           "obj_info author nobody\nobj_info\nobj_info \nelement vertex 12\n" +
                           kXyzi));
@@ -278,14 +278,14 @@ TEST_F(PlyHeader, ObjInfoValuesAreReadLeniently) {
     EXPECT_THAT(messages, IsEmpty());
 }
 
-TEST_F(PlyHeader, NegativeObjInfoValueIsStoredAsItsBitPattern) {
+TEST_F(PLYDeserializerHeader, NegativeObjInfoValueIsStoredAsItsBitPattern) {
     EXPECT_FALSE(
         readLines("obj_info num_cols -1\nobj_info num_rows 1\nelement vertex 1\n" + kXyzi));
     EXPECT_EQ(reader.cloud->width, 4294967295u);
     EXPECT_THAT(messages, IsEmpty());
 }
 
-TEST_F(PlyHeader, ObjInfoValueThatIsNoIntegerThrows) {
+TEST_F(PLYDeserializerHeader, ObjInfoValueThatIsNoIntegerThrows) {
     for (const char* line :
          {"obj_info num_cols many\n", "obj_info num_rows\n", "obj_info num_rows -\n"}) {
         try {
@@ -306,7 +306,7 @@ TEST_F(PlyHeader, ObjInfoValueThatIsNoIntegerThrows) {
     }
 }
 
-TEST_F(PlyHeader, MalformedElementLinesAreRefused) {
+TEST_F(PLYDeserializerHeader, MalformedElementLinesAreRefused) {
     for (const char* line :
          {"element vertex 2 extra\n", "element\n", "element vertex\n", "element vertex 2x\n",
           "element vertex x\n", "element vertex 2.0\n", "element vertex 0x10\n",
@@ -316,7 +316,7 @@ TEST_F(PlyHeader, MalformedElementLinesAreRefused) {
     }
 }
 
-TEST_F(PlyHeader, CountIsTakenAsAnUnsigned64BitNumber) {
+TEST_F(PLYDeserializerHeader, CountIsTakenAsAnUnsigned64BitNumber) {
     EXPECT_TRUE(readLines("element vertex +5 \t\n"));
     EXPECT_EQ(reader.vertexCount, 5u);
     EXPECT_TRUE(readLines("element vertex \n"));
@@ -330,7 +330,7 @@ TEST_F(PlyHeader, CountIsTakenAsAnUnsigned64BitNumber) {
     EXPECT_THAT(messages, IsEmpty());
 }
 
-TEST_F(PlyHeader, OtherElementsAreRefusedByName) {
+TEST_F(PLYDeserializerHeader, OtherElementsAreRefusedByName) {
     EXPECT_FALSE(readLines("element vertex 1\n" + kXyzi + "element face 0\n"));
     EXPECT_THAT(messages, ElementsAre(message(2, "Error parsing ply, line: 7 element type 'face' "
                                                  "not supported\n")));
@@ -339,7 +339,7 @@ TEST_F(PlyHeader, OtherElementsAreRefusedByName) {
                                                  "not supported\n")));
 }
 
-TEST_F(PlyHeader, SecondVertexElementIsRefused) {
+TEST_F(PLYDeserializerHeader, SecondVertexElementIsRefused) {
     EXPECT_FALSE(readLines("element vertex 1\nelement vertex 1\n"));
     EXPECT_THAT(
         messages,
@@ -347,12 +347,12 @@ TEST_F(PlyHeader, SecondVertexElementIsRefused) {
     EXPECT_EQ(reader.vertexCount, 1u);
 }
 
-TEST_F(PlyHeader, PropertyBeforeTheVertexElementIsRefused) {
+TEST_F(PLYDeserializerHeader, PropertyBeforeTheVertexElementIsRefused) {
     EXPECT_FALSE(readLines("format ascii 1.0\nproperty float x\nelement vertex 1\n"));
     EXPECT_THAT(messages, ElementsAre(refusal(3)));
 }
 
-TEST_F(PlyHeader, MalformedPropertyLinesAreRefused) {
+TEST_F(PLYDeserializerHeader, MalformedPropertyLinesAreRefused) {
     for (const char* line :
          {"property\n", "property float\n", "property mystery\n", "property \n"}) {
         EXPECT_FALSE(readLines(std::string("element vertex 1\n") + line)) << line;
@@ -360,7 +360,7 @@ TEST_F(PlyHeader, MalformedPropertyLinesAreRefused) {
     }
 }
 
-TEST_F(PlyHeader, ListPropertiesAreRefused) {
+TEST_F(PLYDeserializerHeader, ListPropertiesAreRefused) {
     for (const char* line : {"property list uchar int a\n", "property list\n"}) {
         EXPECT_FALSE(readLines(std::string("element vertex 1\n") + line));
         EXPECT_THAT(messages, ElementsAre(message(2, "Error parsing ply, line: 3 List not "
@@ -368,13 +368,13 @@ TEST_F(PlyHeader, ListPropertiesAreRefused) {
     }
 }
 
-TEST_F(PlyHeader, TextBehindAPropertyNameIsNotExamined) {
+TEST_F(PLYDeserializerHeader, TextBehindAPropertyNameIsNotExamined) {
     EXPECT_TRUE(readLines("element vertex 1\nproperty float x extra\nproperty float \n"));
     EXPECT_THAT(fieldNames(), ElementsAre("x", ""));
     EXPECT_THAT(messages, IsEmpty());
 }
 
-TEST_F(PlyHeader, EveryTypeNameGivesItsDatatypeWithoutAlignment) {
+TEST_F(PLYDeserializerHeader, EveryTypeNameGivesItsDatatypeWithoutAlignment) {
     using Field = pcl::PCLPointField;
     const struct {
         const char* name;
@@ -409,7 +409,7 @@ TEST_F(PlyHeader, EveryTypeNameGivesItsDatatypeWithoutAlignment) {
     EXPECT_EQ(reader.cloud->data.size(), 3 * offset);
 }
 
-TEST_F(PlyHeader, UnknownTypesAreSkippedInSilence) {
+TEST_F(PLYDeserializerHeader, UnknownTypesAreSkippedInSilence) {
     EXPECT_TRUE(readLines("element vertex 1\nproperty float64 x\nproperty Float y\n"
                           "property real z\nproperty double64 d\n"));
     EXPECT_THAT(fieldNames(), ElementsAre("d"));
@@ -418,12 +418,12 @@ TEST_F(PlyHeader, UnknownTypesAreSkippedInSilence) {
     EXPECT_THAT(messages, IsEmpty());
 }
 
-TEST_F(PlyHeader, HeaderWithoutPropertiesIsAcceptedWithAnySize) {
+TEST_F(PLYDeserializerHeader, HeaderWithoutPropertiesIsAcceptedWithAnySize) {
     EXPECT_TRUE(readLines("obj_info num_cols 2\nobj_info num_rows 2\nelement vertex 9\n"));
     EXPECT_TRUE(reader.cloud->data.empty());
 }
 
-TEST_F(PlyHeader, HostileCountsAreRefusedInSilenceWithoutAllocation) {
+TEST_F(PLYDeserializerHeader, HostileCountsAreRefusedInSilenceWithoutAllocation) {
     for (const char* count : {"2147483648", "4000000000", "4294967295", "4294967296", "4294967297",
                               "1152921504606846976", "2305843009213693952", "9223372036854775808",
                               "18446744073709551615", "-1", "-2147483648"}) {
@@ -437,19 +437,19 @@ TEST_F(PlyHeader, HostileCountsAreRefusedInSilenceWithoutAllocation) {
     }
 }
 
-TEST_F(PlyHeader, HostileSizesWithoutPropertiesAreRefused) {
+TEST_F(PLYDeserializerHeader, HostileSizesWithoutPropertiesAreRefused) {
     EXPECT_FALSE(readLines("obj_info num_cols 65536\nobj_info num_rows 65536\nelement vertex 1\n"));
     EXPECT_FALSE(readLines("obj_info num_cols -1\nobj_info num_rows -1\nelement vertex 1\n"));
 }
 
-TEST_F(PlyHeader, ProductsThatWrapDoNotAgree) {
+TEST_F(PLYDeserializerHeader, ProductsThatWrapDoNotAgree) {
     // 2^31 * 2^31 points of 4 bytes are 0 bytes modulo 2^64.
     EXPECT_FALSE(readLines("obj_info num_cols -2147483648\nobj_info num_rows -2147483648\n"
                            "element vertex 4611686018427387904\nproperty float x\n"));
     EXPECT_EQ(reader.cloud->data.capacity(), 0u);
 }
 
-TEST_F(PlyHeader, MemoryLimitFollowsTheSizeOfTheInput) {
+TEST_F(PLYDeserializerHeader, MemoryLimitFollowsTheSizeOfTheInput) {
     // A record of 16 bytes and a point of 32: 64 MiB and 64 bytes for each byte of the file.
     const auto fileOf = [](std::uint64_t vertices, std::size_t size) {
         std::string text = "ply\nformat ascii 1.0\nelement vertex " + std::to_string(vertices) +
@@ -465,7 +465,7 @@ TEST_F(PlyHeader, MemoryLimitFollowsTheSizeOfTheInput) {
     }
 }
 
-TEST_F(PlyHeader, ThrowingLogIsFatal) {
+TEST_F(PLYDeserializerHeader, ThrowingLogIsFatal) {
     for (const char* text : {"PLY\n", "ply\ncomment\n", "ply\nformat\n", "ply\nformat ascii 2.0\n",
                              "ply\nelement face 1\n", "ply\nelement vertex 1\nelement vertex 1\n",
                              "ply\nelement vertex 1\nproperty list\n"}) {
