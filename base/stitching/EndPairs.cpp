@@ -78,8 +78,7 @@ public:
     // The steps of adding an end: each asks for the memory that the next one needs, which takes as
     // long as some hundred additions.
 
-    void locate(RankedEnd end, Entry& entry) const {
-        const Point point = m_ends[end];
+    void locate(RankedEnd end, const Point& point, Entry& entry) const {
         entry.end = end;
         entry.slotCount = 0;
         const RowsInReach x(point.x, m_distance);
@@ -101,10 +100,7 @@ public:
     }
 
     /// Whether an end meets itself: not where a coordinate is infinite or not a number.
-    bool canMeet(RankedEnd end) const {
-        const Point point = m_ends[end];
-        return m_distance.meet(point, point);
-    }
+    bool canMeet(const Point& point) const { return m_distance.meet(point, point); }
 
     void fetch(const Entry& entry) const {
         for (unsigned i = 0; i < entry.slotCount; ++i) {
@@ -220,13 +216,14 @@ struct Batch {
         }
         for (std::size_t i = begin; i < behind; ++i) {
             const RankedEnd end = RankedEnd::at(i);
-            if (!grid.canMeet(end)) {
+            const Point point = ends[end];
+            if (!grid.canMeet(point)) {
                 continue; // Meets nothing, not even itself.
             }
-            if (ends.isSecondOfEqual(end)) {
+            if (end.isLast() && point == ends[RankedEnd::first(end.run())]) {
                 grid.note(RankedEnd::first(end.run()), end);
             } else {
-                grid.locate(end, entries[size++]);
+                grid.locate(end, point, entries[size++]);
             }
         }
     }
