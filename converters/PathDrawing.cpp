@@ -23,7 +23,7 @@ constexpr unsigned is3dPolyline = 8;
 
 using Point = cv::Point3_<double>;
 
-/// A name in ASCII: what is beyond as other characters by number, in UTF-16 as its readers take it.
+/// A name in ASCII: other characters by number, in UTF-16 as readers take it.
 std::string asciiName(const std::string& name) {
     std::string result;
     for (const char16_t unit : boost::locale::conv::utf_to_utf<char16_t>(name)) {
