@@ -300,7 +300,7 @@ def main():
         # What they read otherwise than the format has it is not known to the last drawing.
         print(f"skipped: compared with {mode} when CONVERTERS_TEST_EFFORT is set")
         return 77
-    counts = {"random": (60, random_findings), "ezdxf": (25, ezdxf_findings),
+    counts = {"random": (40, random_findings), "ezdxf": (25, ezdxf_findings),
               "gdal": (25, gdal_findings)}
     count, findings_of = counts[mode]
     return run_random(dump, max(1, round(count * EFFORT)), findings_of, mode)
