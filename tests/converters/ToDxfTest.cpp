@@ -345,6 +345,10 @@ TEST_F(ToDxf, UmaskThatTakesTheOwnersWritePermissionAwayDoesNoHarm) {
 }
 
 TEST_F(ToDxf, MessageNamesThePathWhenTheProcessMayOpenNoFurtherFile) {
+#ifdef CONVERTERS_ADDRESS_SANITIZER
+    GTEST_SKIP()
+        << "sanitizers open pipes to look at memory, and take what they cannot see for bad";
+#endif
     for (const rlim_t further : {0U, 1U}) {
         const int status = inChildProcess([&] {
             const int next = dup(0);
