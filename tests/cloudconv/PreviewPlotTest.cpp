@@ -630,7 +630,7 @@ TEST(DrawingStyle, HasSmallerAndSparserSignsAndThinnerLinesForMoreContours) {
         spacing = style.arrowSpacing();
         least = style.leastWithSigns();
     }
-    const DrawingScene crowd = sceneOf(linesOn(100000, 3), 0);
+    const DrawingScene crowd = sceneOf(linesOn(20000, 3), 0);
     EXPECT_GT(DrawingStyle(crowd, area, {}).signSize(), 0.3) << "signs can still be seen";
     EXPECT_GT(DrawingStyle(crowd, area, {}).strokeWidth(), 0.8);
 }

@@ -60,11 +60,15 @@ void BinaryRecords::stepOverList(const Part& part) {
 }
 
 std::uint64_t BinaryRecords::itemsAt(const char* count, ScalarType type) const {
-    unsigned char bytes[8];
-    std::memcpy(bytes, count, sizeOf(type));
+    constexpr std::size_t bitsPerByte = 8;
+    const std::size_t size = sizeOf(type);
+    std::uint64_t word = 0;
+    std::memcpy(&word, count, size);
     if (m_isSwapped) {
-        std::reverse(bytes, bytes + sizeOf(type));
+        word = __builtin_bswap64(word) >> (bitsPerByte * (sizeof word - size));
     }
+    unsigned char bytes[sizeof word];
+    std::memcpy(bytes, &word, sizeof word);
     if (type == ScalarType::uint8) {
         return bytes[0];
     }
