@@ -7,6 +7,7 @@
 #include "converters/detail/drawing/geometry/CurveOperations.h"
 #include "converters/detail/drawing/geometry/EllipticArcs.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <string>
@@ -86,15 +87,63 @@ void ContourWalk<Sink>::bridge(const Point& to) {
     }
 }
 
+/// The points of curves that have to be sampled to be counted, until they are written.
+class KeptPoints {
+public:
+    /// How many points a curve gives; keeps them where they are few.
+    std::size_t count(const Curve& curve, const SamplingLimits& limits);
+
+    /// Appends the points of the curve that was counted after the one before.
+    void append(const Curve& curve, const SamplingLimits& limits, std::vector<Point>& points);
+
+private:
+    /// More are sampled a second time: memory for each would be half of what the path takes.
+    static constexpr std::size_t most = 1 << 20;
+
+    std::vector<Point> m_points;
+    /// Of each curve that was kept; 0 for those that were not.
+    std::vector<std::uint32_t> m_numbers;
+    std::size_t m_nextNumber = 0;
+    std::size_t m_nextPoint = 0;
+};
+
+std::size_t KeptPoints::count(const Curve& curve, const SamplingLimits& limits) {
+    if (isCountedPlainly(curve)) {
+        return countPoints(curve, limits);
+    }
+    if (m_points.size() >= most) {
+        m_numbers.push_back(0);
+        return countPoints(curve, limits);
+    }
+    SamplingLimits few = limits;
+    few.maximumPoints = std::min(limits.maximumPoints, most);
+    const std::size_t before = m_points.size();
+    const bool isKept = appendPoints(curve, few, m_points);
+    m_numbers.push_back(static_cast<std::uint32_t>(m_points.size() - before));
+    return isKept ? m_numbers.back() : countPoints(curve, limits);
+}
+
+void KeptPoints::append(const Curve& curve, const SamplingLimits& limits,
+                        std::vector<Point>& points) {
+    const std::size_t number = isCountedPlainly(curve) ? 0 : m_numbers[m_nextNumber++];
+    if (number == 0) {
+        appendPoints(curve, limits, points);
+        return;
+    }
+    const auto first = m_points.begin() + static_cast<std::ptrdiff_t>(m_nextPoint);
+    m_nextPoint += number;
+    points.insert(points.end(), first, first + static_cast<std::ptrdiff_t>(number));
+}
+
 /// Counts what contours will take.
 class Counter {
 public:
-    explicit Counter(const SamplingLimits& limits) : m_limits(limits) {}
+    Counter(const SamplingLimits& limits, KeptPoints& kept) : m_limits(limits), m_kept(kept) {}
 
     void begin(const Point&) { addPoints(1); }
     void entity(const Entity&, const Placement&) { ++entities; }
     void curve(const Curve& curve) {
-        addPoints(countPoints(curve, m_limits));
+        addPoints(m_kept.count(curve, m_limits));
         ++pieces;
         ++m_piecesOfContour;
         if (const auto* const arc = std::get_if<EllipticArc>(&curve)) {
@@ -126,6 +175,7 @@ private:
     }
 
     const SamplingLimits& m_limits;
+    KeptPoints& m_kept;
     std::size_t m_piecesOfContour = 0;
 };
 
@@ -153,8 +203,10 @@ PathEntityKind pathKindOf(EntityKind kind) {
 /// Writes contours into a path that has room for them.
 class Writer {
 public:
-    Writer(const LayerTable& layers, const SamplingLimits& limits, DrawingPath& path)
-        : m_layers(layers), m_limits(limits), m_path(path) {}
+    /// @param kept  what counting the same contours kept
+    Writer(const LayerTable& layers, const SamplingLimits& limits, KeptPoints& kept,
+           DrawingPath& path)
+        : m_layers(layers), m_limits(limits), m_kept(kept), m_path(path) {}
 
     void begin(const Point& start);
     void entity(const Entity& entity, const Placement& placement);
@@ -166,6 +218,7 @@ private:
 
     const LayerTable& m_layers;
     const SamplingLimits& m_limits;
+    KeptPoints& m_kept;
     DrawingPath& m_path;
     PathContour m_contour{};
 };
@@ -220,7 +273,7 @@ void Writer::curve(Curve&& curve) {
         line != nullptr && std::isinf(m_limits.step)) {
         m_path.points.push_back(line->end);
     } else {
-        appendPoints(curve, m_limits, m_path.points);
+        m_kept.append(curve, m_limits, m_path.points);
     }
     piece.lastPoint = m_path.points.size() - 1;
     piece.entity = static_cast<std::uint32_t>(m_path.entities.size() - 1);
@@ -260,7 +313,8 @@ void followAll(const JoinedDrawing& joined, double tolerance, Sink& sink,
 
 void writeContours(const JoinedDrawing& joined, const PathSettings& settings, DrawingPath& path,
                    const Progress& progress) {
-    Counter counter(settings.limits);
+    KeptPoints kept;
+    Counter counter(settings.limits, kept);
     constexpr double endOfCounting = 0.4;
     followAll(joined, settings.limits.tolerance, counter, progress.part(0, endOfCounting));
     base::reserveLarge(path.points, counter.points);
@@ -270,7 +324,7 @@ void writeContours(const JoinedDrawing& joined, const PathSettings& settings, Dr
     base::reserveLarge(path.arcs, counter.arcs);
     base::reserveLarge(path.ellipticArcs, counter.ellipticArcs);
     base::reserveLarge(path.splines, counter.splines);
-    Writer writer(joined.layers, settings.limits, path);
+    Writer writer(joined.layers, settings.limits, kept, path);
     followAll(joined, settings.limits.tolerance, writer, progress.part(endOfCounting, 1));
 }
 

@@ -91,6 +91,37 @@ double circumference(double major, double minor) {
     return b > 0 ? major * fullTurn / (0.5 * (a + b)) * (1 - sum) : 4 * major;
 }
 
+/// The speed along a plain curve of degree 2 or 3, as the root of a polynomial: of the squares of
+/// its derivative, about the middle.
+class PlainSpeed {
+public:
+    explicit PlainSpeed(const BezierCurve& derivative) {
+        const auto& p = derivative.points;
+        Vector middle = 0.5 * (p[0] + p[1]).place();
+        Vector change = (p[1] - p[0]).place();
+        Vector bend;
+        if (derivative.degree == 2) {
+            bend = ((p[2] - p[1]) - (p[1] - p[0])).place();
+            middle = 0.25 * (p[0] + 2 * p[1] + p[2]).place();
+            change = (p[2] - p[0]).place();
+        }
+        m_factors[0] = middle.dot(middle);
+        m_factors[1] = 2 * middle.dot(change);
+        m_factors[2] = change.dot(change) + 2 * middle.dot(bend);
+        m_factors[3] = 2 * change.dot(bend);
+        m_factors[4] = bend.dot(bend);
+    }
+
+    double at(double part) const {
+        const double t = part - 0.5;
+        const double* const f = m_factors;
+        return std::sqrt(std::max(f[0] + t * (f[1] + t * (f[2] + t * (f[3] + t * f[4]))), 0.0));
+    }
+
+private:
+    double m_factors[5];
+};
+
 double speedOf(const BezierCurve& curve, const BezierCurve& derivative, bool rational,
                double part) {
     const Homogeneous change = derivative.at(part);
@@ -148,6 +179,11 @@ double lengthOf(const BSpline& spline) {
         if (spans.width(span) > 0) {
             const BezierCurve curve = spans.curveOf(span);
             const BezierCurve derivative = curve.derivative();
+            if (!spans.isRational() && (spans.degree() == 2 || spans.degree() == 3)) {
+                const PlainSpeed speed(derivative);
+                sum += integral(0, 1, [&](double part) { return speed.at(part); });
+                continue;
+            }
             sum += integral(0, 1, [&](double part) {
                 return speedOf(curve, derivative, spans.isRational(), part);
             });

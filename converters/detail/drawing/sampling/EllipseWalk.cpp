@@ -35,12 +35,15 @@ struct Ellipse {
         return std::sqrt(sine * sine + cosine * cosine);
     }
 
-    /// What a step from `parameter` takes of the limits.
+    /// What a step from `parameter` takes of the limits; of short steps, a hundredth too much.
     double excessOf(double parameter, double step, const SamplingLimits& limits) const {
+        constexpr double shortStep = 0.5;
+        const bool isShort = step < shortStep;
         const double speed = speedAt(parameter + 0.5 * step);
-        const double quarter = std::sin(0.25 * step);
+        const double quarter = isShort ? 0.25 * step : std::sin(0.25 * step);
         const double distance = minor > 0 ? 2 * quarter * quarter * major * (minor / speed) : 0;
-        const double chord = 2 * std::sin(0.5 * step) * speed / limits.step;
+        const double half = isShort ? 0.5 * step : std::sin(0.5 * step);
+        const double chord = 2 * half * speed / limits.step;
         return std::max(distance / limits.tolerance, chord * chord);
     }
 

@@ -14,6 +14,10 @@
 //   point is on the chord while (t - a) / h w(b) <= w, for which h^2 / 2 max |w''| <= w(a) is
 //   enough.
 //
+// Within one span of a cubic curve without weights, X'' goes evenly from A to B, and the chord is h
+// times d, the mean of X'. At the part u of the step X is h^2 / 6 u (1 - u) ((2 - u) A + (1 + u) B)
+// off the chord, which is at most h^2 / (9 sqrt(3)) (|A| + |B|), parts perpendicular to d meant.
+//
 // All that is asked of derivatives is the largest value within an interval, for which the Bezier
 // points of that interval are a bound. Looking at a few points of the curve could miss a bend.
 
@@ -152,6 +156,25 @@ void differentiateTwice(const BezierCurve& curve, double width, BezierCurve& sec
     }
 }
 
+Motion motionOf(const BezierCurve& curve, double width) {
+    const auto factor = static_cast<double>(curve.degree);
+    const auto& p = curve.points;
+    Motion motion;
+    if (curve.degree > 0) {
+        motion.velocity = (factor / width) * (p[1] - p[0]).place();
+    }
+    if (curve.degree > 1) {
+        const Homogeneous bend = (p[2] - p[1]) - (p[1] - p[0]);
+        const double second = factor * (factor - 1) / width / width;
+        motion.acceleration = second * bend.place();
+        if (curve.degree > 2) {
+            const Homogeneous next = (p[3] - p[2]) - (p[2] - p[1]);
+            motion.jerk = (second * (factor - 2) / width) * (next - bend).place();
+        }
+    }
+    return motion;
+}
+
 /// The least weight of the curve's Bezier points.
 double leastWeightBetween(SplineCurves& curves, const SplinePlace& from, const SplinePlace& to) {
     double least = infinity;
@@ -173,6 +196,9 @@ const SplineCurves::Span& SplineCurves::span(std::size_t index) {
     if (kept.index != index) {
         kept.curve = m_spans.curveOf(index);
         differentiateTwice(kept.curve, m_spans.width(index), kept.second);
+        if (m_isPlain) {
+            kept.motion = motionOf(kept.curve, m_spans.width(index));
+        }
         kept.index = index;
     }
     return kept;
@@ -186,6 +212,30 @@ SplinePlace placeOn(SplineCurves& curves, double parameter, std::size_t span) {
         return {parameter, span, point.place(), 1};
     }
     return {parameter, span, project(point), point.weight};
+}
+
+double excessWithin(const Motion& motion, double from, double step, const SamplingLimits& limits) {
+    constexpr double evenly = 0.0641500299099585; // 1 / (9 sqrt(3))
+    const double middle = from + 0.5 * step;
+    const Vector chord = step * (motion.velocity + middle * motion.acceleration +
+                                 (0.5 * middle * middle + step * step / 24) * motion.jerk);
+    const Vector first = step * (step * (motion.acceleration + from * motion.jerk));
+    const Vector last = step * (step * (motion.acceleration + (from + step) * motion.jerk));
+    const double square = chord.dot(chord);
+    const double along = std::max(std::fabs(first.dot(chord)), std::fabs(last.dot(chord)));
+    // What is along the chord grows all the time when it changes by less than its mean. Squares of
+    // other lengths vanish or overflow.
+    if (!(along <= square) || !(square > 1e-100 && square < 1e100)) {
+        return infinity;
+    }
+    const Vector firstAcross = first.cross(chord);
+    const Vector lastAcross = last.cross(chord);
+    const double atFirst = std::sqrt(firstAcross.dot(firstAcross));
+    const double atLast = std::sqrt(lastAcross.dot(lastAcross));
+    const double bend = std::min(0.125 * std::max(atFirst, atLast), evenly * (atFirst + atLast));
+    const double excess = std::max(bend / (std::sqrt(square) * limits.tolerance),
+                                   square / (limits.step * limits.step));
+    return excess >= 0 ? excess : infinity;
 }
 
 double excessOf(SplineCurves& curves, const SplinePlace& from, const SplinePlace& to,

@@ -60,7 +60,16 @@ private:
     std::optional<SplinePlace> next(double corner) {
         const double rest = corner - m_here.parameter;
         SplinePlace place = m_here;
+        const double behind = m_here.parameter - m_spans.knot(m_here.span);
+        const double within = m_curves.isPlain() ? m_spans.width(m_here.span) - behind : 0;
         const auto tryStep = [&](double step) {
+            if (step <= within) {
+                const double excess =
+                    excessWithin(m_curves.span(m_here.span).motion, behind, step, m_limits);
+                if (std::isfinite(excess)) {
+                    return excess;
+                }
+            }
             place = placeAt(step == rest ? corner : m_here.parameter + step);
             return excessOf(m_curves, m_here, place, m_limits);
         };
