@@ -51,13 +51,18 @@ std::vector<LeftOut> listOf(const LeftOutTable& table, const Drawing& drawing,
 /// Adds up what is told of the contours as a whole.
 void summarize(DrawingPath& path) {
     if (!path.points.empty()) {
-        path.lowest = path.highest = path.points.front();
-    }
-    for (const cv::Point3_<double>& point : path.points) {
-        path.lowest = {std::min(path.lowest.x, point.x), std::min(path.lowest.y, point.y),
-                       std::min(path.lowest.z, point.z)};
-        path.highest = {std::max(path.highest.x, point.x), std::max(path.highest.y, point.y),
-                        std::max(path.highest.z, point.z)};
+        cv::Point3_<double> lowest = path.points.front();
+        cv::Point3_<double> highest = lowest;
+        for (const cv::Point3_<double>& point : path.points) {
+            lowest.x = std::min(lowest.x, point.x);
+            lowest.y = std::min(lowest.y, point.y);
+            lowest.z = std::min(lowest.z, point.z);
+            highest.x = std::max(highest.x, point.x);
+            highest.y = std::max(highest.y, point.y);
+            highest.z = std::max(highest.z, point.z);
+        }
+        path.lowest = lowest;
+        path.highest = highest;
     }
     const PathContour* before = nullptr;
     for (const PathContour& contour : path.contours) {

@@ -10,12 +10,20 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <optional>
 #include <string>
 #include <utility>
 
 namespace converters::drawing {
 
 namespace {
+
+/// How far a contour is followed.
+struct ContourState {
+    bool isInContour = false;
+    Point start;
+    Point last;
+};
 
 /// Follows contours; a sink gets what they are made of, in order:
 ///
@@ -31,17 +39,28 @@ public:
 
     void follow(const ChainLink& link);
 
+    ContourState& state() { return m_state; }
+
 private:
+    void begin(const Point& start);
     void follow(Curve&& curve);
     void bridge(const Point& to);
 
     const JoinedDrawing& m_joined;
     double m_tolerance;
     Sink& m_sink;
-    bool m_isInContour = false;
-    Point m_start;
-    Point m_last;
+    ContourState m_state;
 };
+
+template <typename Sink>
+void ContourWalk<Sink>::begin(const Point& start) {
+    if (!m_state.isInContour) {
+        m_state.start = start;
+        m_state.last = start;
+        m_state.isInContour = true;
+        m_sink.begin(start);
+    }
+}
 
 template <typename Sink>
 void ContourWalk<Sink>::follow(const ChainLink& link) {
@@ -49,23 +68,26 @@ void ContourWalk<Sink>::follow(const ChainLink& link) {
     const Entity& entity = m_joined.drawing.entities[drawn.entity];
     const Placement& placement = m_joined.expansion.placements[drawn.placement];
     const EntityCurves curves(m_joined.drawing, entity, placement.map);
-    if (!m_isInContour) {
-        m_start = link.reversed ? curves.end() : curves.start();
-        m_last = m_start;
-        m_isInContour = true;
-        m_sink.begin(m_start);
-    }
-    m_sink.entity(entity, placement);
     const std::size_t size = curves.size();
-    for (std::size_t i = 0; i < size; ++i) {
-        follow(link.reversed ? reversed(curves[size - 1 - i]) : curves[i]);
+    for (std::size_t i = 0; i < std::max<std::size_t>(size, 1); ++i) {
+        std::optional<Curve> curve;
+        if (size > 0) {
+            curve = link.reversed ? reversed(curves[size - 1 - i]) : curves[i];
+        }
+        if (i == 0) {
+            begin(curve ? startOf(*curve) : curves.start());
+            m_sink.entity(entity, placement);
+        }
+        if (curve) {
+            follow(std::move(*curve));
+        }
     }
     if (link.endsChain) {
         if (link.closesChain) {
-            bridge(m_start);
+            bridge(m_state.start);
         }
-        m_sink.end(link.closesChain, m_start);
-        m_isInContour = false;
+        m_sink.end(link.closesChain, m_state.start);
+        m_state.isInContour = false;
     }
 }
 
@@ -75,75 +97,31 @@ void ContourWalk<Sink>::follow(Curve&& curve) {
         return;
     }
     bridge(startOf(curve));
-    m_last = endOf(curve);
+    m_state.last = endOf(curve);
     m_sink.curve(std::move(curve));
 }
 
 /// Leads to where the next curve starts, if that is not here.
 template <typename Sink>
 void ContourWalk<Sink>::bridge(const Point& to) {
-    if (m_last != to && distance(m_last, to) > m_tolerance) {
-        m_sink.curve(Line{m_last, to});
+    if (m_state.last != to && distance(m_state.last, to) > m_tolerance) {
+        m_sink.curve(Line{m_state.last, to});
     }
-}
-
-/// The points of curves that have to be sampled to be counted, until they are written.
-class KeptPoints {
-public:
-    /// How many points a curve gives; keeps them where they are few.
-    std::size_t count(const Curve& curve, const SamplingLimits& limits);
-
-    /// Appends the points of the curve that was counted after the one before.
-    void append(const Curve& curve, const SamplingLimits& limits, std::vector<Point>& points);
-
-private:
-    /// More are sampled a second time: memory for each would be half of what the path takes.
-    static constexpr std::size_t most = 1 << 20;
-
-    std::vector<Point> m_points;
-    /// Of each curve that was kept; 0 for those that were not.
-    std::vector<std::uint32_t> m_numbers;
-    std::size_t m_nextNumber = 0;
-    std::size_t m_nextPoint = 0;
-};
-
-std::size_t KeptPoints::count(const Curve& curve, const SamplingLimits& limits) {
-    if (isCountedPlainly(curve)) {
-        return countPoints(curve, limits);
-    }
-    if (m_points.size() >= most) {
-        m_numbers.push_back(0);
-        return countPoints(curve, limits);
-    }
-    SamplingLimits few = limits;
-    few.maximumPoints = std::min(limits.maximumPoints, most);
-    const std::size_t before = m_points.size();
-    const bool isKept = appendPoints(curve, few, m_points);
-    m_numbers.push_back(static_cast<std::uint32_t>(m_points.size() - before));
-    return isKept ? m_numbers.back() : countPoints(curve, limits);
-}
-
-void KeptPoints::append(const Curve& curve, const SamplingLimits& limits,
-                        std::vector<Point>& points) {
-    const std::size_t number = isCountedPlainly(curve) ? 0 : m_numbers[m_nextNumber++];
-    if (number == 0) {
-        appendPoints(curve, limits, points);
-        return;
-    }
-    const auto first = m_points.begin() + static_cast<std::ptrdiff_t>(m_nextPoint);
-    m_nextPoint += number;
-    points.insert(points.end(), first, first + static_cast<std::ptrdiff_t>(number));
 }
 
 /// Counts what contours will take.
 class Counter {
 public:
-    Counter(const SamplingLimits& limits, KeptPoints& kept) : m_limits(limits), m_kept(kept) {}
+    /// @param path  what is written already
+    Counter(const SamplingLimits& limits, const DrawingPath& path)
+        : points(path.points.size()), contours(path.contours.size()), pieces(path.pieces.size()),
+          entities(path.entities.size()), arcs(path.arcs.size()),
+          ellipticArcs(path.ellipticArcs.size()), splines(path.splines.size()), m_limits(limits) {}
 
     void begin(const Point&) { addPoints(1); }
     void entity(const Entity&, const Placement&) { ++entities; }
     void curve(const Curve& curve) {
-        addPoints(m_kept.count(curve, m_limits));
+        addPoints(countPoints(curve, m_limits));
         ++pieces;
         ++m_piecesOfContour;
         if (const auto* const arc = std::get_if<EllipticArc>(&curve)) {
@@ -158,13 +136,23 @@ public:
         m_piecesOfContour = 0;
     }
 
-    std::uint64_t points = 0;
-    std::size_t contours = 0;
-    std::size_t pieces = 0;
-    std::size_t entities = 0;
-    std::size_t arcs = 0;
-    std::size_t ellipticArcs = 0;
-    std::size_t splines = 0;
+    void reserveIn(DrawingPath& path) const {
+        base::reserveLarge(path.points, points);
+        base::reserveLarge(path.contours, contours);
+        base::reserveLarge(path.pieces, pieces);
+        base::reserveLarge(path.entities, entities);
+        base::reserveLarge(path.arcs, arcs);
+        base::reserveLarge(path.ellipticArcs, ellipticArcs);
+        base::reserveLarge(path.splines, splines);
+    }
+
+    std::uint64_t points;
+    std::size_t contours;
+    std::size_t pieces;
+    std::size_t entities;
+    std::size_t arcs;
+    std::size_t ellipticArcs;
+    std::size_t splines;
 
 private:
     void addPoints(std::size_t number) {
@@ -175,7 +163,6 @@ private:
     }
 
     const SamplingLimits& m_limits;
-    KeptPoints& m_kept;
     std::size_t m_piecesOfContour = 0;
 };
 
@@ -200,35 +187,87 @@ PathEntityKind pathKindOf(EntityKind kind) {
     }
 }
 
-/// Writes contours into a path that has room for them.
+/// Writes contours into a path.
 class Writer {
 public:
-    /// @param kept  what counting the same contours kept
-    Writer(const LayerTable& layers, const SamplingLimits& limits, KeptPoints& kept,
+    /// @param mostPoints  how many points there is room for
+    Writer(const LayerTable& layers, const SamplingLimits& limits, std::size_t mostPoints,
            DrawingPath& path)
-        : m_layers(layers), m_limits(limits), m_kept(kept), m_path(path) {}
+        : m_layers(layers), m_limits(limits), m_path(path) {
+        m_limits.maximumPoints = mostPoints;
+    }
 
     void begin(const Point& start);
     void entity(const Entity& entity, const Placement& placement);
     void curve(Curve&& curve);
     void end(bool closed, const Point& start);
 
+    /// Whether there was no room for a curve. What came since is to be taken back.
+    bool isFull() const { return m_isFull; }
+
+    /// What was written before.
+    class Mark {
+    public:
+        explicit Mark(const Writer& writer);
+        void takeBack(Writer& writer) const;
+
+    private:
+        std::size_t m_points;
+        std::size_t m_contours;
+        std::size_t m_pieces;
+        std::size_t m_entities;
+        std::size_t m_arcs;
+        std::size_t m_ellipticArcs;
+        std::size_t m_splines;
+        PathContour m_contour;
+    };
+
+    /// There is room for so many points now.
+    void goOn(std::size_t mostPoints) {
+        m_limits.maximumPoints = mostPoints;
+        m_isFull = false;
+    }
+
 private:
     std::uint32_t keep(Curve&& curve, PathCurveKind& kind);
 
+    bool append(const Curve& curve);
+
     const LayerTable& m_layers;
-    const SamplingLimits& m_limits;
-    KeptPoints& m_kept;
+    /// For all points together.
+    SamplingLimits m_limits;
     DrawingPath& m_path;
     PathContour m_contour{};
+    bool m_isFull = false;
 };
+
+Writer::Mark::Mark(const Writer& writer)
+    : m_points(writer.m_path.points.size()), m_contours(writer.m_path.contours.size()),
+      m_pieces(writer.m_path.pieces.size()), m_entities(writer.m_path.entities.size()),
+      m_arcs(writer.m_path.arcs.size()), m_ellipticArcs(writer.m_path.ellipticArcs.size()),
+      m_splines(writer.m_path.splines.size()), m_contour(writer.m_contour) {}
+
+void Writer::Mark::takeBack(Writer& writer) const {
+    DrawingPath& path = writer.m_path;
+    path.points.resize(m_points);
+    path.contours.resize(m_contours);
+    path.pieces.resize(m_pieces);
+    path.entities.resize(m_entities);
+    path.arcs.resize(m_arcs);
+    path.ellipticArcs.resize(m_ellipticArcs);
+    path.splines.resize(m_splines);
+    writer.m_contour = m_contour;
+}
 
 void Writer::begin(const Point& start) {
     m_contour = {};
     m_contour.firstPoint = m_path.points.size();
     m_contour.firstPiece = m_path.pieces.size();
     m_contour.firstEntity = m_path.entities.size();
-    m_path.points.push_back(start);
+    m_isFull = m_isFull || m_path.points.size() >= m_limits.maximumPoints;
+    if (!m_isFull) {
+        m_path.points.push_back(start);
+    }
 }
 
 void Writer::entity(const Entity& entity, const Placement& placement) {
@@ -265,16 +304,26 @@ std::uint32_t Writer::keep(Curve&& curve, PathCurveKind& kind) {
     return 0;
 }
 
+/// @return false where there is no room
+bool Writer::append(const Curve& curve) {
+    if (m_path.points.size() >= m_limits.maximumPoints) {
+        return false;
+    }
+    if (const auto* const line = std::get_if<Line>(&curve);
+        line != nullptr && std::isinf(m_limits.step)) {
+        m_path.points.push_back(line->end);
+        return true;
+    }
+    SamplingLimits limits = m_limits;
+    limits.maximumPoints -= m_path.points.size();
+    return appendPoints(curve, limits, m_path.points);
+}
+
 void Writer::curve(Curve&& curve) {
     PathPiece piece{};
     piece.firstPoint = m_path.points.size() - 1;
     m_contour.length += lengthOf(curve);
-    if (const auto* const line = std::get_if<Line>(&curve);
-        line != nullptr && std::isinf(m_limits.step)) {
-        m_path.points.push_back(line->end);
-    } else {
-        m_kept.append(curve, m_limits, m_path.points);
-    }
+    m_isFull = m_isFull || !append(curve);
     piece.lastPoint = m_path.points.size() - 1;
     piece.entity = static_cast<std::uint32_t>(m_path.entities.size() - 1);
     piece.curve = keep(std::move(curve), piece.kind);
@@ -296,36 +345,61 @@ void Writer::end(bool closed, const Point& start) {
     m_path.contours.push_back(m_contour);
 }
 
-template <typename Sink>
-void followAll(const JoinedDrawing& joined, double tolerance, Sink& sink,
-               const Progress& progress) {
+/// Calls follow(link) from a link on until it returns false.
+/// @return the link that it did so for, or the number of links
+template <typename Follow>
+std::size_t followLinks(const std::vector<ChainLink>& links, std::size_t from,
+                        const Progress& progress, const Follow& follow) {
     constexpr std::size_t linksPerReport = 1 << 12;
-    ContourWalk<Sink> walk(joined, tolerance, sink);
-    for (std::size_t i = 0; i < joined.links.size(); ++i) {
-        walk.follow(joined.links[i]);
+    for (std::size_t i = from; i < links.size(); ++i) {
+        if (!follow(links[i])) {
+            return i;
+        }
         if (i % linksPerReport == linksPerReport - 1) {
-            progress.report(static_cast<double>(i) / static_cast<double>(joined.links.size()));
+            progress.report(static_cast<double>(i) / static_cast<double>(links.size()));
         }
     }
+    return links.size();
 }
 
 } // namespace
 
+// Up to some number of points, what is written needs no counting first.
 void writeContours(const JoinedDrawing& joined, const PathSettings& settings, DrawingPath& path,
                    const Progress& progress) {
-    KeptPoints kept;
-    Counter counter(settings.limits, kept);
+    constexpr std::size_t freely = 1 << 20;
     constexpr double endOfCounting = 0.4;
-    followAll(joined, settings.limits.tolerance, counter, progress.part(0, endOfCounting));
-    base::reserveLarge(path.points, counter.points);
-    base::reserveLarge(path.contours, counter.contours);
-    base::reserveLarge(path.pieces, counter.pieces);
-    base::reserveLarge(path.entities, counter.entities);
-    base::reserveLarge(path.arcs, counter.arcs);
-    base::reserveLarge(path.ellipticArcs, counter.ellipticArcs);
-    base::reserveLarge(path.splines, counter.splines);
-    Writer writer(joined.layers, settings.limits, kept, path);
-    followAll(joined, settings.limits.tolerance, writer, progress.part(endOfCounting, 1));
+    const SamplingLimits& limits = settings.limits;
+    const std::vector<ChainLink>& links = joined.links;
+    Writer writer(joined.layers, limits, std::min(limits.maximumPoints, freely), path);
+    ContourWalk<Writer> walk(joined, limits.tolerance, writer);
+    const Progress first = progress.part(0, endOfCounting);
+    const std::size_t written = followLinks(links, 0, first, [&](const ChainLink& link) {
+        const Writer::Mark mark(writer);
+        const ContourState state = walk.state();
+        walk.follow(link);
+        if (writer.isFull()) {
+            mark.takeBack(writer);
+            walk.state() = state;
+        }
+        return !writer.isFull();
+    });
+    if (written == links.size()) {
+        return;
+    }
+    Counter counter(limits, path);
+    ContourWalk<Counter> counting(joined, limits.tolerance, counter);
+    counting.state() = walk.state();
+    followLinks(links, written, first, [&](const ChainLink& link) {
+        counting.follow(link);
+        return true;
+    });
+    counter.reserveIn(path);
+    writer.goOn(limits.maximumPoints);
+    followLinks(links, written, progress.part(endOfCounting, 1), [&](const ChainLink& link) {
+        walk.follow(link);
+        return true;
+    });
 }
 
 } // namespace converters::drawing

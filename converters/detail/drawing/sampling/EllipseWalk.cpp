@@ -24,26 +24,51 @@ namespace {
 
 /// Parameters nearer than this are one.
 constexpr double nearby = 1e-12;
+constexpr double flat = 0.5;
+
+/// A direction, by its angle's cosine and sine.
+struct Turn {
+    double cosine;
+    double sine;
+
+    static Turn by(double angle) { return {std::cos(angle), std::sin(angle)}; }
+
+    /// By at most 0.5, to 1e-12.
+    static Turn slightly(double angle) {
+        const double square = angle * angle;
+        return {
+            1 - square / 2 *
+                    (1 - square / 12 * (1 - square / 30 * (1 - square / 56 * (1 - square / 90)))),
+            angle * (1 - square / 6 *
+                             (1 - square / 20 *
+                                      (1 - square / 42 * (1 - square / 72 * (1 - square / 110)))))};
+    }
+
+    Turn operator+(const Turn& other) const {
+        return {cosine * other.cosine - sine * other.sine,
+                sine * other.cosine + cosine * other.sine};
+    }
+};
 
 struct Ellipse {
     double major;
     double minor;
 
-    double speedAt(double parameter) const {
-        const double sine = major * std::sin(parameter);
-        const double cosine = minor * std::cos(parameter);
+    double speedAt(const Turn& turn) const {
+        const double sine = major * turn.sine;
+        const double cosine = minor * turn.cosine;
         return std::sqrt(sine * sine + cosine * cosine);
     }
 
-    /// What a step from `parameter` takes of the limits; of short steps, a hundredth too much.
-    double excessOf(double parameter, double step, const SamplingLimits& limits) const {
+    /// What a step from `here` takes of the limits; of a short one, a hundredth too much at most.
+    double excessOf(const Turn& here, double step, const SamplingLimits& limits) const {
         constexpr double shortStep = 0.5;
         const bool isShort = step < shortStep;
-        const double speed = speedAt(parameter + 0.5 * step);
-        const double quarter = isShort ? 0.25 * step : std::sin(0.25 * step);
+        const double half = 0.5 * step;
+        const double speed = speedAt(here + (isShort ? Turn::slightly(half) : Turn::by(half)));
+        const double quarter = isShort ? 0.5 * half : std::sin(0.5 * half);
         const double distance = minor > 0 ? 2 * quarter * quarter * major * (minor / speed) : 0;
-        const double half = isShort ? 0.5 * step : std::sin(0.5 * step);
-        const double chord = 2 * half * speed / limits.step;
+        const double chord = 2 * (isShort ? half : std::sin(half)) * speed / limits.step;
         return std::max(distance / limits.tolerance, chord * chord);
     }
 
@@ -76,20 +101,26 @@ bool walkEllipse(const EllipticArc& arc, const SamplingLimits& limits, PointSink
     const double from = sign * (arc.from - axes.phase);
     const double end = from + sweep;
     double parameter = from;
+    Turn here = Turn::by(from);
     double guess = pi / 2;
     while (parameter < end - nearby) {
         const double stop = nextStop(parameter, end);
         const double most = std::min(stop - parameter, pi / 2);
-        const auto excess = [&](double step) { return ellipse.excessOf(parameter, step, limits); };
+        const auto excess = [&](double step) { return ellipse.excessOf(here, step, limits); };
         const Step step = longestStep(guess, most, nearby, excess);
         if (!(step.length > 0)) {
             return false;
         }
         guess = step.next;
         parameter = step.length == stop - parameter ? stop : parameter + step.length;
-        const bool last = !(parameter < end - nearby);
+        here = Turn::by(parameter);
+        const bool isLast = !(parameter < end - nearby);
         if (!sink.take([&] {
-                return last ? arc.end : pointBehindStart(arc, sign * (parameter - from));
+                // Angles from the start are exact for flat arcs.
+                return isLast         ? arc.end
+                       : sweep < flat ? pointBehindStart(arc, sign * (parameter - from))
+                                      : arc.centre + here.cosine * axes.major +
+                                            (sign * here.sine) * axes.minor;
             })) {
             return false;
         }

@@ -55,6 +55,9 @@ bool walkEvenly(std::size_t chords, const Point& end, const PointBetween& pointB
 /// Each eighth direction is taken from its angle, the others are the one before turned on: a few
 /// roundings more for a third of the time.
 bool walkRound(const EllipticArc& arc, std::size_t chords, PointSink& sink) {
+    if (chords == tooManyPoints) {
+        return false;
+    }
     constexpr std::size_t turnsInARow = 8;
     const double turn = arc.sweep / static_cast<double>(chords);
     const double turnCosine = std::cos(turn);
@@ -106,17 +109,13 @@ bool walk(const Curve& curve, const SamplingLimits& limits, PointSink& sink) {
 
 } // namespace
 
-bool isCountedPlainly(const Curve& curve) {
-    const EllipticArc* const arc = std::get_if<EllipticArc>(&curve);
-    return arc != nullptr ? isCircular(*arc) : std::holds_alternative<Line>(curve);
-}
-
 std::size_t countPoints(const Curve& curve, const SamplingLimits& limits) {
     if (const Line* const line = std::get_if<Line>(&curve)) {
         return countChords(*line, limits);
     }
-    if (isCountedPlainly(curve)) {
-        return isFinite(curve) ? countChords(std::get<EllipticArc>(curve), limits) : tooManyPoints;
+    const EllipticArc* const arc = std::get_if<EllipticArc>(&curve);
+    if (arc != nullptr && isCircular(*arc)) {
+        return isFinite(curve) ? countChords(*arc, limits) : tooManyPoints;
     }
     PointSink sink(limits.maximumPoints, nullptr);
     return walk(curve, limits, sink) ? sink.number() : tooManyPoints;

@@ -33,12 +33,10 @@ struct SamplingLimits {
 /// What countPoints() says of a curve that needs more than the maximum.
 constexpr std::size_t tooManyPoints = std::numeric_limits<std::size_t>::max();
 
-/// Whether countPoints() costs no more than a formula: for lines and circular arcs.
-bool isCountedPlainly(const Curve& curve);
-
 /// How many points appendPoints() appends: at least one.
 ///
-/// Ellipses and splines cost about what sampling them costs, and never more than the maximum and
+/// Lines and circular arcs cost no more than a formula; ellipses and splines nearly what sampling
+/// them costs, and never more than the maximum and
 /// the size of the spline account for.
 ///
 /// @return tooManyPoints for more than limits.maximumPoints, and for a curve that is not finite

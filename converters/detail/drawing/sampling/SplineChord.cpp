@@ -190,18 +190,13 @@ double leastWeightBetween(SplineCurves& curves, const SplinePlace& from, const S
 
 } // namespace
 
-const SplineCurves::Span& SplineCurves::span(std::size_t index) {
-    Span& kept = m_kept[index % m_kept.size()];
-    // No span has the index 0, which empty places have: the first is that of the degree.
-    if (kept.index != index) {
-        kept.curve = m_spans.curveOf(index);
-        differentiateTwice(kept.curve, m_spans.width(index), kept.second);
-        if (m_isPlain) {
-            kept.motion = motionOf(kept.curve, m_spans.width(index));
-        }
-        kept.index = index;
+void SplineCurves::keep(std::size_t index, Span& span) const {
+    span.curve = m_spans.curveOf(index);
+    differentiateTwice(span.curve, m_spans.width(index), span.second);
+    if (m_isPlain) {
+        span.motion = motionOf(span.curve, m_spans.width(index));
     }
-    return kept;
+    span.index = index;
 }
 
 SplinePlace placeOn(SplineCurves& curves, double parameter, std::size_t span) {
@@ -238,8 +233,51 @@ double excessWithin(const Motion& motion, double from, double step, const Sampli
     return excess >= 0 ? excess : infinity;
 }
 
+/// The same as for any spline, where no weights are to be asked for.
+double plainExcessOf(SplineCurves& curves, const SplinePlace& from, const SplinePlace& to,
+                     const SamplingLimits& limits) {
+    const SplineSpans& spans = curves.spans();
+    const Chord chord = chordBetween(from.point, to.point);
+    const double step = to.parameter - from.parameter;
+    Bulge across;
+    double along = 0;
+    for (std::size_t span = from.span; span <= to.span; ++span) {
+        const double knot = spans.knot(span);
+        const double low = std::max(from.parameter, knot);
+        const double high = std::min(to.parameter, spans.knot(span + 1));
+        if (!(low < high)) {
+            continue;
+        }
+        const Motion& motion = curves.span(span).motion;
+        double mostAcross = 0;
+        for (const double end : {low, high}) {
+            const Vector change = motion.acceleration + (end - knot) * motion.jerk;
+            const double part = change.dot(chord.direction);
+            const Vector rest = change - part * chord.direction;
+            mostAcross = std::max(mostAcross, rest.dot(rest));
+            along = std::max(along, std::fabs(part));
+        }
+        // The integral of (t - a) (b - t) / h over the part.
+        const auto share = [step](double t) { return t * t * (0.5 - t / (3 * step)); };
+        across.take(std::sqrt(mostAcross),
+                    share(high - from.parameter) - share(low - from.parameter));
+    }
+    // What is along the chord grows all the time when it changes by less than its mean.
+    if (!(step * step * along <= chord.length)) {
+        return infinity;
+    }
+    const double part = chord.length / limits.step;
+    return std::max(across.over(step) / limits.tolerance, part * part);
+}
+
 double excessOf(SplineCurves& curves, const SplinePlace& from, const SplinePlace& to,
                 const SamplingLimits& limits) {
+    if (curves.isPlain()) {
+        const double excess = plainExcessOf(curves, from, to, limits);
+        if (std::isfinite(excess)) {
+            return excess;
+        }
+    }
     Chord chord = chordBetween(from.point, to.point);
     const double step = to.parameter - from.parameter;
     // The integral of (t - a) (b - t) / h from a to a + t.

@@ -36,9 +36,18 @@ public:
     bool isPlain() const { return m_isPlain; }
 
     /// The span with this index, which is not empty. Valid until the next but seven.
-    const Span& span(std::size_t index);
+    const Span& span(std::size_t index) {
+        Span& kept = m_kept[index % m_kept.size()];
+        // No span has the index 0, which empty places have: the first is that of the degree.
+        if (kept.index != index) {
+            keep(index, kept);
+        }
+        return kept;
+    }
 
 private:
+    void keep(std::size_t index, Span& span) const;
+
     const SplineSpans& m_spans;
     const bool m_isPlain;
     std::array<Span, 8> m_kept;
