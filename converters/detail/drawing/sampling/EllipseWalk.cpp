@@ -33,15 +33,14 @@ struct Turn {
 
     static Turn by(double angle) { return {std::cos(angle), std::sin(angle)}; }
 
-    /// By at most 0.5, to 1e-12.
+    /// By at most 0.25, to 1e-12.
     static Turn slightly(double angle) {
         const double square = angle * angle;
-        return {
-            1 - square / 2 *
-                    (1 - square / 12 * (1 - square / 30 * (1 - square / 56 * (1 - square / 90)))),
-            angle * (1 - square / 6 *
-                             (1 - square / 20 *
-                                      (1 - square / 42 * (1 - square / 72 * (1 - square / 110)))))};
+        return {1 + square * (-1. / 2 +
+                              square * (1. / 24 + square * (-1. / 720 + square * (1. / 40320)))),
+                angle * (1 + square * (-1. / 6 +
+                                       square * (1. / 120 +
+                                                 square * (-1. / 5040 + square * (1. / 362880)))))};
     }
 
     Turn operator+(const Turn& other) const {
