@@ -203,12 +203,14 @@ int main(int argc, char** argv) {
     const std::string made = "/dev/shm/converters-" + std::to_string(getpid()) + ".dxf";
     std::printf("[");
     for (std::size_t entities = 1000; entities <= most; entities *= 10) {
-        for (const bool withBlocks : {false, true}) {
-            std::ofstream(made, std::ios::binary) << pathDrawing(entities, withBlocks);
-            measure(rounds,
-                    std::to_string(entities) + (withBlocks ? " entities in blocks" : " entities"),
-                    made, argv[3], !withBlocks);
-        }
+        const auto measureMade = [&](PathDrawingKind kind, const char* name) {
+            std::ofstream(made, std::ios::binary) << pathDrawing(entities, kind);
+            measure(rounds, std::to_string(entities) + name, made, argv[3],
+                    kind == PathDrawingKind::walkable);
+        };
+        measureMade(PathDrawingKind::plain, " entities");
+        measureMade(PathDrawingKind::inBlocks, " entities in blocks");
+        measureMade(PathDrawingKind::walkable, " entities, walkable");
     }
     std::remove(made.c_str());
     for (int i = 4; i < argc; ++i) {

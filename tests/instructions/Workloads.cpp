@@ -184,8 +184,8 @@ void countPath(const char* name, const std::string& drawing, converters::PathOrd
 
 void countPaths() {
     constexpr std::size_t entities = 2000;
-    const std::string plain = pathDrawing(entities, false);
-    const std::string blocks = pathDrawing(entities, true);
+    const std::string plain = pathDrawing(entities, PathDrawingKind::plain);
+    const std::string blocks = pathDrawing(entities, PathDrawingKind::inBlocks);
     countPath("readPath", plain, converters::PathOrder::drawn);
     countPath("readPath-blocks", blocks, converters::PathOrder::drawn);
     countPath("readPath-nearest", plain, converters::PathOrder::nearest);

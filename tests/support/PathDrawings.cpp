@@ -36,13 +36,13 @@ private:
     std::size_t m_handle = 255;
 };
 
-void addPolyline(Groups& groups, double x, double y) {
+void addPolyline(Groups& groups, double x, double y, bool isBulged) {
     groups.start("LWPOLYLINE", "AcDbPolyline");
     groups.integer(90, 6);
-    groups.integer(70, 1);
+    groups.integer(70, isBulged ? 1 : 0);
     for (int i = 0; i < 6; ++i) {
         groups.flatPoint(x + 3 * (i % 3), y + (i < 3 ? 0 : 4));
-        if (i % 3 == 2) {
+        if (isBulged && i % 3 == 2) {
             groups.real(42, 0.414213562373);
         }
     }
@@ -65,7 +65,13 @@ void addSpline(Groups& groups, double x, double y) {
     }
 }
 
-void addEntity(Groups& groups, std::size_t number, double x, double y) {
+void addLine(Groups& groups, double x, double y) {
+    groups.start("LINE", "AcDbLine");
+    groups.point(10, x, y);
+    groups.point(11, x + 7.5, y + 1.25);
+}
+
+void addEntity(Groups& groups, std::size_t number, double x, double y, bool isWalkable) {
     switch (number % 10) {
     case 0:
         groups.start("CIRCLE", "AcDbCircle");
@@ -81,10 +87,13 @@ void addEntity(Groups& groups, std::size_t number, double x, double y) {
         return groups.real(51, static_cast<double>((number + 100) % 360));
     case 3:
     case 4:
-        return addPolyline(groups, x, y);
+        return addPolyline(groups, x, y, !isWalkable);
     case 5:
         return addSpline(groups, x, y);
     case 6:
+        if (isWalkable) {
+            return addLine(groups, x, y);
+        }
         groups.start("ELLIPSE", "AcDbEllipse");
         groups.point(10, x, y);
         groups.point(11, pathDrawingRadius, 0.5);
@@ -92,9 +101,7 @@ void addEntity(Groups& groups, std::size_t number, double x, double y) {
         groups.real(41, 0);
         return groups.real(42, 6.28318530717959);
     default:
-        groups.start("LINE", "AcDbLine");
-        groups.point(10, x, y);
-        groups.point(11, x + 7.5, y + 1.25);
+        addLine(groups, x, y);
     }
 }
 
@@ -115,7 +122,7 @@ void addBlocks(Groups& groups) {
         groups.add("  0\nBLOCK\n  8\n0\n100\nAcDbBlockBegin\n  2\nblock%zu\n 70\n     0\n", block);
         groups.point(10, 0, 0);
         for (std::size_t i = 0; i < blockSize; ++i) {
-            addEntity(groups, i, static_cast<double>(i), static_cast<double>(block));
+            addEntity(groups, i, static_cast<double>(i), static_cast<double>(block), false);
         }
         groups.words("  0\nENDBLK\n  8\n0\n100\nAcDbBlockEnd\n");
     }
@@ -133,7 +140,8 @@ void addInsert(Groups& groups, std::size_t number) {
 
 } // namespace
 
-std::string pathDrawing(std::size_t entities, bool withBlocks) {
+std::string pathDrawing(std::size_t entities, PathDrawingKind kind) {
+    const bool withBlocks = kind == PathDrawingKind::inBlocks;
     Groups groups;
     groups.words(
         "  0\nSECTION\n  2\nHEADER\n  9\n$ACADVER\n  1\nAC1015\n  9\n$INSUNITS\n 70\n     4\n"
@@ -150,7 +158,7 @@ std::string pathDrawing(std::size_t entities, bool withBlocks) {
         if (withBlocks) {
             addInsert(groups, i);
         } else {
-            addEntity(groups, i, columnOf(i), rowOf(i));
+            addEntity(groups, i, columnOf(i), rowOf(i), kind == PathDrawingKind::walkable);
         }
     }
     groups.words("  0\nENDSEC\n  0\nEOF\n");

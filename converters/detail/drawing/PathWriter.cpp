@@ -362,16 +362,29 @@ std::size_t followLinks(const std::vector<ChainLink>& links, std::size_t from,
     return links.size();
 }
 
+/// Room for what so many entities mostly become: memory that is not touched costs nothing, moving
+/// what has grown does.
+void reserveFor(std::size_t entities, const SamplingLimits& limits, std::size_t mostPoints,
+                DrawingPath& path) {
+    const std::size_t pointsOfOne = std::isinf(limits.step) ? 64 : 192;
+    constexpr std::size_t piecesOfOne = 4;
+    base::reserveLarge(path.points, std::min(entities * pointsOfOne, mostPoints));
+    base::reserveLarge(path.pieces, std::min(entities * piecesOfOne, mostPoints));
+    base::reserveLarge(path.entities, std::min(entities, mostPoints));
+}
+
 } // namespace
 
 // Up to some number of points, what is written needs no counting first.
 void writeContours(const JoinedDrawing& joined, const PathSettings& settings, DrawingPath& path,
                    const Progress& progress) {
-    constexpr std::size_t freely = 1 << 20;
+    constexpr std::size_t freely = 1 << 21;
     constexpr double endOfCounting = 0.4;
     const SamplingLimits& limits = settings.limits;
     const std::vector<ChainLink>& links = joined.links;
-    Writer writer(joined.layers, limits, std::min(limits.maximumPoints, freely), path);
+    const std::size_t room = std::min(limits.maximumPoints, freely);
+    reserveFor(links.size(), limits, room, path);
+    Writer writer(joined.layers, limits, room, path);
     ContourWalk<Writer> walk(joined, limits.tolerance, writer);
     const Progress first = progress.part(0, endOfCounting);
     const std::size_t written = followLinks(links, 0, first, [&](const ChainLink& link) {

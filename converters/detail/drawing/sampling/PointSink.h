@@ -30,6 +30,26 @@ public:
         return true;
     }
 
+    /// Takes so many points: those of pointOf(1), pointOf(2), ...
+    ///
+    /// @return false, and takes none, where they are too many
+    template <typename PointOf>
+    bool takeAll(std::size_t number, const PointOf& pointOf) {
+        if (number > m_maximum - m_number) {
+            return false;
+        }
+        m_number += number;
+        if (m_points != nullptr) {
+            const std::size_t first = m_points->size();
+            m_points->resize(first + number);
+            Point* const points = m_points->data() + first;
+            for (std::size_t i = 0; i < number; ++i) {
+                points[i] = pointOf(i + 1);
+            }
+        }
+        return true;
+    }
+
     std::size_t number() const { return m_number; }
 
 private:

@@ -45,11 +45,10 @@ bool walkEvenly(std::size_t chords, const Point& end, const PointBetween& pointB
     if (chords == tooManyPoints) {
         return false;
     }
-    for (std::size_t i = 1; i < chords; ++i) {
-        sink.take(
-            [&] { return pointBetween(static_cast<double>(i) / static_cast<double>(chords)); });
-    }
-    return sink.take([&] { return end; });
+    const double whole = static_cast<double>(chords);
+    return sink.takeAll(chords - 1, [&](std::size_t i) {
+        return pointBetween(static_cast<double>(i) / whole);
+    }) && sink.take([&] { return end; });
 }
 
 /// Each eighth direction is taken from its angle, the others are the one before turned on: a few
@@ -64,7 +63,8 @@ bool walkRound(const EllipticArc& arc, std::size_t chords, PointSink& sink) {
     const double turnSine = std::sin(turn);
     double cosine = 1;
     double sine = 0;
-    for (std::size_t i = 1; i < chords; ++i) {
+    const auto pointOf = [&, centre = arc.centre, first = arc.first,
+                          second = arc.second](std::size_t i) {
         if (i % turnsInARow == 1) {
             const double angle = arc.from + static_cast<double>(i) * turn;
             cosine = std::cos(angle);
@@ -74,9 +74,9 @@ bool walkRound(const EllipticArc& arc, std::size_t chords, PointSink& sink) {
             cosine = before * turnCosine - sine * turnSine;
             sine = sine * turnCosine + before * turnSine;
         }
-        sink.take([&] { return arc.centre + cosine * arc.first + sine * arc.second; });
-    }
-    return sink.take([&] { return arc.end; });
+        return centre + cosine * first + sine * second;
+    };
+    return sink.takeAll(chords - 1, pointOf) && sink.take([&] { return arc.end; });
 }
 
 bool walkCircle(const EllipticArc& arc, std::size_t chords, PointSink& sink) {
@@ -93,9 +93,9 @@ bool walkCircle(const EllipticArc& arc, std::size_t chords, PointSink& sink) {
 /// Gives the sink all points behind the start; false where there are too many.
 bool walk(const Curve& curve, const SamplingLimits& limits, PointSink& sink) {
     if (const Line* const line = std::get_if<Line>(&curve)) {
-        return walkEvenly(
-            countChords(*line, limits), line->end,
-            [&](double part) { return line->start + part * (line->end - line->start); }, sink);
+        const auto pointBetween = [start = line->start, way = line->end - line->start](
+                                      double part) { return start + part * way; };
+        return walkEvenly(countChords(*line, limits), line->end, pointBetween, sink);
     }
     if (!isFinite(curve)) {
         return false;
