@@ -224,4 +224,38 @@ TEST(ReadPathOptions, TellLengthsWaysAndBounds) {
     EXPECT_EQ(path.highest, cv::Point3d(3, 4, 2));
 }
 
+// What is more than a few million points is counted first, and written from where room ended.
+TEST(ReadPathOptions, GiveMillionsOfPointsAsEachEntityAloneDoes) {
+    const std::string entities[] = {
+        "0 LINE  10 0  20 0  11 5  21 0",
+        "0 LWPOLYLINE  90 3  70 0  10 5  20 0  42 1  10 6  20 9  42 0.5  10 0  20 9",
+        "0 CIRCLE  10 50  20 0  40 3",
+        "0 ELLIPSE  10 90  20 0  11 3  21 0  40 0.5  41 0  42 6.283185307179586",
+        "0 SPLINE  71 3  70 8  72 8  73 4  40 0  40 0  40 0  40 0  40 1  40 1  40 1  40 1"
+        "  10 100  20 0  10 101  20 5  10 102  20 5  10 103  20 0",
+        "0 ARC  10 200  20 0  40 3  50 0  51 180"};
+    PathOptions options;
+    options.tolerance = 8e-12;
+    std::string all;
+    std::vector<cv::Point3_<double>> expected;
+    for (const std::string& entity : entities) {
+        all += entity + "  ";
+        const DrawingPath path = pathOf(drawingOf(entity), options);
+        // The polyline goes on where the line ends.
+        const bool isJoined = expected.size() == 2;
+        expected.insert(expected.end(), path.points.begin() + (isJoined ? 1 : 0),
+                        path.points.end());
+    }
+    const DrawingPath path = pathOf(drawingOf(all), options);
+    EXPECT_GT(path.points.size(), 2'200'000U);
+    EXPECT_TRUE(path.points == expected);
+    EXPECT_EQ(path.contours.size(), 5U);
+    EXPECT_EQ(faultOf(path), "");
+
+    options.maximumPoints = path.points.size();
+    EXPECT_TRUE(pathOf(drawingOf(all), options).points == expected);
+    --options.maximumPoints;
+    EXPECT_NE(refusalOf(drawingOf(all), options), "");
+}
+
 } // namespace
