@@ -26,8 +26,8 @@ if(TARGET cloudconv)
     COMPONENT cloudconv)
 endif()
 
-# Every header is public, except what lives in a folder detail/, and dxfeditor/text/, which is for
-# the programs of this tree.
+# Every header is public, except what lives in a folder detail/, and converters/check/ and
+# dxfeditor/text/, which are for the programs of this tree.
 foreach(folder IN ITEMS converters dxfeditor universal_log_interface)
   install(
     DIRECTORY ${PROJECT_SOURCE_DIR}/${folder}
@@ -35,6 +35,7 @@ foreach(folder IN ITEMS converters dxfeditor universal_log_interface)
     COMPONENT development
     FILES_MATCHING
     PATTERN "*.h"
+    PATTERN check EXCLUDE
     PATTERN detail EXCLUDE
     PATTERN text EXCLUDE)
 endforeach()

@@ -28,6 +28,7 @@ error.
 
 from converters._native import __version__
 from converters._sources import ReadError
+from converters.check import Finding
 from converters.cloud import Cloud, ScanElement, ScanProperty, ScanReport, read_scan
 from converters.drawing import (
     Arc,
@@ -55,6 +56,7 @@ __all__ = [
     "Drawing",
     "DrawingPath",
     "Entity",
+    "Finding",
     "Layer",
     "LeftOut",
     "Line",

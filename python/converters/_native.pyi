@@ -58,6 +58,23 @@ def read_path(
     progress: Optional[Callable[[float], Any]],
 ) -> tuple[Optional[tuple[str, int]], PathModel]: ...
 
+def check_path(
+    data: ReadableBuffer,
+    options: dict[str, Any],
+    distance: float,
+    progress: Optional[Callable[[float], Any]],
+) -> tuple[
+    Optional[tuple[str, int]],
+    list[
+        tuple[
+            str,
+            str,
+            tuple[tuple[float, float, float], ...],
+            list[tuple[str, int, int, str]],
+        ]
+    ],
+]: ...
+
 class PathModel:
     def points(self) -> npt.NDArray[np.float64]: ...
     def contours(

@@ -12,7 +12,8 @@ import numpy.typing as npt
 from converters import _native
 from converters._buffers import ReadableBuffer, contiguous
 from converters._sources import Progress, Source, bytes_of
-from converters.path import DrawingPath, LeftOut, path_of
+from converters.check import Finding, findings_of
+from converters.path import DrawingPath, LeftOut, path_of, path_options
 
 if TYPE_CHECKING:
     from matplotlib.axes import Axes
@@ -285,8 +286,7 @@ class Drawing:
         :param progress: called with the part that is done, 0 to 1, or a bar as of tqdm
         :raises converters.ReadError: with the reason
         """
-        return path_of(
-            self._data,
+        options = path_options(
             tolerance=tolerance,
             step=step,
             join=join,
@@ -299,8 +299,51 @@ class Drawing:
             axes=axes,
             order=order,
             maximum_points=maximum_points,
-            progress=progress,
         )
+        return path_of(self._data, options, progress)
+
+    def check(
+        self,
+        *,
+        distance: float = 0.1,
+        tolerance: Optional[float] = None,
+        join: Optional[float] = None,
+        unit: Optional[str] = None,
+        scale: float = 1.0,
+        layers: Union[None, str, Sequence[str]] = None,
+        except_layers: Union[None, str, Sequence[str]] = None,
+        hidden: bool = False,
+        paper_space: bool = False,
+        progress: Optional[Progress] = None,
+    ) -> tuple[Finding, ...]:
+        r"""What one must know before something follows the path: near misses, duplicates, entities
+        without extent, geometry that is left out, contours that meet themselves, a missing unit.
+
+        >>> lines = "0 SECTION 2 ENTITIES 0 LINE 5 2F 8 cut 10 0 20 0 11 3 21 4 0 ENDSEC 0 EOF"
+        >>> drawing = read_drawing(lines.replace(" ", "\n").encode() + b"\n")
+        >>> [finding.text for finding in drawing.check()]
+        ['the drawing does not say what its unit is']
+
+        The findings are those of the command ``cloudconv check``, by kind and in the order of the
+        path. Annotation that is left out is none.
+
+        :param distance: ends that are this near and not joined are near misses, in units of the
+            result
+        :raises converters.ReadError: with the reason
+
+        The others are those of :meth:`path`.
+        """
+        options = path_options(
+            tolerance=tolerance,
+            join=join,
+            unit=unit,
+            scale=scale,
+            layers=layers,
+            except_layers=except_layers,
+            hidden=hidden,
+            paper_space=paper_space,
+        )
+        return findings_of(self._data, options, distance, progress)
 
     @property
     def left_out(self) -> tuple[LeftOut, ...]:

@@ -249,32 +249,30 @@ class DrawingPath(Sequence[PathContour]):
 
     def _entity(self, index: int) -> PathEntity:
         kind, handle, insert, layer = self._model.entity(index)
-        return PathEntity(kind, _handle(handle), _handle(insert), self.layers[layer])
+        return PathEntity(kind, handle_text(handle), handle_text(insert), self.layers[layer])
 
     def _piece(self, index: int) -> PathPiece:
         kind, first, last, entity, curve = self._model.piece(index)
         return PathPiece(kind, self.points[first : last + 1], self._entity(entity), curve)
 
 
-def path_of(
-    data: ReadableBuffer,
+def path_options(
     *,
-    tolerance: Optional[float],
-    step: Optional[float],
-    join: Optional[float],
-    unit: Optional[str],
-    scale: float,
-    layers: Union[None, str, Sequence[str]],
-    except_layers: Union[None, str, Sequence[str]],
-    hidden: bool,
-    paper_space: bool,
-    axes: str,
-    order: str,
-    maximum_points: Optional[int],
-    progress: Optional[Progress],
-) -> DrawingPath:
-    """Reads the path of a drawing's bytes."""
-    options = {
+    tolerance: Optional[float] = None,
+    step: Optional[float] = None,
+    join: Optional[float] = None,
+    unit: Optional[str] = None,
+    scale: float = 1.0,
+    layers: Union[None, str, Sequence[str]] = None,
+    except_layers: Union[None, str, Sequence[str]] = None,
+    hidden: bool = False,
+    paper_space: bool = False,
+    axes: str = "drawing",
+    order: str = "drawn",
+    maximum_points: Optional[int] = None,
+) -> dict[str, Any]:
+    """The options of a path as the native module takes them."""
+    return {
         "tolerance": tolerance,
         "step": step,
         "join": join,
@@ -288,6 +286,12 @@ def path_of(
         "order": _choice("order", order, _ORDERS),
         "maximum_points": maximum_points,
     }
+
+
+def path_of(
+    data: ReadableBuffer, options: dict[str, Any], progress: Optional[Progress]
+) -> DrawingPath:
+    """Reads the path of a drawing's bytes."""
     failure, model = _native.read_path(data, options, callback(progress))
     check(failure)
     return DrawingPath(model)
@@ -306,5 +310,6 @@ def _choice(name: str, value: str, choices: Sequence[str]) -> int:
     return choices.index(value)
 
 
-def _handle(number: int) -> str:
+def handle_text(number: int) -> str:
+    """A handle as files have it; empty for none."""
     return f"{number:X}" if number else ""

@@ -3,6 +3,7 @@
 #include "converters/DrawingPath.h"
 #include "converters/Scan.h"
 #include "converters/ScanWriter.h"
+#include "converters/check/PathFindings.h"
 #include "python/native/Conversion.h"
 #include "python/native/Memory.h"
 #include "python/native/ProgressCall.h"
@@ -356,6 +357,54 @@ py::tuple readPath(const py::object& source, const py::dict& given, const py::ob
     return py::make_tuple(failureOf(result), PathModel(std::move(path)));
 }
 
+/// A function that reports what is done of a work that is a part of all.
+std::function<bool(double)> partOf(const std::function<bool(double)>& all, double begin,
+                                   double end) {
+    return [=](double done) { return all(begin + (end - begin) * done); };
+}
+
+/// (kind, text, places, [(kind, handle, INSERT's handle, layer)]) of each finding
+py::list listOf(const std::vector<converters::Finding>& findings) {
+    py::list list;
+    for (const converters::Finding& finding : findings) {
+        py::list places;
+        for (const cv::Point3_<double>& place : finding.places) {
+            places.append(tupleOf(place));
+        }
+        py::list entities;
+        for (const converters::FoundEntity& entity : finding.entities) {
+            entities.append(py::make_tuple(textOf(entity.kind), entity.handle, entity.insert,
+                                           textOf(entity.layer)));
+        }
+        list.append(py::make_tuple(nameOf(finding.kind), textOf(finding.text), py::tuple(places),
+                                   entities));
+    }
+    return list;
+}
+
+/// (failure, findings)
+py::tuple checkPath(const py::object& source, const py::dict& given, double distance,
+                    const py::object& progress) {
+    constexpr double read = 0.5;
+    const ByteView view(source);
+    ProgressCall call(progress);
+    const auto report = call.function();
+    converters::PathOptions options = converters::optionsForChecking(pathOptionsOf(given));
+    options.progress = partOf(report, 0.0, read);
+    converters::ReadResult result;
+    converters::PathFindings found;
+    {
+        const py::gil_scoped_release unlocked;
+        DrawingPath path;
+        result = converters::readPath(view.data(), view.size(), path, options);
+        if (result) {
+            found = converters::findingsOf(path, options, distance, partOf(report, read, 1.0));
+        }
+    }
+    call.raiseIfStopped();
+    return py::make_tuple(failureOf(result), listOf(found.findings));
+}
+
 } // namespace
 
 void addReaders(py::module_& module) {
@@ -365,6 +414,8 @@ void addReaders(py::module_& module) {
                py::arg("record_size"), py::arg("format"), py::arg("digits"), py::arg("width"),
                py::arg("height"), py::arg("comments"));
     module.def("read_path", readPath, py::arg("data"), py::arg("options"), py::arg("progress"));
+    module.def("check_path", checkPath, py::arg("data"), py::arg("options"), py::arg("distance"),
+               py::arg("progress"));
     py::class_<PathModel>(module, "PathModel", py::module_local())
         .def("points", &PathModel::points)
         .def("contours", &PathModel::contours)

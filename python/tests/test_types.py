@@ -25,6 +25,7 @@ drawing = converters.Drawing.load("drawing.dxf")
 for entity in drawing.entities:
     if isinstance(entity, converters.Arc):
         angle: float = entity.start_angle
+findings: list[str] = [finding.text for finding in drawing.check(distance=0.2)]
 lengths: list[float] = [contour.length for contour in drawing.contours()]
 """
 MISUSE = """
@@ -70,6 +71,7 @@ def test_stubs_name_what_the_module_has():
     assert names == {
         "DrawingModel",
         "PathModel",
+        "check_path",
         "from_dxf",
         "from_ply",
         "read_path",

@@ -1,12 +1,12 @@
 // What cloudconv preview draws, without the drawing: axes, scale, colours, paths, labels, scenes.
 
+#include "converters/check/NearMisses.h"
 #include "dxfeditor/DXFCircle.h"
 #include "dxfeditor/DXFDocument.h"
 #include "dxfeditor/DXFLine.h"
 #include "dxfeditor/DXFPointVector.h"
 #include "tests/support/PlyClouds.h"
 #include "tools/cloudconv/LeftOutText.h"
-#include "tools/cloudconv/NearMisses.h"
 #include "tools/cloudconv/Units.h"
 #include "tools/cloudconv/Wording.h"
 #include "tools/cloudconv/preview/CloudScene.h"

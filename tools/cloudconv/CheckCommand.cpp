@@ -1,8 +1,9 @@
 #include "tools/cloudconv/CheckCommand.h"
 
+#include "converters/check/NearMisses.h"
+#include "converters/check/PathFindings.h"
 #include "tools/cloudconv/FileError.h"
 #include "tools/cloudconv/InputFile.h"
-#include "tools/cloudconv/NearMisses.h"
 #include "tools/cloudconv/Notes.h"
 #include "tools/cloudconv/PathArguments.h"
 #include "tools/cloudconv/PathFile.h"
@@ -11,7 +12,6 @@
 #include "tools/cloudconv/StandardOutput.h"
 #include "tools/cloudconv/UsageError.h"
 #include "tools/cloudconv/check/FindingReport.h"
-#include "tools/cloudconv/check/PathFindings.h"
 #include "tools/cloudconv/check/WalkFindings.h"
 
 #include <nlohmann/json.hpp>
@@ -24,7 +24,7 @@ namespace {
 
 struct CheckOptions {
     std::vector<std::string> inputs;
-    double distance = defaultNearness;
+    double distance = converters::defaultNearness;
     bool all = false;
     bool json = false;
     bool plain = false;
@@ -58,17 +58,18 @@ Examples:
 FindingReport checkPlainly(const std::string& name, const std::vector<unsigned char>& bytes,
                            const CheckOptions& options, Progress& progress) {
     const DxfContents drawing = readDxf(name, bytes, progress);
-    progress.begin("checking " + name);
     const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
-    return {name, findingsOf(drawing, text, options.distance), {}};
+    return {name,
+            findingsOf(drawing, text, options.distance, progress.beginParts("checking " + name)),
+            {}};
 }
 
 FindingReport checkPath(const std::string& name, const std::vector<unsigned char>& bytes,
                         const CheckOptions& options, Progress& progress) {
     const converters::PathOptions following = optionsForChecking(options.path);
     const converters::DrawingPath path = readPathFile(name, bytes, following, progress);
-    progress.begin("checking " + name);
-    PathFindings found = findingsOf(path, following, options.distance);
+    converters::PathFindings found =
+        findingsOf(path, following, options.distance, progress.beginParts("checking " + name));
     return {name, std::move(found.findings), std::move(found.notes)};
 }
 

@@ -11,12 +11,7 @@ using converters::LengthUnit;
 converters::DrawingPath readPathFile(const std::string& name,
                                      const std::vector<unsigned char>& bytes,
                                      converters::PathOptions options, Progress& progress) {
-    constexpr double parts = 1000.0;
-    progress.begin("following " + name, static_cast<std::size_t>(parts));
-    options.progress = [&progress](double done) {
-        progress.reached(static_cast<std::size_t>(done * parts));
-        return true;
-    };
+    options.progress = progress.beginParts("following " + name);
     converters::DrawingPath path;
     const converters::ReadResult result =
         converters::readPath(bytes.data(), bytes.size(), path, options);

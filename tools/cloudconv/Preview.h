@@ -1,8 +1,8 @@
 #pragma once
 
 #include "converters/DrawingPath.h"
+#include "converters/check/NearMisses.h"
 #include "tools/cloudconv/FileFormat.h"
-#include "tools/cloudconv/NearMisses.h"
 #include "tools/cloudconv/preview/CloudView.h"
 #include "tools/cloudconv/preview/DrawingStyle.h"
 #include "tools/cloudconv/preview/PictureFormat.h"
@@ -25,7 +25,7 @@ struct PreviewOptions {
     bool plain = false;
 
     /// Of drawings: open ends that are this near each other are marked as a gap.
-    double distance = defaultNearness;
+    double distance = converters::defaultNearness;
     converters::PathOptions path;
     /// An option of paths that was given; else empty.
     std::string pathOption;

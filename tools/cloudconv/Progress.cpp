@@ -46,6 +46,15 @@ void Progress::begin(const std::string& work, std::size_t total) {
     m_done = 0;
 }
 
+std::function<bool(double)> Progress::beginParts(const std::string& work) {
+    constexpr double parts = 1000.0;
+    begin(work, static_cast<std::size_t>(parts));
+    return [this](double done) {
+        reached(static_cast<std::size_t>(done * parts));
+        return true;
+    };
+}
+
 void Progress::end() {
     if (!m_shower.joinable()) {
         return;

@@ -3,6 +3,7 @@
 #include <atomic>
 #include <condition_variable>
 #include <cstddef>
+#include <functional>
 #include <mutex>
 #include <string>
 #include <thread>
@@ -22,6 +23,11 @@ public:
     /// @param work   what is done: "reading scan.ply"
     /// @param total  how much there is to do; 0 when that is not known
     void begin(const std::string& work, std::size_t total = 0);
+
+    /// Begins work of which somebody tells the part that is done.
+    ///
+    /// @return to be called with that part, 0 to 1, as long as this lives; it returns true
+    std::function<bool(double)> beginParts(const std::string& work);
 
     /// How much of it is done. Cheap enough for every entity.
     void reached(std::size_t done) { m_done.store(done, std::memory_order_relaxed); }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tools/cloudconv/check/Finding.h"
+#include "converters/check/Finding.h"
 
 #include <array>
 #include <cstddef>
@@ -9,7 +9,7 @@
 
 /// What a DXF text says of an entity that the walk of fromDxf() does not heed.
 struct FileEntity {
-    FoundEntity named;
+    converters::FoundEntity named;
     /// The first point of the entity, group 10 and 20.
     double x = 0.0;
     double y = 0.0;

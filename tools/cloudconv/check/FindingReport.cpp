@@ -9,6 +9,8 @@
 
 namespace {
 
+using converters::Finding;
+using converters::FindingKind;
 using Json = nlohmann::ordered_json;
 
 /// How many findings of a kind are listed.
@@ -54,11 +56,12 @@ nlohmann::ordered_json asJson(const FindingReport& report) {
             places.push_back(placeOf(place));
         }
         Json entity;
-        if (finding.entity.has_value()) {
-            const std::string handle = handleText(finding.entity->handle);
-            entity = {{"kind", finding.entity->kind},
+        if (!finding.entities.empty()) {
+            const converters::FoundEntity& first = finding.entities.front();
+            const std::string handle = converters::handleText(first.handle);
+            entity = {{"kind", first.kind},
                       {"handle", handle.empty() ? Json() : Json(handle)},
-                      {"layer", finding.entity->layer}};
+                      {"layer", first.layer}};
         }
         findings.push_back({{"kind", nameOf(finding.kind)},
                             {"text", finding.text},

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tools/cloudconv/check/Finding.h"
+#include "converters/check/Finding.h"
 
 #include <nlohmann/json_fwd.hpp>
 
@@ -11,7 +11,7 @@
 struct FindingReport {
     /// The file's name.
     std::string file;
-    std::vector<Finding> findings;
+    std::vector<converters::Finding> findings;
     /// What is no finding, and yet to be known.
     std::vector<std::string> notes;
 };

@@ -1,5 +1,6 @@
 #include "tools/cloudconv/check/WalkFindings.h"
 
+#include "converters/check/SearchProgress.h"
 #include "dxfeditor/DXFArc.h"
 #include "dxfeditor/DXFAttributes.h"
 #include "dxfeditor/DXFCircle.h"
@@ -10,9 +11,9 @@
 #include "dxfeditor/DXFPolyline.h"
 #include "dxfeditor/DXFSpline.h"
 #include "tools/cloudconv/Contours.h"
-#include "tools/cloudconv/NearMisses.h"
 #include "tools/cloudconv/Wording.h"
 #include "tools/cloudconv/check/FileEntities.h"
+#include "tools/cloudconv/check/WalkNearMisses.h"
 
 #include <algorithm>
 #include <cmath>
@@ -23,6 +24,12 @@
 
 namespace {
 
+using converters::Finding;
+using converters::FindingKind;
+using converters::FoundEntity;
+using converters::lengthText;
+using converters::placeText;
+using converters::shortNameOf;
 using Point = cv::Point3_<double>;
 using Numbers = std::vector<double>;
 
@@ -204,8 +211,8 @@ Point walkedAt(double x, double y) {
 
 class Search {
 public:
-    Search(const DxfContents& drawing, std::string_view text)
-        : m_drawing(drawing), m_file(fileEntitiesOf(text)) {}
+    Search(const DxfContents& drawing, std::string_view text, converters::SearchProgress progress)
+        : m_drawing(drawing), m_file(fileEntitiesOf(text)), m_progress(std::move(progress)) {}
 
     std::vector<Finding> run(double distance) {
         findNearMisses(distance);
@@ -239,7 +246,7 @@ private:
         m_findings.push_back({kind,
                               described(entity.named, entity.x, entity.y) + ' ' + what,
                               {walkedAt(entity.x, entity.y)},
-                              entity.named});
+                              {entity.named}});
     }
 
     void findNearMisses(double distance);
@@ -249,11 +256,16 @@ private:
 
     const DxfContents& m_drawing;
     FileEntities m_file;
+    converters::SearchProgress m_progress;
     std::vector<Finding> m_findings;
 };
 
 void Search::findNearMisses(double distance) {
-    for (const NearMiss& miss : nearMissesOf(m_drawing, contoursOf(m_drawing), distance)) {
+    constexpr double end = 0.5;
+    const std::vector<Contour> contours = contoursOf(m_drawing);
+    m_progress.begin(end, 2 * contours.size());
+    for (const converters::NearMiss& miss :
+         nearMissesOf(m_drawing, contours, distance, m_progress)) {
         m_findings.push_back({FindingKind::nearMiss,
                               "the ends at " + placeText(miss.first.x, miss.first.z) + " and " +
                                   placeText(miss.second.x, miss.second.z) + " lie " +
@@ -265,24 +277,27 @@ void Search::findNearMisses(double distance) {
 
 void Search::findInEntities() {
     std::map<std::pair<std::string, Numbers>, std::size_t> seen;
+    m_progress.begin(1.0, m_drawing.entityCount);
     std::size_t number = 0;
     for (const std::shared_ptr<DXFEntity>& entity : m_drawing.document->entities()) {
+        m_progress.reached(number);
         const std::size_t i = number++;
         const Shape shape = shapeOf(*entity);
         const FoundEntity named = namedAt(i, shape, *entity);
         const std::string what = described(named, shape.x, shape.y);
         const std::vector<Point> places = {walkedAt(shape.x, shape.y)};
         if (!shape.fault.empty()) {
-            m_findings.push_back({shape.faultKind, what + ' ' + shape.fault, places, named});
+            m_findings.push_back({shape.faultKind, what + ' ' + shape.fault, places, {named}});
         }
         // What holds nan equals nothing, and would upset the order of the map.
         if (std::all_of(shape.numbers.begin(), shape.numbers.end(), isNumber)) {
             const auto [first, isNew] = seen.emplace(std::pair(shape.name, shape.numbers), i);
             if (!isNew) {
-                m_findings.push_back(
-                    {FindingKind::duplicate,
-                     what + " repeats " + shortNameOf(namedAt(first->second, shape, *entity)),
-                     places, named});
+                const FoundEntity earlier = namedAt(first->second, shape, *entity);
+                m_findings.push_back({FindingKind::duplicate,
+                                      what + " repeats " + shortNameOf(earlier),
+                                      places,
+                                      {named, earlier}});
             }
         }
     }
@@ -329,7 +344,11 @@ void Search::findInShape(const FileEntity& entity) {
 
 } // namespace
 
-std::vector<Finding> findingsOf(const DxfContents& drawing, std::string_view text,
-                                double distance) {
-    return Search(drawing, text).run(distance);
+std::vector<Finding> findingsOf(const DxfContents& drawing, std::string_view text, double distance,
+                                std::function<bool(double)> progress) {
+    try {
+        return Search(drawing, text, converters::SearchProgress(std::move(progress))).run(distance);
+    } catch (const converters::SearchProgress::Stopped&) {
+        return {};
+    }
 }

@@ -1,8 +1,9 @@
 #pragma once
 
+#include "converters/check/Finding.h"
 #include "tools/cloudconv/DxfFile.h"
-#include "tools/cloudconv/check/Finding.h"
 
+#include <functional>
 #include <string_view>
 #include <vector>
 
@@ -16,11 +17,13 @@
 /// - entities too short to sample, of which only the start is walked, or that give no points;
 /// - arcs and circles of no length;
 /// - what is walked otherwise than it is drawn: arcs of polylines, closing edges, mirrored
-/// entities,
-///   hidden ones and those of paper space; blocks and kinds that are not walked;
+///   entities, hidden ones and those of paper space; blocks and kinds that are not walked;
 /// - a drawing that is not read to its end.
 ///
 /// The cost grows as n log n with the entities.
 ///
-/// @param text  the drawing's file
-std::vector<Finding> findingsOf(const DxfContents& drawing, std::string_view text, double distance);
+/// @param text      the drawing's file
+/// @param progress  as that of converters::findingsOf()
+std::vector<converters::Finding> findingsOf(const DxfContents& drawing, std::string_view text,
+                                            double distance,
+                                            std::function<bool(double)> progress = {});

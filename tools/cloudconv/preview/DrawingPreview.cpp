@@ -1,6 +1,7 @@
 #include "tools/cloudconv/preview/DrawingPreview.h"
 
 #include "converters/DrawingPath.h"
+#include "converters/check/PathFindings.h"
 #include "tools/cloudconv/DxfFile.h"
 #include "tools/cloudconv/DxfInventory.h"
 #include "tools/cloudconv/FileError.h"
@@ -8,7 +9,6 @@
 #include "tools/cloudconv/PathFile.h"
 #include "tools/cloudconv/Units.h"
 #include "tools/cloudconv/UsageError.h"
-#include "tools/cloudconv/check/PathFindings.h"
 #include "tools/cloudconv/check/WalkFindings.h"
 #include "tools/cloudconv/page/DrawingPage.h"
 #include "tools/cloudconv/preview/DrawingPicture.h"
@@ -20,6 +20,7 @@ namespace {
 
 using Bytes = std::vector<unsigned char>;
 using converters::DrawingPath;
+using converters::Finding;
 
 void checkOptions(const PreviewOptions& options) {
     if (options.view.has_value() || options.colour.has_value() || options.pagePoints.has_value() ||
@@ -55,8 +56,9 @@ Drawn followed(const Bytes& bytes, const PreviewOptions& options, bool isPage,
     if (isPage) {
         const converters::PathOptions checking = optionsForChecking(options.path);
         const DrawingPath path = readPathFile(report.input, bytes, checking, report.progress);
-        report.progress.begin("checking " + report.input);
-        for (const Finding& finding : findingsOf(path, checking, options.distance).findings) {
+        const auto progress = report.progress.beginParts("checking " + report.input);
+        for (const Finding& finding :
+             findingsOf(path, checking, options.distance, progress).findings) {
             drawn.findings.push_back({textOf(finding), finding.places});
         }
     }
@@ -73,8 +75,8 @@ Drawn walked(const Bytes& bytes, const PreviewOptions& options, bool isPage,
         drawn.notes.push_back(drawing.cutOff);
     }
     if (isPage) {
-        report.progress.begin("checking " + report.input);
-        for (const Finding& finding : findingsOf(drawing, text, options.distance)) {
+        const auto progress = report.progress.beginParts("checking " + report.input);
+        for (const Finding& finding : findingsOf(drawing, text, options.distance, progress)) {
             drawn.findings.push_back({textOf(finding), {}});
             for (const cv::Point3_<double>& place : finding.places) {
                 drawn.findings.back().places.emplace_back(place.x, place.z, 0.0);

@@ -1,6 +1,7 @@
 #include "tools/cloudconv/preview/DrawingScene.h"
 
-#include "tools/cloudconv/NearMisses.h"
+#include "converters/check/NearMisses.h"
+#include "tools/cloudconv/Contours.h"
 #include "tools/cloudconv/Wording.h"
 
 #include <map>
@@ -42,7 +43,7 @@ DrawnContour drawn(const converters::DrawingPath& path, const converters::PathCo
     }
     const double apart =
         distanceOf(path.points[contour.firstPoint], path.points[contour.endPoint - 1]);
-    const bool isGap = apart >= joiningDistance && apart <= distance;
+    const bool isGap = apart >= converters::joiningDistance && apart <= distance;
     result.gap = result.kind == ContourKind::Open && isGap ? apart : 0.0;
     return result;
 }
@@ -66,7 +67,7 @@ DrawingScene sceneOf(const converters::DrawingPath& path, double distance) {
         }
     }
     scene.layers = layers.names();
-    for (const NearMiss& miss : nearMissesOf(path, distance)) {
+    for (const converters::NearMiss& miss : converters::nearMissesOf(path, distance)) {
         scene.gaps.push_back({placeOf(miss.first), placeOf(miss.second), miss.distance});
     }
     return scene;

@@ -1,19 +1,16 @@
-#include "tools/cloudconv/check/Duplicates.h"
+#include "converters/check/Duplicates.h"
 
-#include "tools/cloudconv/check/PlaceNumbers.h"
+#include "converters/check/PlaceNumbers.h"
+#include "converters/check/SearchProgress.h"
 
 #include <algorithm>
 #include <cmath>
 #include <unordered_map>
 
+namespace converters {
+
 namespace {
 
-using converters::DrawingPath;
-using converters::PathArc;
-using converters::PathCurveKind;
-using converters::PathEllipticArc;
-using converters::PathPiece;
-using converters::PathSpline;
 using Point = cv::Point3_<double>;
 
 constexpr double pi = 3.14159265358979323846;
@@ -256,7 +253,7 @@ Key Comparison::keyOf(const PathSpline& spline) {
 
 bool isDot(const DrawingPath& path, const EntityPieces& entity) {
     return path.pieces[entity.first].kind == PathCurveKind::point &&
-           path.entities[entity.entity].kind != converters::PathEntityKind::point;
+           path.entities[entity.entity].kind != PathEntityKind::point;
 }
 
 std::vector<EntityPieces> piecesOfEntities(const DrawingPath& path) {
@@ -271,11 +268,14 @@ std::vector<EntityPieces> piecesOfEntities(const DrawingPath& path) {
 }
 
 std::vector<Duplicate> duplicatesOf(const DrawingPath& path,
-                                    const std::vector<EntityPieces>& entities, double distance) {
+                                    const std::vector<EntityPieces>& entities, double distance,
+                                    SearchProgress& progress) {
     Comparison comparison(path, distance);
     std::unordered_map<Sum, std::uint32_t, SumHash> seen;
     std::vector<Duplicate> duplicates;
+    std::size_t done = 0;
     for (const EntityPieces& entity : entities) {
+        progress.reached(done++);
         if (isDot(path, entity)) {
             continue;
         }
@@ -286,3 +286,5 @@ std::vector<Duplicate> duplicatesOf(const DrawingPath& path,
     }
     return duplicates;
 }
+
+} // namespace converters

@@ -1,7 +1,9 @@
-#include "tools/cloudconv/check/PlaceNumbers.h"
+#include "converters/check/PlaceNumbers.h"
 
 #include <cmath>
 #include <functional>
+
+namespace converters {
 
 namespace {
 
@@ -73,3 +75,5 @@ std::uint32_t PlaceNumbers::of(const cv::Point3_<double>& place) {
     known->second = number;
     return number;
 }
+
+} // namespace converters

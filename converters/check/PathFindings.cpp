@@ -1,25 +1,19 @@
-#include "tools/cloudconv/check/PathFindings.h"
+#include "converters/check/PathFindings.h"
 
-#include "tools/cloudconv/NearMisses.h"
-#include "tools/cloudconv/Wording.h"
-#include "tools/cloudconv/check/Crossings.h"
-#include "tools/cloudconv/check/Duplicates.h"
+#include "converters/check/Crossings.h"
+#include "converters/check/Duplicates.h"
+#include "converters/check/NearMisses.h"
+#include "converters/check/SearchProgress.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <map>
 
+namespace converters {
+
 namespace {
 
-using converters::DrawingPath;
-using converters::LeftOut;
-using converters::LeftOutReason;
-using converters::LengthUnit;
-using converters::PathAxes;
-using converters::PathContour;
-using converters::PathEntityKind;
-using converters::PathOptions;
 using Point = cv::Point3_<double>;
 
 /// How far apart ends are joined, in units of the path.
@@ -39,9 +33,11 @@ double joiningIn(const DrawingPath& path, const PathOptions& options) {
 
 class Search {
 public:
-    Search(const DrawingPath& path, const PathOptions& options, double distance)
+    Search(const DrawingPath& path, const PathOptions& options, double distance,
+           SearchProgress progress)
         : m_path(path), m_isPlain(options.axes == PathAxes::plain), m_distance(distance),
-          m_joining(joiningIn(path, options)), m_entities(piecesOfEntities(path)) {}
+          m_joining(joiningIn(path, options)), m_entities(piecesOfEntities(path)),
+          m_progress(std::move(progress)) {}
 
     PathFindings run() {
         findNearMisses();
@@ -56,8 +52,9 @@ public:
 
 private:
     FoundEntity entityAt(std::uint32_t index) const {
-        const converters::PathEntity& entity = m_path.entities[index];
-        return {nameOf(entity.kind), entity.handle, m_path.layers[entity.layer].name};
+        const PathEntity& entity = m_path.entities[index];
+        return {nameOf(entity.kind), entity.handle, m_path.layers[entity.layer].name,
+                entity.insert};
     }
 
     /// A point as it is seen from above.
@@ -74,14 +71,14 @@ private:
     /// "LINE 2F on layer OUTLINE at (0, 7)", with the INSERT that draws it.
     std::string described(std::uint32_t index, const Point& place) const {
         const FoundEntity entity = entityAt(index);
-        const std::uint64_t insert = m_path.entities[index].insert;
-        return shortNameOf(entity) + (insert == 0 ? "" : " of INSERT " + handleText(insert)) +
+        return shortNameOf(entity) +
+               (entity.insert == 0 ? "" : " of INSERT " + handleText(entity.insert)) +
                " on layer " + entity.layer + " at " + placeOf(place);
     }
 
     void add(FindingKind kind, std::string text, std::vector<Point> places,
-             std::optional<FoundEntity> entity = {}) {
-        m_found.findings.push_back({kind, std::move(text), std::move(places), std::move(entity)});
+             std::vector<FoundEntity> entities = {}) {
+        m_found.findings.push_back({kind, std::move(text), std::move(places), std::move(entities)});
     }
 
     void findNearMisses();
@@ -97,11 +94,14 @@ private:
     double m_distance;
     double m_joining;
     std::vector<EntityPieces> m_entities;
+    SearchProgress m_progress;
     PathFindings m_found;
 };
 
 void Search::findNearMisses() {
-    for (const NearMiss& miss : nearMissesOf(m_path, m_distance, m_joining)) {
+    constexpr double end = 0.2;
+    m_progress.begin(end, 2 * m_path.contours.size());
+    for (const NearMiss& miss : nearMissesOf(m_path, m_distance, m_joining, m_progress)) {
         add(FindingKind::nearMiss,
             "the ends at " + placeOf(miss.first) + " and " + placeOf(miss.second) + " lie " +
                 lengthText(miss.distance) + " apart and are not joined",
@@ -110,7 +110,9 @@ void Search::findNearMisses() {
 }
 
 void Search::findDuplicates() {
-    for (const Duplicate& duplicate : duplicatesOf(m_path, m_entities, m_joining)) {
+    constexpr double end = 0.5;
+    m_progress.begin(end, m_entities.size());
+    for (const Duplicate& duplicate : duplicatesOf(m_path, m_entities, m_joining, m_progress)) {
         const auto pieces = std::lower_bound(
             m_entities.begin(), m_entities.end(), duplicate.entity,
             [](const EntityPieces& entity, std::uint32_t index) { return entity.entity < index; });
@@ -118,7 +120,7 @@ void Search::findDuplicates() {
         add(FindingKind::duplicate,
             described(duplicate.entity, place) + " repeats " +
                 shortNameOf(entityAt(duplicate.earlier)),
-            {place}, entityAt(duplicate.entity));
+            {place}, {entityAt(duplicate.entity), entityAt(duplicate.earlier)});
     }
 }
 
@@ -132,7 +134,7 @@ void Search::findWithoutExtent() {
             if (!hasPieces || isDot(m_path, *next)) {
                 const auto index = static_cast<std::uint32_t>(i);
                 add(FindingKind::withoutExtent, described(index, place) + " has no extent", {place},
-                    entityAt(index));
+                    {entityAt(index)});
             }
             if (hasPieces) {
                 place = m_path.points[m_path.pieces[next->end - 1].lastPoint];
@@ -176,7 +178,7 @@ void Search::findLeftOut() {
             add(FindingKind::leftOut,
                 std::to_string(part.number) + ' ' + part.kind + " on layer " + part.layer + " (" +
                     nameOf(part.reason) + ')',
-                {}, FoundEntity{part.kind, 0, part.layer});
+                {}, {{part.kind, 0, part.layer}});
         } else {
             others[{part.reason, part.kind}] += part.number;
         }
@@ -208,20 +210,25 @@ void Search::findCrossingsOf(const PathContour& contour, Crossings& crossings) {
         std::string(contour.closed ? "the closed" : "the open") + " contour of " +
             described(first, m_path.points[contour.firstPoint]) + " meets itself at " +
             placeOf(found),
-        {found}, entityAt(first));
+        {found}, {entityAt(first)});
 }
 
 void Search::findCrossings() {
+    m_progress.begin(1.0, m_path.points.size());
+    std::size_t done = 0;
     Crossings crossings(m_joining);
     for (const bool closed : {false, true}) {
         for (const PathContour& contour : m_path.contours) {
             if (contour.closed == closed) {
+                m_progress.reached(done);
                 findCrossingsOf(contour, crossings);
+                done += contour.endPoint - contour.firstPoint;
             }
         }
     }
     if (crossings.unfinished() > 0) {
-        m_found.notes.push_back(counted(crossings.unfinished(), "contour is", "contours are") +
+        m_found.notes.push_back(std::to_string(crossings.unfinished()) +
+                                (crossings.unfinished() == 1 ? " contour is" : " contours are") +
                                 " too tangled to look for all places where they cross");
     }
 }
@@ -234,12 +241,19 @@ void Search::findUnit() {
 
 } // namespace
 
-converters::PathOptions optionsForChecking(converters::PathOptions options) {
-    options.order = converters::PathOrder::drawn;
+PathOptions optionsForChecking(PathOptions options) {
+    options.order = PathOrder::drawn;
     options.step.reset();
     return options;
 }
 
-PathFindings findingsOf(const DrawingPath& path, const PathOptions& options, double distance) {
-    return Search(path, options, distance).run();
+PathFindings findingsOf(const DrawingPath& path, const PathOptions& options, double distance,
+                        std::function<bool(double)> progress) {
+    try {
+        return Search(path, options, distance, SearchProgress(std::move(progress))).run();
+    } catch (const SearchProgress::Stopped&) {
+        return {};
+    }
 }
+
+} // namespace converters

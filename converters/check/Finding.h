@@ -3,9 +3,10 @@
 #include <opencv2/core/types.hpp>
 
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <vector>
+
+namespace converters {
 
 /// What a user must know of a drawing before a robot or a machine follows it.
 enum class FindingKind : std::uint8_t {
@@ -54,6 +55,8 @@ struct FoundEntity {
     /// Group 5, a hexadecimal number in the file; 0 where it has none.
     std::uint64_t handle = 0;
     std::string layer;
+    /// The handle of the outermost INSERT that draws it; 0 where none does.
+    std::uint64_t insert = 0;
 };
 
 /// Something that was found.
@@ -63,7 +66,9 @@ struct Finding {
     std::string text;
     /// Where, in the coordinates of the path or the walk; empty where it has no place.
     std::vector<cv::Point3_<double>> places;
-    std::optional<FoundEntity> entity;
+    /// The entity that this is about, and of a duplicate the one that it repeats; empty where it is
+    /// about none.
+    std::vector<FoundEntity> entities;
 };
 
 /// "LINE 2F": kind and handle.
@@ -77,3 +82,5 @@ std::string placeText(double x, double y);
 
 /// A length, which is no more exact than the places that it lies between.
 std::string lengthText(double length);
+
+} // namespace converters

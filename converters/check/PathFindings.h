@@ -1,10 +1,13 @@
 #pragma once
 
 #include "converters/DrawingPath.h"
-#include "tools/cloudconv/check/Finding.h"
+#include "converters/check/Finding.h"
 
+#include <functional>
 #include <string>
 #include <vector>
+
+namespace converters {
 
 /// What is found in a path.
 struct PathFindings {
@@ -16,7 +19,7 @@ struct PathFindings {
 
 /// How contours are to be followed, to be looked at: in the order in which they are drawn, without
 /// additional points on lines.
-converters::PathOptions optionsForChecking(converters::PathOptions options);
+PathOptions optionsForChecking(PathOptions options);
 
 /// What a user must know of a drawing before something follows its path.
 ///
@@ -34,5 +37,9 @@ converters::PathOptions optionsForChecking(converters::PathOptions options);
 /// @param path      read with optionsForChecking()
 /// @param options   those that it was read with
 /// @param distance  in units of the path
-PathFindings findingsOf(const converters::DrawingPath& path, const converters::PathOptions& options,
-                        double distance);
+/// @param progress  called with the part that is done, 0 to 1; returning false stops the search,
+///                  which has found nothing then. May be empty
+PathFindings findingsOf(const DrawingPath& path, const PathOptions& options, double distance,
+                        std::function<bool(double)> progress = {});
+
+} // namespace converters

@@ -7,6 +7,8 @@
 #include <optional>
 #include <vector>
 
+namespace converters {
+
 /// A point of a contour: its place in the plane that is looked at, and its height over that plane.
 struct PlanePoint {
     double u;
@@ -39,3 +41,5 @@ private:
     std::uint64_t m_tests = 0;
     std::size_t m_unfinished = 0;
 };
+
+} // namespace converters

@@ -1,8 +1,10 @@
-#include "tools/cloudconv/check/Crossings.h"
+#include "converters/check/Crossings.h"
 
 #include <algorithm>
 #include <cmath>
 #include <utility>
+
+namespace converters {
 
 namespace {
 
@@ -347,3 +349,5 @@ std::optional<PlanePoint> Crossings::find(std::vector<PlanePoint> points, bool c
     }
     return place;
 }
+
+} // namespace converters

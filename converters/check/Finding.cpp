@@ -1,7 +1,9 @@
-#include "tools/cloudconv/check/Finding.h"
+#include "converters/check/Finding.h"
 
 #include <cinttypes>
 #include <cstdio>
+
+namespace converters {
 
 namespace {
 
@@ -70,3 +72,5 @@ std::string lengthText(double length) {
     static_cast<void>(std::snprintf(text, sizeof text, "%.6g", length));
     return text;
 }
+
+} // namespace converters

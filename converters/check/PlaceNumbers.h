@@ -8,6 +8,8 @@
 #include <unordered_map>
 #include <vector>
 
+namespace converters {
+
 /// Numbers places, so that places within a distance of each other have the same number.
 class PlaceNumbers {
 public:
@@ -31,3 +33,5 @@ private:
     std::unordered_map<Cell, std::uint32_t, Hash> m_last;
     std::vector<std::uint32_t> m_previous;
 };
+
+} // namespace converters

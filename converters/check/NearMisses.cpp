@@ -1,4 +1,6 @@
-#include "tools/cloudconv/NearMisses.h"
+#include "converters/check/NearMisses.h"
+
+#include "converters/check/SearchProgress.h"
 
 #include <boost/geometry/geometries/point.hpp>
 #include <boost/geometry/geometry.hpp>
@@ -12,6 +14,8 @@
 #include <tuple>
 #include <utility>
 
+namespace converters {
+
 namespace {
 
 namespace geometry = boost::geometry;
@@ -23,13 +27,13 @@ using Tree = geometry::index::rtree<End, geometry::index::rstar<16>>;
 
 constexpr std::size_t none = static_cast<std::size_t>(-1);
 
-/// An end of a contour.
-struct ContourEnd {
-    Point place;
-    std::size_t contour;
-    /// Of the contour.
-    double length;
-};
+bool isFinite(const Point& point) {
+    return std::isfinite(point.x) && std::isfinite(point.y) && std::isfinite(point.z);
+}
+
+double distanceBetween(const Point& a, const Point& b) {
+    return std::hypot(a.x - b.x, a.y - b.y, a.z - b.z);
+}
 
 /// Ends of contours, those that are joined to an earlier one but once.
 class Ends {
@@ -37,7 +41,7 @@ public:
     explicit Ends(double joining) : m_side(joining / 2) {}
 
     void add(const ContourEnd& end) {
-        if (hasPlace(end.place) && m_seen.insert(cellOf(end.place)).second) {
+        if (isFinite(end.place) && m_seen.insert(cellOf(end.place)).second) {
             m_ends.push_back(end);
         }
     }
@@ -89,7 +93,7 @@ std::size_t nearestOf(const std::vector<ContourEnd>& ends, const Tree& tree, std
         double bestDistance = distance;
         double farthest = 0.0;
         for (const auto& [unused, other] : nearest) {
-            const double found = distanceOf(ends[i].place, ends[other].place);
+            const double found = distanceBetween(ends[i].place, ends[other].place);
             farthest = std::max(farthest, found);
             if (found >= joining && found <= bestDistance &&
                 !areOfShortContour(ends[i], ends[other], found)) {
@@ -104,11 +108,19 @@ std::size_t nearestOf(const std::vector<ContourEnd>& ends, const Tree& tree, std
     return none;
 }
 
-std::vector<NearMiss> nearMissesAmong(const std::vector<ContourEnd>& ends, double joining,
-                                      double distance) {
+} // namespace
+
+std::vector<NearMiss> nearMissesAmong(const std::vector<ContourEnd>& all, double distance,
+                                      double joining, SearchProgress& progress) {
+    Ends distinct(joining);
+    for (const ContourEnd& end : all) {
+        distinct.add(end);
+    }
+    const std::vector<ContourEnd>& ends = distinct.all();
     const Tree tree = treeOf(ends);
     std::set<std::pair<std::size_t, std::size_t>> pairs;
     for (std::size_t i = 0; i < ends.size(); ++i) {
+        progress.reached(i);
         const std::size_t other = nearestOf(ends, tree, i, joining, distance);
         if (other != none) {
             pairs.insert(std::minmax(i, other));
@@ -119,35 +131,27 @@ std::vector<NearMiss> nearMissesAmong(const std::vector<ContourEnd>& ends, doubl
     for (const auto& [first, second] : pairs) {
         const Point& one = ends[first].place;
         const Point& other = ends[second].place;
-        misses.push_back({one, other, distanceOf(one, other)});
+        misses.push_back({one, other, distanceBetween(one, other)});
     }
     return misses;
 }
 
-} // namespace
-
-std::vector<NearMiss> nearMissesOf(const DxfContents& drawing, const std::vector<Contour>& contours,
-                                   double distance) {
-    Ends ends(joiningDistance);
-    for (const Contour& contour : contours) {
-        if (contour.kind == ContourKind::Open) {
-            constexpr double any = std::numeric_limits<double>::infinity();
-            ends.add({drawing.points[contour.begin], contour.begin, any});
-            ends.add({drawing.points[contour.end - 1], contour.begin, any});
-        }
-    }
-    return nearMissesAmong(ends.all(), joiningDistance, distance);
-}
-
-std::vector<NearMiss> nearMissesOf(const converters::DrawingPath& path, double distance,
-                                   double joining) {
-    Ends ends(joining);
-    for (const converters::PathContour& contour : path.contours) {
+std::vector<NearMiss> nearMissesOf(const DrawingPath& path, double distance, double joining,
+                                   SearchProgress& progress) {
+    std::vector<ContourEnd> ends;
+    for (const PathContour& contour : path.contours) {
         // A point by itself ends nowhere.
         if (!contour.closed && contour.endPoint - contour.firstPoint > 1) {
-            ends.add({path.points[contour.firstPoint], contour.firstPoint, contour.length});
-            ends.add({path.points[contour.endPoint - 1], contour.firstPoint, contour.length});
+            ends.push_back({path.points[contour.firstPoint], contour.firstPoint, contour.length});
+            ends.push_back({path.points[contour.endPoint - 1], contour.firstPoint, contour.length});
         }
     }
-    return nearMissesAmong(ends.all(), joining, distance);
+    return nearMissesAmong(ends, distance, joining, progress);
 }
+
+std::vector<NearMiss> nearMissesOf(const DrawingPath& path, double distance, double joining) {
+    SearchProgress untold({});
+    return nearMissesOf(path, distance, joining, untold);
+}
+
+} // namespace converters
