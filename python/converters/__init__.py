@@ -28,6 +28,7 @@ error.
 
 from converters._native import __version__
 from converters._sources import ReadError
+from converters.builder import DrawingBuilder, new_drawing
 from converters.check import Finding
 from converters.cloud import Cloud, ScanElement, ScanProperty, ScanReport, read_scan
 from converters.drawing import (
@@ -54,6 +55,7 @@ __all__ = [
     "Cloud",
     "Contour",
     "Drawing",
+    "DrawingBuilder",
     "DrawingPath",
     "Entity",
     "Finding",
@@ -75,6 +77,7 @@ __all__ = [
     "__version__",
     "from_dxf",
     "from_ply",
+    "new_drawing",
     "read_drawing",
     "read_scan",
     "to_dxf",

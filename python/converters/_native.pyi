@@ -52,6 +52,10 @@ def write_points(
     height: int,
     comments: list[str],
 ) -> bytes: ...
+def write_drawing(
+    layers: list[tuple[str, int, bool, bool]],
+    entities: list[tuple[int, int, npt.NDArray[np.float64], bool]],
+) -> bytes: ...
 def read_path(
     data: ReadableBuffer,
     options: dict[str, Any],

@@ -3,6 +3,7 @@
 #include "python/native/Column.h"
 #include "python/native/Conversion.h"
 #include "python/native/DrawingModel.h"
+#include "python/native/DrawingWriting.h"
 #include "python/native/Memory.h"
 #include "python/native/Reading.h"
 
@@ -200,6 +201,7 @@ PYBIND11_MODULE(_native, module) {
     module.def("to_dxf", toDxf, py::arg("x"), py::arg("y"), py::arg("z"));
     module.def("from_dxf", fromDxf, py::arg("data"));
     addReaders(module);
+    addDrawingWriter(module);
 
     // Local to this module: another copy of it in the same process has its own.
     py::class_<DrawingModel>(module, "DrawingModel", py::module_local())

@@ -26,6 +26,9 @@ for entity in drawing.entities:
     if isinstance(entity, converters.Arc):
         angle: float = entity.start_angle
 findings: list[str] = [finding.text for finding in drawing.check(distance=0.2)]
+made: converters.DrawingBuilder = converters.new_drawing()
+made.add_line((0, 0), (1, 0), layer="cut")
+made.add_polyline(xyz, closed=True)
 lengths: list[float] = [contour.length for contour in drawing.contours()]
 """
 MISUSE = """
@@ -78,6 +81,7 @@ def test_stubs_name_what_the_module_has():
         "read_scan",
         "to_dxf",
         "to_ply",
+        "write_drawing",
         "write_points",
     }
     methods = {name for name in dir(_native.DrawingModel) if not name.startswith("_")}
