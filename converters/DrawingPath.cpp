@@ -30,6 +30,8 @@ using namespace drawing;
 constexpr double endOfParsing = 0.6;
 constexpr double endOfExpansion = 0.65;
 constexpr double endOfJoining = 0.75;
+/// Of reading, where contours are put into another order than the drawing's.
+constexpr double endOfReading = 0.25;
 
 std::string upperCase(std::string text) {
     std::transform(text.begin(), text.end(), text.begin(), [](char c) {
@@ -77,7 +79,8 @@ void summarize(DrawingPath& path) {
 
 DrawingPath readPath(std::string_view file, const PathOptions& options) {
     checkOptions(options);
-    const Progress progress(options.progress);
+    const Progress whole(options.progress);
+    const Progress progress = whole.part(0, options.order == PathOrder::drawn ? 1 : endOfReading);
     Drawing drawing = parseDrawing(file, progress.part(0, endOfParsing));
     DrawingPath path;
     const PathSettings settings = settingsFor(drawing, options, drawing.notes);
@@ -94,7 +97,7 @@ DrawingPath readPath(std::string_view file, const PathOptions& options) {
     writeContours({drawing, expansion, layers, links}, settings, path,
                   progress.part(endOfJoining, 1));
 
-    reorder(path, options.order);
+    reorder(path, options.order, whole.part(endOfReading, 1));
 
     path.drawingUnit = settings.drawingUnit;
     path.unit = settings.unit;
@@ -102,7 +105,7 @@ DrawingPath readPath(std::string_view file, const PathOptions& options) {
     path.layers = layers.takeLayers();
     path.notes = std::move(drawing.notes);
     summarize(path);
-    progress.report(1);
+    whole.report(1);
     return path;
 }
 

@@ -113,14 +113,16 @@ std::size_t nearestOf(const std::vector<ContourEnd>& ends, const Tree& tree, std
 std::vector<NearMiss> nearMissesAmong(const std::vector<ContourEnd>& all, double distance,
                                       double joining, SearchProgress& progress) {
     Ends distinct(joining);
+    std::size_t done = 0;
     for (const ContourEnd& end : all) {
+        progress.reached(done++);
         distinct.add(end);
     }
     const std::vector<ContourEnd>& ends = distinct.all();
     const Tree tree = treeOf(ends);
     std::set<std::pair<std::size_t, std::size_t>> pairs;
     for (std::size_t i = 0; i < ends.size(); ++i) {
-        progress.reached(i);
+        progress.reached(done + i);
         const std::size_t other = nearestOf(ends, tree, i, joining, distance);
         if (other != none) {
             pairs.insert(std::minmax(i, other));

@@ -38,7 +38,8 @@ struct ContourEnd {
 /// contour that is hardly longer than the way between them are no near miss; an end whose place is
 /// not finite is near nothing.
 ///
-/// @param joining  ends within this distance are joined; above 0
+/// @param joining   ends within this distance are joined; above 0
+/// @param progress  is told of two steps for each end
 std::vector<NearMiss> nearMissesAmong(const std::vector<ContourEnd>& ends, double distance,
                                       double joining, SearchProgress& progress);
 

@@ -99,8 +99,8 @@ private:
 };
 
 void Search::findNearMisses() {
-    constexpr double end = 0.2;
-    m_progress.begin(end, 2 * m_path.contours.size());
+    constexpr double end = 0.6;
+    m_progress.begin(end, 4 * m_path.contours.size());
     for (const NearMiss& miss : nearMissesOf(m_path, m_distance, m_joining, m_progress)) {
         add(FindingKind::nearMiss,
             "the ends at " + placeOf(miss.first) + " and " + placeOf(miss.second) + " lie " +
@@ -110,7 +110,7 @@ void Search::findNearMisses() {
 }
 
 void Search::findDuplicates() {
-    constexpr double end = 0.5;
+    constexpr double end = 0.8;
     m_progress.begin(end, m_entities.size());
     for (const Duplicate& duplicate : duplicatesOf(m_path, m_entities, m_joining, m_progress)) {
         const auto pieces = std::lower_bound(

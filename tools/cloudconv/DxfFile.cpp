@@ -3,6 +3,7 @@
 #include "converters/Converters.h"
 #include "dxfeditor/DXFDocument.h"
 #include "dxfeditor/DXFReader.h"
+#include "dxfeditor/text/DxfGroups.h"
 #include "tools/cloudconv/DxfText.h"
 #include "tools/cloudconv/FileError.h"
 #include "tools/cloudconv/Interrupt.h"
@@ -31,6 +32,16 @@ private:
     std::size_t m_objects = 0;
 };
 
+/// How many objects an ObservedReader of this text sees, as far as that is to be shown; else 0.
+std::size_t objectsIn(std::string_view text, const Progress& progress) {
+    std::size_t objects = 0;
+    dxfeditor::DxfGroup group;
+    for (dxfeditor::DxfGroups groups(text); progress.isShown() && groups.next(group);) {
+        objects += group.beginsObject() ? 1 : 0;
+    }
+    return objects;
+}
+
 /// Where toDxf writes its transient drawing.
 std::string transientDrawing() {
     return converters::tmpDxfPath / ("tmp" + std::to_string(getpid()) + ".dxf");
@@ -43,7 +54,8 @@ DxfContents readDxf(const std::string& path, const std::vector<unsigned char>& b
     const auto* const text = reinterpret_cast<const char*>(bytes.data());
     DxfContents contents;
     contents.document = std::make_shared<DXFDocument>();
-    progress.begin("reading objects of " + path);
+    progress.begin("reading objects of " + path,
+                   objectsIn(std::string_view(text, bytes.size()), progress));
     ObservedReader(*contents.document, progress).load(text, bytes.size());
     contents.entityCount = contents.document->entities().size();
     if (contents.entityCount == 0 && contents.document->layers().empty()) {
@@ -52,9 +64,12 @@ DxfContents readDxf(const std::string& path, const std::vector<unsigned char>& b
             throw FileError(path, reason);
         }
     }
+    constexpr std::size_t steps = 3;
+    progress.begin("walking " + path, steps);
     contents.cutOff = whatIsCutOff(std::string_view(text, bytes.size()));
+    progress.step();
     contents.document->setup();
-    progress.begin("walking " + path);
+    progress.step();
     contents.points = contents.document->getPoints(contents.contours);
     return contents;
 }

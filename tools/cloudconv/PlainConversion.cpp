@@ -34,9 +34,16 @@ std::string listed(const std::vector<std::string>& names) {
     return list;
 }
 
+/// Reading a scan is one step, or making a cloud of a drawing, and making the file another.
+void beginConverting(Report& report) {
+    constexpr std::size_t steps = 2;
+    report.progress.begin("converting " + report.input, steps);
+}
+
 PlyContents readScan(const std::vector<unsigned char>& bytes, Report& report) {
-    report.progress.begin("converting " + report.input);
+    beginConverting(report);
     PlyContents contents = readPly(report.input, bytes);
+    report.progress.step();
     if (contents.cloud.points.empty()) {
         report.notes.add("the file declares no points, nor does " + report.output);
     }
@@ -156,14 +163,18 @@ std::vector<unsigned char> scanToDxf(const std::vector<unsigned char>& bytes,
 std::vector<unsigned char> drawingToPly(const std::vector<unsigned char>& bytes,
                                         const ConvertOptions& options, Report& report) {
     const DxfContents contents = readDrawing(bytes, report);
+    beginConverting(report);
     Cloud cloud = cloudOf(contents);
     tellWhatRoundingCosts(contents.points, cloud, report);
+    report.progress.step();
     return plyOf(std::move(cloud), options);
 }
 
 std::vector<unsigned char> drawingToDxf(const std::vector<unsigned char>& bytes,
                                         const ConvertOptions& /*options*/, Report& report) {
-    return writeDxf(report.output, readDrawing(bytes, report).points);
+    const DxfContents contents = readDrawing(bytes, report);
+    beginConverting(report);
+    return writeDxf(report.output, contents.points);
 }
 
 } // namespace

@@ -5,6 +5,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <system_error>
@@ -83,7 +84,9 @@ std::string Progress::line() const {
     constexpr std::size_t whole = 100;
     const std::size_t done = m_done;
     if (m_total > 0) {
-        const double share = static_cast<double>(done) / static_cast<double>(m_total);
+        // A file may be longer than it said.
+        const double share =
+            std::min(static_cast<double>(done) / static_cast<double>(m_total), 1.0);
         return m_work + ": " +
                std::to_string(static_cast<std::size_t>(share * static_cast<double>(whole))) + " %";
     }

@@ -29,6 +29,12 @@ public:
     /// @return to be called with that part, 0 to 1, as long as this lives; it returns true
     std::function<bool(double)> beginParts(const std::string& work);
 
+    /// One more of the steps that there are in total is done.
+    void step() { m_done.fetch_add(1, std::memory_order_relaxed); }
+
+    /// Whether anybody sees it: only then is it worth counting what there is to do.
+    bool isShown() const { return m_shower.joinable(); }
+
     /// How much of it is done. Cheap enough for every entity.
     void reached(std::size_t done) { m_done.store(done, std::memory_order_relaxed); }
 

@@ -24,6 +24,8 @@ enum class Role : std::uint8_t { alone, closed, open, dot };
 /// it: it would be mostly gap.
 constexpr double leastClosedLength = 4;
 
+constexpr std::uint32_t entitiesPerReport = 1 << 14;
+
 Role roleOf(const Entity& entity, const EntityCurves::Extent& extent, double joinDistance) {
     if (entity.kind == EntityKind::point) {
         return Role::alone;
@@ -187,7 +189,7 @@ public:
         : m_drawing(drawing), m_expansion(expansion), m_joinDistance(joinDistance) {}
 
     void sortByRole(const LayerTable& layers, LeftOutTable& leftOut, const Progress& progress);
-    std::vector<ChainLink> join() &&;
+    std::vector<ChainLink> join(const Progress& progress) &&;
 
 private:
     void add(std::uint32_t index, const Entity& entity, const EntityCurves::Extent& extent);
@@ -203,7 +205,6 @@ private:
 
 /// Keeps what is finite where it is drawn.
 void Joiner::sortByRole(const LayerTable& layers, LeftOutTable& leftOut, const Progress& progress) {
-    constexpr std::uint32_t entitiesPerReport = 1 << 14;
     const KindNumbers kinds(m_drawing.kindNames);
     std::vector<DrawnEntity>& drawn = m_expansion.drawn;
     base::reserveLarge(m_roles, drawn.size());
@@ -249,7 +250,7 @@ Runs Joiner::allRuns() {
     return runs;
 }
 
-std::vector<ChainLink> Joiner::join() && {
+std::vector<ChainLink> Joiner::join(const Progress& progress) && {
     const std::size_t dots = m_dots.drawn.size();
     const Runs runs = allRuns();
     ChainBuilder builder(runs, dots, m_joinDistance);
@@ -258,6 +259,9 @@ std::vector<ChainLink> Joiner::join() && {
     std::vector<std::uint32_t> seeds;
     auto open = static_cast<RunNumber>(dots);
     for (std::uint32_t i = 0; i < m_roles.size(); ++i) {
+        if (i % entitiesPerReport == entitiesPerReport - 1) {
+            progress.report(static_cast<double>(i) / static_cast<double>(m_roles.size()));
+        }
         const std::size_t before = links.size();
         if (m_roles[i] == Role::open) {
             if (!builder.isJoined(open)) {
@@ -287,8 +291,11 @@ std::vector<ChainLink> joinToChains(Drawing& drawing, Expansion& expansion,
                                     const LayerTable& layers, double joinDistance,
                                     LeftOutTable& leftOut, const Progress& progress) {
     Joiner joiner(drawing, expansion, joinDistance);
-    joiner.sortByRole(layers, leftOut, progress);
-    return std::move(joiner).join();
+    // The stages, by what they take for drawings of lines.
+    constexpr double endOfSorting = 0.3;
+    constexpr double endOfPairing = 0.7;
+    joiner.sortByRole(layers, leftOut, progress.part(0, endOfSorting));
+    return std::move(joiner).join(progress.part(endOfPairing, 1));
 }
 
 } // namespace converters::drawing

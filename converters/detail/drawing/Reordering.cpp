@@ -26,7 +26,8 @@ bool startsAnywhere(const DrawingPath& path, const PathContour& contour) {
             path.ellipticArcs[piece.curve].minor != Vector(0, 0, 0));
 }
 
-std::vector<ContourVisit> visitsOf(const DrawingPath& path, PathOrder order) {
+std::vector<ContourVisit> visitsOf(const DrawingPath& path, PathOrder order,
+                                   const Progress& progress) {
     // Where pieces start, counted from the start of their contour.
     std::vector<std::size_t> starts;
     base::reserveLarge(starts, path.pieces.size());
@@ -46,7 +47,10 @@ std::vector<ContourVisit> visitsOf(const DrawingPath& path, PathOrder order) {
         }
         shapes.push_back(shape);
     }
-    return order == PathOrder::nearest ? nearestOrder(shapes) : insideFirstOrder(shapes);
+    OrderCost cost;
+    cost.progress = [&progress](double done) { progress.report(done); };
+    return order == PathOrder::nearest ? nearestOrder(shapes, &cost)
+                                       : insideFirstOrder(shapes, &cost);
 }
 
 void reverse(PathSpline& spline) {
@@ -174,11 +178,11 @@ void Mover::startElsewhere(const PathPiece& piece, const Point& start) {
 
 } // namespace
 
-void reorder(DrawingPath& path, PathOrder order) {
+void reorder(DrawingPath& path, PathOrder order, const Progress& progress) {
     if (order == PathOrder::drawn || path.contours.empty()) {
         return;
     }
-    const std::vector<ContourVisit> visits = visitsOf(path, order);
+    const std::vector<ContourVisit> visits = visitsOf(path, order, progress);
     DrawingPath moved;
     base::reserveLarge(moved.points, path.points.size());
     base::reserveLarge(moved.contours, path.contours.size());

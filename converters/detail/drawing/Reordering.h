@@ -1,6 +1,7 @@
 #pragma once
 
 #include "converters/DrawingPath.h"
+#include "converters/detail/drawing/Progress.h"
 
 namespace converters::drawing {
 
@@ -9,6 +10,6 @@ namespace converters::drawing {
 ///
 /// A contour that is turned round has its pieces the other way round, too; its entities stay in
 /// their order, of which the first is the one that its layer and colour are of.
-void reorder(DrawingPath& path, PathOrder order);
+void reorder(DrawingPath& path, PathOrder order, const Progress& progress);
 
 } // namespace converters::drawing

@@ -205,6 +205,38 @@ TEST(ReadPathOptions, TellHowFarTheWorkIsAndCanStopIt) {
     }
 }
 
+/// Places all over a square, in no order.
+std::string scatteredLines(int count) {
+    std::string lines;
+    for (int i = 0; i < count; ++i) {
+        const std::string x = std::to_string(i * 7919 % 1000);
+        const std::string y = std::to_string(i * 104729 % 997);
+        lines += "0 LINE  10 " + x + "  20 " + y + "  11 " + x + ".5  21 " + y + "  ";
+    }
+    return lines;
+}
+
+TEST(ReadPathOptions, TellHowFarTheOrderIsAndCanStopIt) {
+    const std::string file = drawingOf(scatteredLines(20'000));
+    for (const PathOrder order : {PathOrder::nearest, PathOrder::insideFirst}) {
+        PathOptions options;
+        options.order = order;
+        std::vector<double> reports = {0.0};
+        double longestStep = 0.0;
+        options.progress = [&](double done) {
+            longestStep = std::max(longestStep, done - reports.back());
+            reports.push_back(done);
+            return true;
+        };
+        pathOf(file, options);
+        EXPECT_TRUE(std::is_sorted(reports.begin(), reports.end()));
+        EXPECT_EQ(reports.back(), 1.0);
+        EXPECT_LT(longestStep, 0.25) << "the work stands nowhere for long";
+        options.progress = [](double done) { return done < 0.8; };
+        EXPECT_EQ(refusalOf(file, options), "stopped by the caller");
+    }
+}
+
 TEST(ReadPathOptions, PassOnWhatTheCallbackThrows) {
     PathOptions options;
     options.progress = [](double) -> bool { throw std::runtime_error("enough"); };

@@ -263,7 +263,7 @@ private:
 void Search::findNearMisses(double distance) {
     constexpr double end = 0.5;
     const std::vector<Contour> contours = contoursOf(m_drawing);
-    m_progress.begin(end, 2 * contours.size());
+    m_progress.begin(end, 4 * contours.size());
     for (const converters::NearMiss& miss :
          nearMissesOf(m_drawing, contours, distance, m_progress)) {
         m_findings.push_back({FindingKind::nearMiss,

@@ -100,7 +100,9 @@ void describeCloud(const PlyContents& contents, Json& description) {
     description["intensity"] = contents.hasIntensity ? intensity.json() : Json();
 }
 
-Json describePly(const std::string& name, const Bytes& bytes) {
+Json describePly(const std::string& name, const Bytes& bytes, Progress& progress) {
+    constexpr std::size_t steps = 3;
+    progress.begin("describing " + name, steps);
     const PlyInventory inventory = plyInventoryOf(textOf(bytes));
     if (!inventory.isPly) {
         throw FileError(name, bytes.empty() ? "the file is empty" : "not a PLY file");
@@ -111,7 +113,9 @@ Json describePly(const std::string& name, const Bytes& bytes) {
                         {"encoding", inventory.format.empty() ? Json() : Json(inventory.format)},
                         {"readable", true}};
     try {
+        progress.step();
         const PlyContents contents = readPly(name, bytes);
+        progress.step();
         describeCloud(contents, description);
     } catch (const FileError& error) {
         description["readable"] = false;
@@ -218,8 +222,10 @@ Json cloudBounds(const std::vector<Point>& points) {
 
 Json describeDxf(const std::string& name, const Bytes& bytes, Progress& progress) {
     const DxfContents drawing = readDxf(name, bytes, progress);
-    progress.begin("describing " + name);
+    constexpr std::size_t steps = 5;
+    progress.begin("describing " + name, steps);
     const DxfInventory inventory = inventoryOf(textOf(bytes));
+    progress.step();
     Json description = {{"file", name}, {"format", "DXF"}, {"bytes", bytes.size()}};
     description["version"] = inventory.version.empty() ? Json() : Json(inventory.version);
     description["unit"] = inventory.unit.empty() ? Json() : Json(inventory.unit);
@@ -227,13 +233,16 @@ Json describeDxf(const std::string& name, const Bytes& bytes, Progress& progress
         description["note"] = drawing.cutOff;
     }
     description["layers"] = layersOf(*drawing.document);
+    progress.step();
     description["entities"] = inventory.read;
     description["ignored_entities"] = inventory.ignored;
     description["ignored_in_blocks"] = inventory.inBlocks;
     description["bulged_edges_walked_straight"] = bulgedEdges(*drawing.document);
     description["points"] = drawing.points.size();
     description["bounds_in_drawing"] = drawingBounds(drawing);
+    progress.step();
     description["bounds_in_cloud"] = cloudBounds(drawing.points);
+    progress.step();
     describeContours(drawing, description);
     return description;
 }
@@ -244,6 +253,6 @@ nlohmann::ordered_json describePlainly(const InfoOptions& options, FileFormat fo
     Progress progress(options.quiet);
     const std::string name = inputName(options.input);
     const Bytes bytes = readInputFile(options.input, progress);
-    return format == FileFormat::Ply ? describePly(name, bytes)
+    return format == FileFormat::Ply ? describePly(name, bytes, progress)
                                      : describeDxf(name, bytes, progress);
 }

@@ -34,20 +34,27 @@ public:
         : m_canvas(canvas), m_scene(scene), m_style(style), m_scale(scale),
           m_labels(scale.frame()) {}
 
-    void paint() {
-        m_canvas.clip(m_scale.frame());
+    /// @param progress  may be empty
+    void paint(const std::function<bool(double)>& progress) {
+        std::vector<void (DrawingPainter::*)()> steps;
         if (m_style.hasWays()) {
-            drawWays();
+            steps.push_back(&DrawingPainter::drawWays);
         }
-        drawLines();
-        drawPoints();
+        steps.insert(steps.end(), {&DrawingPainter::drawLines, &DrawingPainter::drawPoints});
         if (m_style.hasMarks()) {
-            drawArrows();
-            drawStartsAndEnds();
-            drawGaps();
+            steps.insert(steps.end(),
+                         {&DrawingPainter::drawArrows, &DrawingPainter::drawStartsAndEnds,
+                          &DrawingPainter::drawGaps});
         }
         if (m_style.hasMarks() && m_style.isOneByOne()) {
-            drawNumbers();
+            steps.push_back(&DrawingPainter::drawNumbers);
+        }
+        m_canvas.clip(m_scale.frame());
+        for (std::size_t i = 0; i < steps.size(); ++i) {
+            if (progress) {
+                progress(static_cast<double>(i) / static_cast<double>(steps.size()));
+            }
+            (this->*steps[i])();
         }
         m_canvas.unclip();
     }
@@ -232,6 +239,6 @@ void drawOpenEnd(Canvas& canvas, const Place& place, double size) {
 }
 
 void paintDrawing(Canvas& canvas, const DrawingScene& scene, const DrawingStyle& style,
-                  const PlotScale& scale) {
-    DrawingPainter(canvas, scene, style, scale).paint();
+                  const PlotScale& scale, const std::function<bool(double)>& progress) {
+    DrawingPainter(canvas, scene, style, scale).paint(progress);
 }

@@ -6,6 +6,8 @@
 #include "tools/cloudconv/preview/PixelPath.h"
 #include "tools/cloudconv/preview/PlotScale.h"
 
+#include <functional>
+
 /// The lines that are no contours.
 extern const Pen wayPen;
 extern const Pen gapPen;
@@ -18,5 +20,7 @@ void drawOpenEnd(Canvas& canvas, const Place& place, double size = 1.0);
 
 /// Draws what is inside the axes of a drawing's picture: contours, the ways between them, and
 /// signs.
+///
+/// @param progress  called with the part that is done, 0 to 1; may be empty
 void paintDrawing(Canvas& canvas, const DrawingScene& scene, const DrawingStyle& style,
-                  const PlotScale& scale);
+                  const PlotScale& scale, const std::function<bool(double)>& progress = {});

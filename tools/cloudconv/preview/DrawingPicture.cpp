@@ -5,7 +5,8 @@
 #include "tools/cloudconv/preview/PlotFrame.h"
 
 std::string drawPicture(Canvas& canvas, const PictureSize& size, const DrawingScene& scene,
-                        const DrawingCaption& caption, const DrawingMarks& asked) {
+                        const DrawingCaption& caption, const DrawingMarks& asked,
+                        const std::function<bool(double)>& progress) {
     constexpr double margin = 36.0;
     const std::vector<std::string> lines =
         caption.leftOut.empty()
@@ -16,7 +17,7 @@ std::string drawPicture(Canvas& canvas, const PictureSize& size, const DrawingSc
     const DrawingStyle style(scene, frame.plot, asked);
     const PlotAxes axes(scale);
     axes.drawGrid(canvas);
-    paintDrawing(canvas, scene, style, scale);
+    paintDrawing(canvas, scene, style, scale, progress);
     const std::string unit = caption.unit.empty() ? "drawing units" : caption.unit;
     axes.drawAround(canvas, {"x", unit}, {caption.yName, unit});
     drawHeading(canvas, size, caption.title, lines);

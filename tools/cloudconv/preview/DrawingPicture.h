@@ -4,6 +4,7 @@
 #include "tools/cloudconv/preview/DrawingScene.h"
 #include "tools/cloudconv/preview/DrawingStyle.h"
 
+#include <functional>
 #include <string>
 
 /// What a picture of a drawing says beside what it shows. Texts are printable UTF-8.
@@ -21,6 +22,8 @@ struct DrawingCaption {
 /// Draws a drawing: contours in colours, their starts, directions and open ends, gaps with their
 /// widths, and what it all means.
 ///
+/// @param progress  called with the part that is done, 0 to 1; may be empty
 /// @return what the picture shows, in words
 std::string drawPicture(Canvas& canvas, const PictureSize& size, const DrawingScene& scene,
-                        const DrawingCaption& caption, const DrawingMarks& asked = {});
+                        const DrawingCaption& caption, const DrawingMarks& asked = {},
+                        const std::function<bool(double)>& progress = {});

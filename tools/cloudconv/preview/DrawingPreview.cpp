@@ -124,8 +124,11 @@ Bytes previewOfDrawing(const Bytes& bytes, const PreviewOptions& options, Pictur
     checkOptions(options);
     const bool isPage = format == PictureFormat::Html;
     const Drawn drawn = (options.plain ? walked : followed)(bytes, options, isPage, report);
-    report.progress.begin("drawing " + report.input);
-    const DrawingScene scene = sceneOf(drawn.path, options.distance);
+    const auto progress = report.progress.beginParts("drawing " + report.input);
+    // Half the time goes into what there is to see, and half into showing it.
+    constexpr double half = 0.5;
+    const DrawingScene scene =
+        sceneOf(drawn.path, options.distance, [&](double done) { return progress(half * done); });
     const std::string leftOut = leftOutText(drawn.path.leftOut);
     checkIsVisible(scene, leftOut, report);
     for (const auto* const notes : {&drawn.path.notes, &drawn.notes}) {
@@ -143,6 +146,8 @@ Bytes previewOfDrawing(const Bytes& bytes, const PreviewOptions& options, Pictur
     Canvas canvas(format, options.size);
     const DrawingCaption caption = {report.title, symbolOf(drawn.path.unit),
                                     yNameOf(scene, options.plain), leftOut};
-    const std::string words = drawPicture(canvas, options.size, scene, caption, options.marks);
+    const std::string words =
+        drawPicture(canvas, options.size, scene, caption, options.marks,
+                    [&](double done) { return progress(half + half * done); });
     return canvas.finish(report.title, words);
 }

@@ -1,6 +1,7 @@
 #include "tools/cloudconv/preview/DrawingScene.h"
 
 #include "converters/check/NearMisses.h"
+#include "converters/check/SearchProgress.h"
 #include "tools/cloudconv/Contours.h"
 #include "tools/cloudconv/Wording.h"
 
@@ -50,11 +51,16 @@ DrawnContour drawn(const converters::DrawingPath& path, const converters::PathCo
 
 } // namespace
 
-DrawingScene sceneOf(const converters::DrawingPath& path, double distance) {
+DrawingScene sceneOf(const converters::DrawingPath& path, double distance,
+                     std::function<bool(double)> progress) {
+    converters::SearchProgress search(std::move(progress));
+    constexpr double drawnAll = 0.1;
+    search.begin(drawnAll, path.contours.size());
     DrawingScene scene;
     UsedLayers layers(path);
     scene.contours.reserve(path.contours.size());
     for (const converters::PathContour& contour : path.contours) {
+        search.reached(scene.contours.size());
         scene.contours.push_back(drawn(path, contour, distance));
         scene.contours.back().layer = layers.numberOf(contour.layer);
         scene.points += contour.endPoint - contour.firstPoint;
@@ -67,7 +73,9 @@ DrawingScene sceneOf(const converters::DrawingPath& path, double distance) {
         }
     }
     scene.layers = layers.names();
-    for (const converters::NearMiss& miss : converters::nearMissesOf(path, distance)) {
+    search.begin(1.0, 4 * path.contours.size());
+    for (const converters::NearMiss& miss :
+         converters::nearMissesOf(path, distance, converters::joiningDistance, search)) {
         scene.gaps.push_back({placeOf(miss.first), placeOf(miss.second), miss.distance});
     }
     return scene;

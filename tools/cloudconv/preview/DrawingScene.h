@@ -5,6 +5,7 @@
 #include "tools/cloudconv/preview/Plane.h"
 
 #include <cstddef>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -41,4 +42,6 @@ struct DrawingScene {
 };
 
 /// @param distance  ends of open contours up to this far apart are gaps
-DrawingScene sceneOf(const converters::DrawingPath& path, double distance);
+/// @param progress  called with the part that is done, 0 to 1, and returns true; may be empty
+DrawingScene sceneOf(const converters::DrawingPath& path, double distance,
+                     std::function<bool(double)> progress = {});

@@ -178,15 +178,10 @@ private:
 
 PreviewScan previewScanOf(const std::string& name, const std::vector<unsigned char>& bytes,
                           const std::string& intensity, Progress& progress) {
-    constexpr double parts = 1000.0;
-    progress.begin("reading points of " + name, static_cast<std::size_t>(parts));
     converters::ScanOptions options;
     options.intensity = intensity;
     options.automaticShift = true;
-    options.progress = [&progress](double done) {
-        progress.reached(static_cast<std::size_t>(done * parts));
-        return true;
-    };
+    options.progress = progress.beginParts("reading points of " + name);
     ScanReader reader(bytes.data(), bytes.size(), options);
     return Reading(name, reader).read();
 }

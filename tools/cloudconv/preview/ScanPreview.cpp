@@ -31,8 +31,10 @@ void checkOptions(const PreviewOptions& options, PictureFormat format) {
 }
 
 PreviewScan plainScanOf(const Bytes& bytes, PreviewReport& report) {
-    report.progress.begin("reading points of " + report.input);
+    constexpr std::size_t steps = 2;
+    report.progress.begin("reading points of " + report.input, steps);
     PlyContents contents = readPly(report.input, bytes);
+    report.progress.step();
     PreviewScan scan;
     scan.cloud = std::move(contents.cloud);
     scan.hasIntensity = contents.hasIntensity;
@@ -88,10 +90,12 @@ Bytes previewOfScan(const Bytes& bytes, const PreviewOptions& options, PictureFo
     for (const std::string& note : scan.notes) {
         report.notes.add(note);
     }
-    report.progress.begin("drawing " + report.input);
+    constexpr std::size_t steps = 3;
+    report.progress.begin("drawing " + report.input, steps);
     const bool isPage = format == PictureFormat::Html;
     const CloudColour colour = isPage ? CloudColour::Height : colourOf(scan, options, report);
     const CloudScene scene(scan, options.view.value_or(CloudView::Top), colour);
+    report.progress.step();
     checkIsVisible(scene, scan.cloud.size(), report);
     report.addLeftOut(scene.pointsWithoutPlace());
     if (isPage) {
@@ -101,5 +105,6 @@ Bytes previewOfScan(const Bytes& bytes, const PreviewOptions& options, PictureFo
     Canvas canvas(format, options.size);
     const std::string words =
         drawPicture(canvas, options.size, scene, report.title, summaryOf(scan));
+    report.progress.step();
     return canvas.finish(report.title, words);
 }

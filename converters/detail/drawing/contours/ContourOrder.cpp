@@ -68,8 +68,30 @@ private:
             ++level.rest.first;
         }
         const bool isFirst = m_order.empty();
-        level.tour = shortTour({m_contours, m_rounding, members, m_here, !isFirst}, m_cost);
+        level.tour = tourOver(members, !isFirst);
         level.next = 0;
+    }
+
+    /// A tour, which tells of its part of the whole work what is done.
+    std::vector<ContourVisit> tourOver(const std::vector<std::uint32_t>& members, bool fromHere) {
+        const auto partBehind = [this](std::size_t toured) {
+            constexpr double nesting = 0.2;
+            return nesting + (1 - nesting) * static_cast<double>(toured) /
+                                 static_cast<double>(m_contours.size());
+        };
+        OrderCost cost;
+        const double begin = partBehind(m_toured);
+        m_toured += members.size();
+        if (m_cost.progress) {
+            const double end = partBehind(m_toured);
+            cost.progress = [this, begin, end](double done) {
+                m_cost.progress(begin + (end - begin) * done);
+            };
+        }
+        std::vector<ContourVisit> tour =
+            shortTour({m_contours, m_rounding, members, m_here, fromHere}, cost);
+        m_cost.looks += cost.looks;
+        return tour;
     }
 
     /// Walks the next contour of a level.
@@ -89,6 +111,8 @@ private:
     const PlaceRounding& m_rounding;
     const Nesting m_nesting;
     OrderCost& m_cost;
+    /// How many contours have a place in a tour.
+    std::size_t m_toured = 0;
     std::vector<Level> m_open;
     std::vector<ContourVisit> m_order;
     Place m_here{0, 0, 0};

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <vector>
 
 /// In which order contours are best walked. Points are looked at only, never changed; the caller
@@ -38,15 +39,28 @@ struct ContourVisit {
     bool reversed;
 };
 
-/// What finding an order has cost, in looks at places, boxes and edges.
+/// What finding an order has cost, in looks at places, boxes and edges, and who is told how far it
+/// is.
 struct OrderCost {
     std::uint64_t looks = 0;
+    /// Called with the part that is done, 0 to 1; may be empty. What it throws ends the work.
+    std::function<void(double)> progress = {};
+
+    /// Tells of large numbers of steps alone, now and then: of a share of a stage, which goes on
+    /// from one part of the work to another.
+    void report(double begin, double end, std::size_t step, std::size_t steps) const {
+        constexpr std::size_t stepsPerReport = 1 << 12;
+        if (step % stepsPerReport == stepsPerReport - 1 && progress) {
+            progress(begin +
+                     (end - begin) * static_cast<double>(step) / static_cast<double>(steps));
+        }
+    }
 };
 
 /// An order with short ways between the contours: the nearest next, improved by exchanges (2-opt
 /// and Or-opt among neighbours). Begins near the origin.
 ///
-/// @param cost  what it has cost is added there, if not null
+/// @param cost  what it has cost is added there, and how far it is is told there, if not null
 std::vector<ContourVisit> nearestOrder(const std::vector<ContourShape>& contours,
                                        OrderCost* cost = nullptr);
 
@@ -56,7 +70,7 @@ std::vector<ContourVisit> nearestOrder(const std::vector<ContourShape>& contours
 /// Inside is meant in the plane of x and y, by the even-odd rule. Contours that cross or equal each
 /// other have no order between them.
 ///
-/// @param cost  what it has cost is added there, if not null
+/// @param cost  what it has cost is added there, and how far it is is told there, if not null
 std::vector<ContourVisit> insideFirstOrder(const std::vector<ContourShape>& contours,
                                            OrderCost* cost = nullptr);
 

@@ -20,6 +20,8 @@ constexpr std::size_t mostCandidates = 1U << 20;
 constexpr std::uint64_t nodesPerSearch = 300;
 constexpr std::size_t mostNodes = 3000;
 constexpr std::size_t fewNodes = 60;
+/// The part of the work that the first order takes.
+constexpr double endOfNearestNext = 0.3;
 
 /// How many places there are to start at: of open contours the two ends.
 std::size_t startsOf(const ContourShape& contour) {
@@ -45,7 +47,7 @@ public:
 
     std::vector<ContourVisit> build() {
         TourStops tour(nearestNext(), m_task.fromStart ? &m_task.start : nullptr);
-        improve(tour, m_cost);
+        improve(tour, m_cost, endOfNearestNext);
         // The second time, the neighbours have settled.
         chooseStarts(tour);
         chooseStarts(tour);
@@ -104,6 +106,7 @@ private:
         while (const auto next =
                    tree.nearestTo(here, m_cost.looks < enough ? mostNodes : fewNodes)) {
             tree.remove(next->owner);
+            m_cost.report(0, endOfNearestNext, stops.size(), members);
             stops.push_back(stopAt(next->owner, next->mark));
             here = stops.back().ends[1];
         }

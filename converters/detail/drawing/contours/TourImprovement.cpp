@@ -32,7 +32,8 @@ constexpr double rounding = 1e-9;
 
 class Improvement {
 public:
-    Improvement(TourStops& tour, OrderCost& cost) : m_tour(tour), m_cost(cost) {
+    Improvement(TourStops& tour, OrderCost& cost, double begin)
+        : m_tour(tour), m_cost(cost), m_begin(begin), m_middle((begin + 1) / 2) {
         m_limit = cost.looks + looksPerStop * tour.size();
         findNeighbours();
     }
@@ -43,9 +44,16 @@ public:
         for (std::size_t i = m_tour.size(); i-- > 0;) {
             queue.push_back(m_tour.at(i));
         }
+        // Stops that wait again are taken first, so that the shortest queue so far tells how many
+        // have had their turn.
+        std::size_t shortest = queue.size();
         while (!queue.empty() && m_cost.looks < m_limit) {
             const Stop stop = queue.back();
             queue.pop_back();
+            if (queue.size() < shortest) {
+                shortest = queue.size();
+                m_cost.report(m_middle, 1, m_tour.size() - shortest, m_tour.size());
+            }
             m_waits[stop] = 0;
             while (m_cost.looks < m_limit && improveAt(stop)) {
                 for (const Stop changed : m_changed) {
@@ -80,6 +88,7 @@ private:
         m_firstNeighbour.push_back(0);
         std::vector<PlaceTree::Entry> found;
         for (Stop stop = 0; stop < stops; ++stop) {
+            m_cost.report(m_begin, m_middle, stop, stops);
             for (const Place& end : m_tour.stop(stop).ends) {
                 found.clear();
                 tree.nearestTo(end, stop, neighboursOfPlace, mostNodes, found);
@@ -224,6 +233,9 @@ private:
 
     TourStops& m_tour;
     OrderCost& m_cost;
+    /// The parts of the work that are done before, and when the neighbours are known.
+    double m_begin;
+    double m_middle;
     std::uint64_t m_limit = 0;
     std::vector<std::size_t> m_firstNeighbour;
     std::vector<Neighbour> m_neighbours;
@@ -233,9 +245,9 @@ private:
 
 } // namespace
 
-void improve(TourStops& tour, OrderCost& cost) {
+void improve(TourStops& tour, OrderCost& cost, double begin) {
     if (tour.size() > 2) {
-        Improvement(tour, cost).run();
+        Improvement(tour, cost, begin).run();
     }
 }
 
