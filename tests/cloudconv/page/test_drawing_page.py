@@ -348,6 +348,16 @@ def test_works_at_the_width_of_a_phone(shapes):
     assert shapes.one("#panel-button").get_attribute("aria-expanded") == "false"
 
 
+@pytest.mark.parametrize("width, height", [(320, 568), (390, 844), (844, 390)])
+def test_no_button_covers_the_drawing_on_a_phone(shapes, width, height):
+    shapes.size(width, height)
+    chips = [chip.rect for chip in shapes.all(".chips button")]
+    assert len({chip["y"] for chip in chips}) == 1, "in one line"
+    left, top, stage_width, _ = shapes.stage()
+    assert all(chip["x"] + chip["width"] <= left + stage_width for chip in chips)
+    assert top + place(shapes, 60, 80)[1] > max(chip["y"] + chip["height"] for chip in chips)
+
+
 def test_everything_that_can_be_used_has_a_name_and_the_keyboard_gets_there(shapes):
     nameless = shapes.run("""
         return [...document.querySelectorAll('button, input, select, [tabindex="0"]')].filter((e) =>

@@ -50,7 +50,9 @@ export class View {
 
     /** Shows a box, with some room around it: the page's buttons lie in the corners. */
     fit(box = this.whole, margin = 58) {
-        const room = (pixels) => Math.max(pixels - 2 * margin, 0.72 * pixels);
+        // Where there is little, the buttons at the top still have theirs.
+        const room = (pixels) =>
+            Math.max(pixels - 2 * margin, Math.min(0.72 * pixels, pixels - 96), 0.4 * pixels);
         const [width, height] = [box[2] - box[0], box[3] - box[1]];
         const scale = Math.min(room(this.width) / width, room(this.height) / height);
         // What has no extent is shown with a thousandth of the drawing around it.
