@@ -1,7 +1,8 @@
 # What `cmake --install` puts where: the libraries, the headers, the CMake package, the pkg-config
 # file, cloudconv with its manual page, and the licence notes.
 #
-# Components, one for each Debian package: runtime, development, cloudconv.
+# Components, one for each Debian package: runtime, development, cloudconv. python/CMakeLists.txt has
+# the fourth, python3.
 include(CMakePackageConfigHelpers)
 
 # Outside the folders that the loader searches, the libraries find each other by their place.

@@ -1,4 +1,5 @@
-# Debian packages, one for each install component: libconverters1, libconverters-dev, cloudconv.
+# Debian packages, one for each install component: libconverters1, libconverters-dev, cloudconv,
+# python3-converters.
 # scripts/package.sh makes them.
 
 # Lays the install out as Debian packages want it; the preset "package" sets it.
@@ -15,6 +16,9 @@ set(CPACK_STRIP_FILES ON)
 set(CPACK_COMPONENTS_ALL runtime development)
 if(TARGET cloudconv)
   list(APPEND CPACK_COMPONENTS_ALL cloudconv)
+endif()
+if(CONVERTERS_BUILD_PYTHON)
+  list(APPEND CPACK_COMPONENTS_ALL python3)
 endif()
 
 set(CPACK_DEB_COMPONENT_INSTALL ON)
@@ -47,6 +51,18 @@ set(CPACK_DEBIAN_CLOUDCONV_PACKAGE_SECTION utils)
 set(CPACK_DEBIAN_CLOUDCONV_DESCRIPTION "Command-line tool.")
 set(CPACK_DEBIAN_CLOUDCONV_PACKAGE_SHLIBDEPS ON)
 set(CPACK_COMPONENT_CLOUDCONV_DEPENDS runtime)
+
+# The module is for one release of Python.
+set(CPACK_DEBIAN_PYTHON3_PACKAGE_NAME python3-converters)
+set(CPACK_DEBIAN_PYTHON3_PACKAGE_SECTION python)
+set(CPACK_DEBIAN_PYTHON3_DESCRIPTION "Python package on the libraries of libconverters.")
+set(CPACK_DEBIAN_PYTHON3_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PYTHON3_PACKAGE_DEPENDS
+    "python3 (>= 3.11~), python3 (<< 3.12), python3-numpy (>= 1:1.19)")
+set(CPACK_DEBIAN_PYTHON3_PACKAGE_SUGGESTS "python3-matplotlib, python3-pandas")
+set(CPACK_DEBIAN_PYTHON3_PACKAGE_CONTROL_EXTRA ${CMAKE_CURRENT_LIST_DIR}/debian/postinst
+                                               ${CMAKE_CURRENT_LIST_DIR}/debian/prerm)
+set(CPACK_COMPONENT_PYTHON3_DEPENDS runtime)
 
 if(CONVERTERS_DEBIAN_LAYOUT)
   foreach(_component IN LISTS CPACK_COMPONENTS_ALL)

@@ -12,3 +12,7 @@ set(CMAKE_CROSSCOMPILING_EMULATOR qemu-aarch64 -L /)
 
 # pkg-config of the target's packages.
 set(ENV{PKG_CONFIG_LIBDIR} /usr/lib/aarch64-linux-gnu/pkgconfig:/usr/share/pkgconfig)
+
+# Python's headers are the same for every processor, but for one that the compiler finds; what the
+# interpreter says of its own is not of the target.
+set(Python3_INCLUDE_DIR /usr/include/python3.11)

@@ -16,7 +16,8 @@ packages=(
   chromium chromium-driver python3-selenium python3-pil
   # to build and test the Python package
   python3-dev python3-pybind11 python3-numpy
-  python3-pytest python3-matplotlib python3-pip python3-setuptools python3-venv python3-wheel mypy
+  python3-pytest python3-matplotlib python3-distributed
+  python3-pip python3-setuptools python3-venv python3-wheel mypy
   # to package, and to install the packages in a fresh root
   dpkg-dev file pkg-config debootstrap
 )
@@ -24,6 +25,7 @@ aarch64_packages=(
   g++-aarch64-linux-gnu qemu-user
   libpcl-common1.13:arm64 libdxflib-dev:arm64 libboost-filesystem1.74-dev:arm64
   libspdlog-dev:arm64 libcairo2:arm64 libgtest-dev:arm64 libgmock-dev:arm64
+  libpython3.11-dev:arm64
 )
 bench_packages=(
   libbenchmark-dev libvtk9-dev libopen3d-dev libboost-iostreams-dev libgdal-dev

@@ -81,6 +81,36 @@ printf '%s\n' ply 'format ascii 1.0' 'element vertex 3' 'property float x' 'prop
 diff <(tail -n 3 "$root/tmp/scan.ply") <(tail -n 3 "$root/tmp/text.ply")
 [ -s "$root/usr/share/man/man1/cloudconv.1" ]
 
+# The Python package: a scan there and back. Of the other processor, Python itself cannot be installed
+# beside this one's.
+package=$(find "$root/tmp" -name 'python3-converters_*.deb')
+[ "$(dpkg-deb --field "$package" Architecture)" = "$architecture" ]
+version=$(dpkg-deb --field "$package" Version)
+for dependency in "libconverters1 (= $version)" python3-numpy 'python3 (<< 3.12)'; do
+  dpkg-deb --field "$package" Depends | grep -qF "$dependency"
+done
+dpkg-deb --extract "$package" "$root/tmp/python"
+modules=usr/lib/python3/dist-packages/converters
+diff <(cd "$project/python/converters" && find . -name '*.py*' ! -path '*__pycache__*' | sort) \
+  <(cd "$root/tmp/python/$modules" && find . -name '*.py*' | sort)
+machine=$([ "$architecture" = arm64 ] && echo aarch64 || echo x86_64)
+file "$root/tmp/python/$modules/_native.cpython-311-$machine-linux-gnu.so" |
+  grep -q "shared object, $([ "$architecture" = arm64 ] && echo 'ARM aarch64' || echo x86-64)"
+[ -s "$root/tmp/python/usr/share/doc/python3-converters/copyright" ]
+if [ "$architecture" = "$native" ]; then
+  install python3-converters
+  chroot "$root" python3 -c '
+import converters, importlib.metadata
+cloud = converters.read_scan("/tmp/scan.ply")
+assert converters.from_ply(cloud.to_bytes()).xyz.shape == (3, 3)
+assert importlib.metadata.version("converters") == converters.__version__
+assert converters.__file__.startswith("/usr/lib/python3/"), converters.__file__
+'
+  [ -d "$root/$modules/__pycache__" ]
+  quiet chroot "$root" apt-get remove -y python3-converters
+  [ ! -e "$root/$modules" ]
+fi
+
 # Development files: that their dependencies can be met, the other processor's cannot be installed
 # beside this one's.
 if [ "$architecture" = "$native" ]; then
