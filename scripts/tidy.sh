@@ -5,8 +5,10 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 
 scripts/install-dependencies.sh --tidy
-# Every source has to be in the list of compile commands.
-cmake --preset release -DCONVERTERS_BUILD_PYTHON=ON -DCMAKE_EXPORT_COMPILE_COMMANDS=ON >/dev/null
+# Every source has to be in the list of compile commands; headers that gcc has precompiled are not for
+# clang.
+cmake --preset release -B build/tidy -DCONVERTERS_BUILD_PYTHON=ON -DCONVERTERS_PRECOMPILE_HEADERS=OFF \
+  -DCMAKE_EXPORT_COMPILE_COMMANDS=ON >/dev/null
 
 sources=("$@")
 if [ "${#sources[@]}" -eq 0 ]; then
@@ -16,5 +18,5 @@ if [ "${#sources[@]}" -eq 0 ]; then
 fi
 # What clang-tidy says of warnings that it keeps to itself goes to standard error.
 printf '%s\0' "${sources[@]}" |
-  xargs -0 -P "$(nproc)" -n 1 clang-tidy-14 -p build/release --quiet 2>/dev/null
+  xargs -0 -P "$(nproc)" -n 1 clang-tidy-14 -p build/tidy --quiet 2>/dev/null
 echo "clang-tidy found nothing in ${#sources[@]} sources"

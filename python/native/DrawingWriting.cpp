@@ -96,7 +96,7 @@ std::shared_ptr<DXFEntity> polylineOf(const Table& table) {
 std::shared_ptr<DXFDocument> drawingOf(const std::vector<Layer>& layers,
                                        const std::vector<Entity>& entities) {
     constexpr int columns = 4;
-    const std::shared_ptr<DXFDocument> drawing = emptyDrawing(layers);
+    std::shared_ptr<DXFDocument> drawing = emptyDrawing(layers);
     // As they are written.
     std::vector<std::string> names;
     for (const auto& layer : drawing->layers()) {
