@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -166,13 +167,19 @@ void Mover::reverseCurve(const PathPiece& piece) {
     }
 }
 
+/// How far a way leads along a half axis, as a part of it.
+double partAlong(const Vector& way, const Vector& halfAxis) {
+    // Its square may vanish.
+    const std::optional<Vector> direction = directionOf(halfAxis);
+    return direction ? std::clamp(way.dot(*direction) / lengthOf(halfAxis), -1.0, 1.0) : 0;
+}
+
 /// Of a full circle only its points tell where it starts.
 void Mover::startElsewhere(const PathPiece& piece, const Point& start) {
     if (piece.kind == PathCurveKind::ellipticArc) {
         PathEllipticArc& arc = m_from.ellipticArcs[piece.curve];
         const Vector way = start - arc.centre;
-        arc.start = std::atan2(way.dot(arc.minor) / arc.minor.dot(arc.minor),
-                               way.dot(arc.major) / arc.major.dot(arc.major));
+        arc.start = std::atan2(partAlong(way, arc.minor), partAlong(way, arc.major));
     }
 }
 

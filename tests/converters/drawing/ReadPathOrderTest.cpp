@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <set>
 #include <tuple>
 
@@ -131,6 +132,21 @@ TEST(ReadPathOrder, ChangesNothingElse) {
             EXPECT_EQ(path.pieces.size(), drawn.pieces.size());
             EXPECT_EQ(path.entities.size(), drawn.entities.size());
         }
+    }
+}
+
+TEST(ReadPathOrder, EllipsesOfNearlyNoWidthStartElsewhereAsWell) {
+    const std::string blocks =
+        section("BLOCKS", "0 BLOCK  2 b  10 0  20 0  0 CIRCLE  10 0  20 0  40 2  0 ENDBLK");
+    for (const char* const height : {"1e-3", "1e-170", "6e-313"}) {
+        SCOPED_TRACE(height);
+        const std::string insert = "0 INSERT  2 b  10 0  20 0  42 " + std::string(height);
+        const DrawingPath path =
+            pathOf(drawingOf("0 LINE  10 -9  20 0  11 -8  21 0  " + insert, blocks),
+                   inOrder(PathOrder::nearest));
+        ASSERT_EQ(path.ellipticArcs.size(), 1U);
+        EXPECT_NEAR(std::cos(path.ellipticArcs[0].start), -1, 1e-12);
+        EXPECT_EQ(faultOf(path), "");
     }
 }
 
