@@ -13,4 +13,9 @@ struct DXFContour {
     /// circle by itself, whose walk stops a step short of its start, unless that step is shorter
     /// than 0.001.
     bool closed;
+    /// Index of the first piece that it is made of: one for each of its entities, in the order of
+    /// the walk.
+    std::size_t firstPiece = 0;
+    /// Index behind its last piece.
+    std::size_t endPiece = 0;
 };

@@ -91,21 +91,29 @@ void DXFDocument::setup() {
 }
 
 std::vector<cv::Point3_<double>> DXFDocument::getPoints() const {
-    return walk(nullptr);
+    return walk(nullptr, nullptr);
 }
 
 std::vector<cv::Point3_<double>> DXFDocument::getPoints(std::vector<DXFContour>& contours) const {
     contours.clear();
-    return walk(&contours);
+    return walk(&contours, nullptr);
 }
 
-std::vector<cv::Point3_<double>> DXFDocument::walk(std::vector<DXFContour>* contours) const {
+std::vector<cv::Point3_<double>> DXFDocument::getPoints(std::vector<DXFContour>& contours,
+                                                        std::vector<DXFPiece>& pieces) const {
+    contours.clear();
+    pieces.clear();
+    return walk(&contours, &pieces);
+}
+
+std::vector<cv::Point3_<double>> DXFDocument::walk(std::vector<DXFContour>* contours,
+                                                   std::vector<DXFPiece>* pieces) const {
     const dxfeditor::Entities& entities = m_entities->slots();
     dxfeditor::Runs drawing = dxfeditor::runsOf(entities);
     std::vector<cv::Point3_<double>> points = dxfeditor::roomFor(drawing.runs, entities);
     // A statement of its own: at its end the ends are freed, before the points are written.
     const base::Walk order =
         base::stitch(std::move(drawing.ends), base::JoinDistance(dxfeditor::joinDistance));
-    dxfeditor::append(order, drawing.runs, entities, points, contours);
+    dxfeditor::append(order, drawing.runs, entities, points, contours, pieces);
     return points;
 }

@@ -4,6 +4,7 @@
 #include "dxfeditor/DXFEntity.h"
 #include "dxfeditor/DXFLayer.h"
 #include "dxfeditor/DXFLineType.h"
+#include "dxfeditor/DXFPiece.h"
 #include "dxfeditor/Export.h"
 
 #include <opencv2/core/types.hpp>
@@ -94,8 +95,20 @@ public:
     /// @throws std::bad_alloc as above; `contours` is then incomplete
     std::vector<cv::Point3_<double>> getPoints(std::vector<DXFContour>& contours) const;
 
+    /// The same walk, with its contours and the entities that they are made of.
+    ///
+    /// @param contours  as above
+    /// @param pieces    replaced by the parts of the result that come of one entity each, in the
+    ///                  order of the walk. They follow one another without gaps and cover it. In
+    ///                  the example above there are two: 11 points of the second line, then 10 of
+    ///                  the first.
+    /// @throws std::bad_alloc as above; `contours` and `pieces` are then incomplete
+    std::vector<cv::Point3_<double>> getPoints(std::vector<DXFContour>& contours,
+                                               std::vector<DXFPiece>& pieces) const;
+
 private:
-    DXFEDITOR_HIDDEN std::vector<cv::Point3_<double>> walk(std::vector<DXFContour>* contours) const;
+    DXFEDITOR_HIDDEN std::vector<cv::Point3_<double>> walk(std::vector<DXFContour>* contours,
+                                                           std::vector<DXFPiece>* pieces) const;
 
     std::list<std::shared_ptr<DXFLayer>> m_layers;
     std::list<std::shared_ptr<DXFLineType>> m_lineTypes;

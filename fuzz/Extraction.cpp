@@ -133,13 +133,20 @@ void evaluate(const DXFSpline& spline, ByteSource& source) {
     }
 }
 
-void verifyContours(const std::vector<DXFContour>& contours, std::size_t points) {
+void verifyContours(const std::vector<DXFContour>& contours, const std::vector<DXFPiece>& pieces,
+                    std::size_t points) {
     std::size_t end = 0;
+    std::size_t piece = 0;
     for (const DXFContour& contour : contours) {
-        FUZZ_VERIFY(contour.begin == end && contour.end >= contour.begin);
-        end = contour.end;
+        FUZZ_VERIFY(contour.begin == end && contour.end > contour.begin);
+        FUZZ_VERIFY(contour.firstPiece == piece && contour.endPiece <= pieces.size());
+        for (; piece < contour.endPiece; ++piece) {
+            FUZZ_VERIFY(pieces[piece].begin == end && pieces[piece].end >= end);
+            end = pieces[piece].end;
+        }
+        FUZZ_VERIFY(contour.end == end);
     }
-    FUZZ_VERIFY(end == points);
+    FUZZ_VERIFY(end == points && piece == pieces.size());
 }
 
 bool isSame(double a, double b) {
@@ -175,8 +182,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
         return 0;
     }
     std::vector<DXFContour> contours;
-    const std::vector<Point> points = document.getPoints(contours);
-    verifyContours(contours, points.size());
+    std::vector<DXFPiece> pieces;
+    const std::vector<Point> points = document.getPoints(contours, pieces);
+    verifyContours(contours, pieces, points.size());
     FUZZ_VERIFY(areSame(points, document.getPoints()));
     FUZZ_VERIFY(areSame(points, plainPoints(document)));
     return 0;

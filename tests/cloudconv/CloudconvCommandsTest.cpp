@@ -183,6 +183,42 @@ TEST_F(CloudconvInfoPlain, HasBoundsOfPointsInBothCoordinates) {
     EXPECT_EQ(info["contour_list"][1]["kind"], "points");
 }
 
+/// The kinds of a drawing's contours, in the order of its walk.
+std::vector<std::string> kindsOf(const Json& info) {
+    std::vector<std::string> kinds;
+    for (const Json& contour : info["contour_list"]) {
+        kinds.push_back(contour["kind"]);
+    }
+    return kinds;
+}
+
+TEST_F(CloudconvInfoPlain, KnowsCirclesFromWhatLooksLikeThem) {
+    const std::string circle = dxf("0 CIRCLE  8 0  10 5  20 5  40 1");
+    const std::string tiny = dxf("0 CIRCLE  8 0  10 8  20 8  40 0.004");
+    const Json info = infoOf(drawingFile(
+        drawing(circle + pointAt(6, 5, 0) + tiny + arc(11, 5, 1, 0, 359) + circle + circle)));
+    EXPECT_EQ(info["contours"]["circles"], 1) << "the tiny one: the others are joined";
+    const Json alone = infoOf(drawingFile(
+        drawing(circle + pointAt(6, 5, 0) + tiny + arc(11, 5, 1, 0, 359) + line(0, 0, 1, 0))));
+    EXPECT_EQ(kindsOf(alone), (std::vector<std::string>{"open", "open", "circle", "circle"}));
+    EXPECT_EQ(kindsOf(infoOf(drawingFile(drawing(circle + line(6, 5, 6.3, 5))))),
+              std::vector<std::string>{"open"});
+    EXPECT_EQ(kindsOf(infoOf(drawingFile(drawing(circle + line(6, 5, 6.05, 5))))),
+              std::vector<std::string>{"circle"})
+        << "a line that is a single point in the walk";
+}
+
+TEST_F(CloudconvInfoPlain, KnowsPointsThatAreJoined) {
+    const std::string first = pointAt(0, 0, 1) + pointAt(0, 0, 2);
+    const std::string second = pointAt(0, 0, 2) + pointAt(0, 3, 3);
+    const Json info =
+        infoOf(drawingFile(drawing(first + line(9, 9, 10, 9) + second + line(7, 7, 8, 7))));
+    EXPECT_EQ(kindsOf(info), (std::vector<std::string>{"open", "points", "open"}));
+    EXPECT_EQ(info["contour_list"][1]["points"], 3);
+    EXPECT_EQ(info["contour_list"][1]["length"], 0.0);
+    EXPECT_EQ(info["bounds_in_drawing"]["z"], (Json{0.0, 3.0}));
+}
+
 TEST_F(CloudconvInfoPlain, IsReadableAsTextAndCutsLongLists) {
     std::string lines;
     for (int i = 0; i < 30; ++i) {

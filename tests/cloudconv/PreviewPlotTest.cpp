@@ -454,7 +454,7 @@ Path walkOf(const std::vector<std::shared_ptr<DXFEntity>>& entities) {
         contents.document->addEntity(entity);
     }
     contents.document->setup();
-    contents.points = contents.document->getPoints(contents.contours);
+    contents.points = contents.document->getPoints(contents.contours, contents.pieces);
     return pathOfWalk(contents, converters::LengthUnit::millimetre);
 }
 

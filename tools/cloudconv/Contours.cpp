@@ -1,95 +1,60 @@
 #include "tools/cloudconv/Contours.h"
 
-#include "dxfeditor/DXFCircle.h"
 #include "dxfeditor/DXFDocument.h"
-#include "dxfeditor/DXFPointVector.h"
+#include "dxfeditor/DXFEntity.h"
 
 #include <algorithm>
 #include <cmath>
-#include <map>
-#include <memory>
-#include <set>
-#include <tuple>
-#include <utility>
 
 namespace {
 
-using Point = cv::Point3_<double>;
-using Place = std::tuple<double, double, double>;
-
-Place placeOf(const Point& point) {
-    return {point.x, point.y, point.z};
-}
-
-/// Where the entities that are contours of their own kind begin, and what tells them there.
-struct Beginnings {
-    std::multimap<Place, std::shared_ptr<DXFCircle>> circles;
-    /// With how many points there are.
-    std::set<std::pair<Place, std::size_t>> vectors;
-};
-
-Beginnings beginningsOf(const DXFDocument& document) {
-    Beginnings found;
-    for (const std::shared_ptr<DXFEntity>& entity : document.entities()) {
-        if (const auto circle = std::dynamic_pointer_cast<DXFCircle>(entity)) {
-            const Point center = circle->getCenter();
-            const Point start(center.x + circle->getRadius(), 0.0, center.y);
-            if (hasPlace(start)) {
-                found.circles.emplace(placeOf(start), circle);
-            }
-        } else if (const auto vector = std::dynamic_pointer_cast<DXFPointVector>(entity)) {
-            const std::vector<Point>& points = vector->points();
-            const Point start(points.front().x, points.front().y, -points.front().z);
-            if (hasPlace(start)) {
-                found.vectors.emplace(placeOf(start), points.size());
-            }
-        }
-    }
-    return found;
-}
-
-/// Whether a stretch of the walk goes once around, up to the last step.
-bool goesAround(const DXFCircle& circle, const Point* begin, const Point* end) {
-    constexpr double oneAndAHalf = 1.5;
-    const Point center(circle.getCenter().x, 0.0, circle.getCenter().y);
-    const double radius = std::abs(circle.getRadius());
-    const double tolerance = 1e-9 * (radius + std::abs(center.x) + std::abs(center.z));
-    return distanceOf(*begin, *(end - 1)) < oneAndAHalf * distanceOf(*begin, *(begin + 1)) &&
-           std::all_of(begin, end, [&](const Point& point) {
-               return std::abs(distanceOf(point, center) - radius) <= tolerance;
-           });
-}
-
+/// Tells what contours are, by the entities that they are made of.
 class Classification {
 public:
-    explicit Classification(const DxfContents& drawing)
-        : m_points(drawing.points), m_beginnings(beginningsOf(*drawing.document)) {}
+    explicit Classification(const DxfContents& drawing) : m_pieces(drawing.pieces) {
+        for (const std::shared_ptr<DXFEntity>& entity : drawing.document->entities()) {
+            m_types.push_back(entity->type());
+        }
+    }
 
     ContourKind kindOf(const DXFContour& contour) const {
-        const Point& start = m_points[contour.begin];
-        const std::size_t size = contour.end - contour.begin;
-        if (size == 1 || isOfPoints(contour)) {
+        const std::vector<int> types = typesOf(contour);
+        const bool isOfPoints = std::all_of(types.begin(), types.end(), [](int type) {
+            return type == DXFEntityType::Point || type == DXFEntityType::PointVector;
+        });
+        if (isOfPoints || contour.end - contour.begin == 1) {
             return ContourKind::Points;
         }
-        if (hasPlace(start)) {
-            const auto circles = m_beginnings.circles.equal_range(placeOf(start));
-            if (!contour.closed && circles.first != circles.second &&
-                goesAround(*circles.first->second, &start, &start + size)) {
-                return ContourKind::Circle;
-            }
+        if (types == std::vector<int>{DXFEntityType::Circle}) {
+            return ContourKind::Circle;
         }
         return contour.closed ? ContourKind::Closed : ContourKind::Open;
     }
 
     bool isOfPoints(const DXFContour& contour) const {
-        const Point& start = m_points[contour.begin];
-        return hasPlace(start) &&
-               m_beginnings.vectors.count({placeOf(start), contour.end - contour.begin}) > 0;
+        const std::vector<int> types = typesOf(contour);
+        return std::all_of(types.begin(), types.end(),
+                           [](int type) { return type == DXFEntityType::PointVector; });
     }
 
 private:
-    const std::vector<Point>& m_points;
-    Beginnings m_beginnings;
+    /// The types of a contour's entities. Single points tell nothing where they are joined to more:
+    /// a circle with a point on it is a circle.
+    std::vector<int> typesOf(const DXFContour& contour) const {
+        const bool isSingle = contour.end - contour.begin == 1;
+        std::vector<int> types;
+        for (std::size_t i = contour.firstPiece; i < contour.endPiece; ++i) {
+            const DXFPiece& piece = m_pieces[i];
+            const std::size_t ofEntity = piece.end - piece.begin + (piece.isJoined ? 1 : 0);
+            if (isSingle ? piece.begin < piece.end : ofEntity > 1) {
+                types.push_back(m_types[piece.entity]);
+            }
+        }
+        return types;
+    }
+
+    const std::vector<DXFPiece>& m_pieces;
+    std::vector<int> m_types;
 };
 
 } // namespace

@@ -15,8 +15,8 @@ struct Contour {
     std::size_t end;
     /// Of the walk along it, in drawing units; 0 for points.
     double length;
-    /// Whether these are POINTs, whose (x, y, z) is (x, y, -z) in the walk. What else there is has
-    /// its (x, y) at (x, 0, y).
+    /// Whether these are POINTs that follow one another in the drawing, whose (x, y, z) is
+    /// (x, y, -z) in the walk. What else there is has its (x, y) at (x, 0, y).
     bool isOfPoints;
 };
 

@@ -70,7 +70,7 @@ DxfContents readDxf(const std::string& path, const std::vector<unsigned char>& b
     progress.step();
     contents.document->setup();
     progress.step();
-    contents.points = contents.document->getPoints(contents.contours);
+    contents.points = contents.document->getPoints(contents.contours, contents.pieces);
     return contents;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "dxfeditor/DXFContour.h"
+#include "dxfeditor/DXFPiece.h"
 
 #include <opencv2/core/types.hpp>
 
@@ -17,9 +18,11 @@ struct DxfContents {
     /// The drawing, set up.
     std::shared_ptr<DXFDocument> document;
     std::size_t entityCount = 0;
-    /// The drawing's walk, in the coordinates of the cloud, and what of it is joined end to end.
+    /// The drawing's walk, in the coordinates of the cloud, what of it is joined end to end, and of
+    /// which entities that is made.
     std::vector<cv::Point3_<double>> points;
     std::vector<DXFContour> contours;
+    std::vector<DXFPiece> pieces;
     /// What of the file was not read; empty when all was.
     std::string cutOff;
 };

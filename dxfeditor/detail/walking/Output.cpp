@@ -40,8 +40,13 @@ std::vector<Point> roomFor(const std::vector<Run>& runs, const Entities& entitie
 }
 
 void append(const base::Walk& walk, const std::vector<Run>& runs, const Entities& entities,
-            std::vector<Point>& points, std::vector<DXFContour>* contours) {
+            std::vector<Point>& points, std::vector<DXFContour>* contours,
+            std::vector<DXFPiece>* pieces) {
     std::size_t start = points.size();
+    std::size_t firstPiece = 0;
+    if (pieces != nullptr) {
+        pieces->reserve(walk.size());
+    }
     for (std::size_t i = 0; i < walk.size(); ++i) {
         if (i + 3 * lookAhead < walk.size()) {
             base::prefetch(&runs[walk[i + 3 * lookAhead].run]);
@@ -49,7 +54,12 @@ void append(const base::Walk& walk, const std::vector<Run>& runs, const Entities
             runs[walk[i + lookAhead].run].prefetchEntity(entities);
         }
         const base::Piece& piece = walk[i];
+        const std::size_t begin = points.size();
         runs[piece.run].appendTo(points, entities, piece.direction, piece.dropped);
+        if (pieces != nullptr) {
+            pieces->push_back({begin, points.size(), runs[piece.run].entity(),
+                               piece.dropped != Dropped::Nothing});
+        }
         if (!piece.endsChain) {
             continue;
         }
@@ -57,9 +67,10 @@ void append(const base::Walk& walk, const std::vector<Run>& runs, const Entities
             points.back() = points[start];
         }
         if (contours != nullptr) {
-            contours->push_back({start, points.size(), piece.closesChain});
+            contours->push_back({start, points.size(), piece.closesChain, firstPiece, i + 1});
         }
         start = points.size();
+        firstPiece = i + 1;
     }
 }
 

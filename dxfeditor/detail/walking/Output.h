@@ -2,6 +2,7 @@
 
 #include "base/stitching/Stitching.h"
 #include "dxfeditor/DXFContour.h"
+#include "dxfeditor/DXFPiece.h"
 #include "dxfeditor/detail/walking/Sampling.h"
 
 #include <vector>
@@ -16,7 +17,9 @@ std::vector<Run::Point> roomFor(const std::vector<Run>& runs, const Entities& en
 /// copy of its first.
 ///
 /// @param contours  receives one contour for each chain; may be null
+/// @param pieces    receives one piece for each run; may be null
 void append(const base::Walk& walk, const std::vector<Run>& runs, const Entities& entities,
-            std::vector<Run::Point>& points, std::vector<DXFContour>* contours);
+            std::vector<Run::Point>& points, std::vector<DXFContour>* contours,
+            std::vector<DXFPiece>* pieces);
 
 } // namespace dxfeditor

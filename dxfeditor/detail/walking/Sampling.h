@@ -48,6 +48,9 @@ public:
         : m_entity(static_cast<std::uint32_t>(entity)), m_kind(kindOf(shape)),
           m_size(std::min<std::size_t>(size, countedAnew) & countedAnew) {}
 
+    /// The index of its entity.
+    std::size_t entity() const { return m_entity; }
+
     /// Number of points.
     /// @param entities  those of the drawing, here and below
     std::size_t size(const Entities& entities) const {

@@ -1,4 +1,4 @@
-// The contours of a drawing's walk.
+// The contours of a drawing's walk, and the entities that they are made of.
 
 #include "dxfeditor/DXFCircle.h"
 #include "dxfeditor/DXFDocument.h"
@@ -15,6 +15,15 @@
 #include <random>
 #include <vector>
 
+bool operator==(const DXFPiece& a, const DXFPiece& b) {
+    return a.begin == b.begin && a.end == b.end && a.entity == b.entity && a.isJoined == b.isJoined;
+}
+
+void PrintTo(const DXFPiece& piece, std::ostream* stream) {
+    *stream << piece.begin << " to " << piece.end << " of entity " << piece.entity
+            << (piece.isJoined ? " joined" : "");
+}
+
 bool operator==(const DXFContour& a, const DXFContour& b) {
     return a.begin == b.begin && a.end == b.end && a.closed == b.closed;
 }
@@ -27,11 +36,20 @@ namespace {
 
 using Point = cv::Point3_<double>;
 using Contours = std::vector<DXFContour>;
+using Pieces = std::vector<DXFPiece>;
 
 Contours contoursOf(const DXFDocument& document) {
     Contours contours{{1, 2, true}};
     EXPECT_TRUE(samePoints(document.getPoints(contours), document.getPoints()));
     return contours;
+}
+
+Pieces piecesOf(const DXFDocument& document) {
+    Contours contours{{1, 2, true}};
+    Pieces pieces{{1, 2, 3, true}};
+    EXPECT_TRUE(samePoints(document.getPoints(contours, pieces), document.getPoints()));
+    EXPECT_EQ(contours, contoursOf(document));
+    return pieces;
 }
 
 void addLine(DXFDocument& document, double x1, double y1, double x2, double y2) {
@@ -79,6 +97,39 @@ TEST(DXFContourTest, APointWithoutMeaningMeetsNothingNotEvenItself) {
     EXPECT_EQ(contoursOf(document), Contours({{0, 1, false}}));
 }
 
+TEST(DXFPieceTest, AnEmptyDrawingHasNone) {
+    EXPECT_EQ(piecesOf(DXFDocument()), Pieces());
+}
+
+TEST(DXFPieceTest, ThePointWhereTwoEntitiesMeetIsOfOneOfThem) {
+    DXFDocument document;
+    addLine(document, 0, 0, 1, 0);
+    document.addEntity(nullptr);
+    addLine(document, 1, 1, 1, 0);
+    EXPECT_EQ(piecesOf(document), Pieces({{0, 11, 2, false}, {11, 21, 0, true}}));
+}
+
+TEST(DXFPieceTest, OfASinglePointThatIsJoinedNothingIsLeft) {
+    DXFDocument document;
+    document.addEntity(std::make_shared<DXFPoint>(0, 0, 0));
+    document.addEntity(std::make_shared<DXFPoint>(1, 0, 0));
+    addLine(document, 0, 0, 1, 0);
+    EXPECT_EQ(piecesOf(document), Pieces({{0, 0, 0, true}, {0, 11, 2, false}, {11, 11, 1, true}}));
+}
+
+TEST(DXFPieceTest, TheContoursTellWhichAreTheirs) {
+    DXFDocument document;
+    addLine(document, 5, 0, 6, 0);
+    addLine(document, 0, 0, 1, 0);
+    addLine(document, 1, 1, 1, 0);
+    const Contours contours = contoursOf(document);
+    ASSERT_EQ(contours.size(), 2U);
+    EXPECT_EQ(contours[0].firstPiece, 0U);
+    EXPECT_EQ(contours[0].endPiece, 2U);
+    EXPECT_EQ(contours[1].firstPiece, 2U);
+    EXPECT_EQ(contours[1].endPiece, 3U);
+}
+
 /// A drawing of up to 40 runs of one to four points between a few places.
 void fill(DXFDocument& document, std::mt19937_64& random) {
     for (std::size_t runs = random() % 40; runs > 0; --runs) {
@@ -112,6 +163,56 @@ TEST(DXFContourTest, ContoursOfRandomDrawingsAreThoseOfThePlainProcedure) {
             ASSERT_TRUE(samePoints(part, expected[i])) << "drawing " << drawing;
         }
         ASSERT_EQ(begin, points.size());
+    }
+}
+
+/// Whether a part of a walk is a run in one of its directions, but for a point that joins it to
+/// what comes before or behind.
+bool isPartOf(const PlainRun& run, const PlainRun& part, bool isJoined) {
+    const PlainRun backwards(run.rbegin(), run.rend());
+    for (const PlainRun& whole : {run, backwards}) {
+        const PlainRun behindFirst(whole.begin() + 1, whole.end());
+        const PlainRun beforeLast(whole.begin(), whole.end() - 1);
+        if (isJoined ? samePoints(part, behindFirst) || samePoints(part, beforeLast)
+                     : samePoints(part, whole)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+TEST(DXFPieceTest, PiecesOfRandomDrawingsAreTheRunsOfTheirEntitiesEachOnce) {
+    std::mt19937_64 random(2);
+    for (int drawing = 0; drawing < 1000; ++drawing) {
+        DXFDocument document;
+        fill(document, random);
+        const std::vector<PlainRun> runs = plainRuns(document);
+        Contours contours;
+        Pieces pieces;
+        const PlainRun points = document.getPoints(contours, pieces);
+        std::vector<bool> isSeen(runs.size());
+        std::size_t next = 0;
+        for (const DXFContour& contour : contours) {
+            ASSERT_EQ(contour.firstPiece, next);
+            ASSERT_LT(next, contour.endPiece);
+            std::size_t begin = contour.begin;
+            for (; next < contour.endPiece; ++next) {
+                const DXFPiece& piece = pieces.at(next);
+                ASSERT_EQ(piece.begin, begin);
+                begin = piece.end;
+                ASSERT_FALSE(isSeen.at(piece.entity));
+                isSeen[piece.entity] = true;
+                const auto first = points.begin();
+                EXPECT_TRUE(isPartOf(runs[piece.entity],
+                                     {first + static_cast<std::ptrdiff_t>(piece.begin),
+                                      first + static_cast<std::ptrdiff_t>(piece.end)},
+                                     piece.isJoined))
+                    << "drawing " << drawing;
+            }
+            ASSERT_EQ(begin, contour.end);
+        }
+        ASSERT_EQ(next, pieces.size());
+        ASSERT_EQ(next, runs.size());
     }
 }
 

@@ -196,18 +196,20 @@ std::size_t bulgedEdges(const DXFDocument& document) {
 /// follow one another were in the coordinates of the cloud, with the other sign of z.
 Json drawingBounds(const DxfContents& drawing) {
     CoordinateRanges bounds;
-    DXFDocument plane;
+    std::vector<bool> isOfPoints;
     for (const std::shared_ptr<DXFEntity>& entity : drawing.document->entities()) {
-        if (const auto vector = std::dynamic_pointer_cast<DXFPointVector>(entity)) {
+        const auto vector = std::dynamic_pointer_cast<DXFPointVector>(entity);
+        isOfPoints.push_back(vector != nullptr);
+        if (vector != nullptr) {
             for (const Point& point : vector->points()) {
                 bounds.add(point.x, point.y, point.z);
             }
-        } else {
-            plane.addEntity(entity);
         }
     }
-    for (const Point& point : plane.getPoints()) {
-        bounds.add(point.x, point.z, 0.0);
+    for (const DXFPiece& piece : drawing.pieces) {
+        for (std::size_t i = piece.begin; i < piece.end && !isOfPoints[piece.entity]; ++i) {
+            bounds.add(drawing.points[i].x, drawing.points[i].z, 0.0);
+        }
     }
     return bounds.json();
 }

@@ -12,23 +12,24 @@ Point inDrawing(const Point& point, bool isOfPoints) {
     return isOfPoints ? Point(point.x, point.y, -point.z) : Point(point.x, point.z, 0.0);
 }
 
-PathCurveKind curveOf(ContourKind kind) {
-    switch (kind) {
-    case ContourKind::Points:
-        return PathCurveKind::point;
-    case ContourKind::Circle:
-        return PathCurveKind::arc;
-    default:
-        return PathCurveKind::line;
-    }
-}
-
 /// Half of a circle's points lie on each side of its centre.
 converters::PathArc circleThrough(const Point* begin, const Point* end) {
     constexpr double fullTurn = 6.283185307179586;
     const Point& opposite = begin[(end - begin) / 2];
     const Point centre = (*begin + opposite) / 2.0;
     return {centre, {0.0, 0.0, 1.0}, distanceOf(*begin, centre), fullTurn};
+}
+
+/// Makes the last piece an arc, unless it has no size that could be drawn.
+void addCircle(converters::DrawingPath& path) {
+    converters::PathPiece& piece = path.pieces.back();
+    const converters::PathArc circle =
+        circleThrough(&path.points[piece.firstPoint], path.points.data() + path.points.size());
+    if (circle.radius > 0.0 && std::isfinite(circle.radius)) {
+        piece.kind = PathCurveKind::arc;
+        piece.curve = static_cast<std::uint32_t>(path.arcs.size());
+        path.arcs.push_back(circle);
+    }
 }
 
 /// Points without a place, which are shown nowhere, bound nothing.
@@ -63,11 +64,11 @@ converters::DrawingPath pathOfWalk(const DxfContents& drawing, converters::Lengt
         added.endPoint = path.points.size();
         added.firstPiece = path.pieces.size();
         added.endPiece = added.firstPiece + 1;
-        path.pieces.push_back({added.firstPoint, added.endPoint - 1, 0, 0, curveOf(contour.kind)});
+        path.pieces.push_back(
+            {added.firstPoint, added.endPoint - 1, 0, 0,
+             contour.kind == ContourKind::Points ? PathCurveKind::point : PathCurveKind::line});
         if (contour.kind == ContourKind::Circle) {
-            path.pieces.back().curve = static_cast<std::uint32_t>(path.arcs.size());
-            path.arcs.push_back(circleThrough(&path.points[added.firstPoint],
-                                              path.points.data() + path.points.size()));
+            addCircle(path);
         }
         added.length = std::isfinite(contour.length) ? contour.length : 0.0;
         added.trueColour = -1;
