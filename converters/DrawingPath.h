@@ -97,9 +97,9 @@ enum class PathCurveKind : std::uint8_t {
 /// A part of a contour that is one exact curve, from one of the contour's points to a later one.
 /// The last point of a piece is the first of the next.
 struct PathPiece {
-    /// Indexes into DrawingPath::points of the first point and of the last.
+    /// Index into DrawingPath::points of its first point.
     std::size_t firstPoint;
-    /// Index of its last point.
+    /// Index into DrawingPath::points of its last point.
     std::size_t lastPoint;
     /// Index into arcs, ellipticArcs or splines; 0 for points and lines.
     std::uint32_t curve;
@@ -125,13 +125,13 @@ struct PathArc {
 struct PathEllipticArc {
     /// Of its ellipse.
     cv::Point3_<double> centre;
-    /// The two half axes; perpendicular, the longer one first.
+    /// The longer half axis.
     cv::Point3_<double> major;
-    /// The shorter one.
+    /// The shorter half axis, perpendicular to the longer one.
     cv::Point3_<double> minor;
-    /// Radians; the sweep is above 0 and at most 2 pi.
+    /// In radians.
     double start;
-    /// How far it goes on.
+    /// In radians, above 0 and at most 2 pi.
     double sweep;
 };
 
@@ -161,18 +161,18 @@ struct PathLayer {
 
 /// A stretch of the path that is walked without lifting the tool.
 struct PathContour {
-    /// Indexes into DrawingPath::points: the first point, and behind the last one.
+    /// Index into DrawingPath::points of its first point.
     std::size_t firstPoint;
-    /// Behind its last point.
+    /// Index behind its last point.
     std::size_t endPoint;
-    /// Indexes into DrawingPath::pieces: the first piece, and behind the last one.
+    /// Index into DrawingPath::pieces of its first piece.
     std::size_t firstPiece;
-    /// Behind its last piece.
+    /// Index behind its last piece.
     std::size_t endPiece;
-    /// Indexes into DrawingPath::entities: the first entity, and behind the last one. An entity
-    /// without extent that lies on an end of another is of that one's contour, and has no piece.
+    /// Index into DrawingPath::entities of its first entity. An entity without extent that lies on
+    /// an end of another is of that one's contour, and has no piece.
     std::size_t firstEntity;
-    /// Behind its last entity.
+    /// Index behind its last entity.
     std::size_t endEntity;
     /// Along its exact curves, in units of the result.
     double length;
@@ -254,13 +254,13 @@ struct DrawingPath {
     /// What the reader had to assume, in words for a person: "the drawing names no unit; its
     /// numbers are taken as millimetres".
     std::vector<std::string> notes;
-    /// The unit of the drawing, and that of the coordinates here.
+    /// The unit of the drawing.
     LengthUnit drawingUnit = LengthUnit::none;
-    /// Of the coordinates here.
+    /// The unit of the coordinates here.
     LengthUnit unit = LengthUnit::none;
-    /// The smallest box that holds all points; without meaning when there are none.
+    /// The lowest corner of the box around all points; without meaning when there are none.
     cv::Point3_<double> lowest;
-    /// Its other corner.
+    /// The highest corner of that box.
     cv::Point3_<double> highest;
     /// Of all contours, and of the straight ways from the end of each to the start of the next.
     double length = 0;
@@ -302,10 +302,10 @@ struct PathOptions {
     LengthUnit unit = LengthUnit::none;
     /// Multiplies coordinates, after units; above 0.
     double scale = 1;
-    /// Names of layers to take, in UTF-8, and to leave out. Case does not matter; "*" stands for
-    /// any text, "?" for a character. No names: all layers.
+    /// Names of layers to take, in UTF-8. Case does not matter; "*" stands for any text, "?" for a
+    /// character. No names: all layers.
     std::vector<std::string> layers;
-    /// Names of layers to leave out.
+    /// Names of layers to leave out, in the same terms.
     std::vector<std::string> exceptLayers;
     /// Takes what is invisible and what is on layers that are off or frozen.
     bool hidden = false;
@@ -315,10 +315,10 @@ struct PathOptions {
     PathAxes axes = PathAxes::drawing;
     /// In which order contours are walked.
     PathOrder order = PathOrder::drawn;
-    /// More points, or more entities when all blocks are drawn, are refused before memory is asked
-    /// for.
+    /// A path of more points is refused, before the memory for them is
+    /// asked for.
     std::size_t maximumPoints = 100'000'000;
-    /// The same for entities.
+    /// The same for entities, when all blocks are drawn.
     std::size_t maximumEntities = 100'000'000;
     /// Called now and then, on the caller's thread, with the part of the work that is done, 0 to 1;
     /// false stops the work, which is then a failure.

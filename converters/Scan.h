@@ -20,9 +20,9 @@
 ///
 /// readScan() takes every PLY file that holds points: text or binary of either byte order, any
 /// scalar types, lists, and elements before and behind the vertices. It gives each point as the
-/// file has it, or refuses the file with the reason; it never fills in numbers. fromPly() is
-/// another thing: the rules that existing programs rely on. ScanReader reads the same files in
-/// blocks, ScanWriter writes them.
+/// file has it, or refuses the file with the reason; it fills in no number but an intensity of 0
+/// where the file has none. fromPly() is another thing: the rules that existing programs rely on.
+/// ScanReader reads the same files in blocks, ScanWriter writes them.
 namespace converters {
 
 /// The types of numbers in a PLY file. The first eight have the numbers of pcl::PCLPointField.
@@ -97,10 +97,10 @@ struct ScanReport {
     std::size_t vertexElement = 0;
     /// Number of points.
     std::uint64_t points = 0;
-    /// The file's "obj_info num_cols" and "num_rows" where their product is the number of points;
-    /// else the number of points, and 1.
+    /// The file's "obj_info num_cols" where its product with "num_rows" is the number of points;
+    /// else the number of points.
     std::uint64_t width = 0;
-    /// Number of rows.
+    /// Number of rows: "num_rows", else 1.
     std::uint64_t height = 0;
     /// Texts of the lines "comment" and "obj_info", in the order of the file.
     std::vector<std::string> comments;
@@ -153,12 +153,12 @@ struct ScanOptions {
 ///                 the report, is_dense says that every point has a place. Untouched when the
 ///                 result is a failure.
 /// @param options  how it is read
-/// @return success, also of a file that declares 0 vertices. A failure, with its reason, for what
-/// is
-///         no PLY file, a header that contradicts itself or the format, vertices without x, y or z,
-///         a file cut short (behind the vertices, too), text that is no number or is out of the
-///         range of its type, options out of range, more than 4,294,967,295 points, and when
-///         `progress` stops it. docs/formats.md has the rules.
+/// @return success, also of a file that declares 0 vertices. A failure, with its reason, for
+///         what is no PLY file, a header that contradicts itself or the format, vertices without
+///         x, y or z, a file cut short (behind the vertices, too), text that is no number or is
+///         out of the range of its type, options out of range, more than 4,294,967,295 points,
+///         and when `progress` stops it.
+///         docs/formats.md has the rules.
 /// @throws std::bad_alloc when the points do not fit into memory; `cloud` is untouched. No more
 ///         memory is asked for than the points of a file of this size can take.
 CONVERTERS_EXPORT ScanResult readScan(const void* bytes, std::size_t size,

@@ -81,8 +81,8 @@ public:
     /// @param most     not 0
     /// @param count    set to how many were read: `most`, but for the last ones; 0 when all points
     ///                 have been read and what is behind them has been checked, and after a failure
-    /// @return a failure, with its reason, when the file is refused; every later call gives it
-    /// again
+    /// @return a failure, with its reason, when the file is refused; every later call gives the
+    ///         same
     /// @throws std::bad_alloc
     ReadResult read(void* records, std::size_t most, std::size_t& count);
 
