@@ -1,5 +1,6 @@
 // Sampling circles beside a bare loop of the same arithmetic, one sincos a point.
 
+#include "benchmarks/Inputs.h"
 #include "dxfeditor/DXFCircle.h"
 #include "dxfeditor/DXFDocument.h"
 #include "tests/support/SampleDrawings.h"
@@ -62,16 +63,7 @@ void bareLoop(benchmark::State& state) {
     }
 }
 
-void sizes(benchmark::internal::Benchmark* benchmark) {
-    benchmark->Unit(benchmark::kMillisecond)
-        ->Arg(1000)
-        ->Arg(10000)
-        ->Arg(100000)
-        ->Arg(1000000)
-        ->Arg(5000000);
-}
-
-BENCHMARK(ours)->Name("sampling")->Apply(sizes);
-BENCHMARK(bareLoop)->Name("sampling-loop")->Apply(sizes);
+BENCHMARK(ours)->Name("sampling")->Apply(allSizes);
+BENCHMARK(bareLoop)->Name("sampling-loop")->Apply(allSizes);
 
 } // namespace

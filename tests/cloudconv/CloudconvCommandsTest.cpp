@@ -1,6 +1,7 @@
 // cloudconv info by the fixed rules, and what all commands have in common.
 
 #include "tests/support/CloudconvFixture.h"
+#include "tests/support/JsonKeys.h"
 #include "tests/support/SimpleDrawing.h"
 
 #include <gmock/gmock.h>
@@ -54,17 +55,6 @@ TEST_F(CloudconvInfoPlain, DescribesTheShippedScan) {
                           "    count: 1200\n"
                           "    fields:\n"
                           "      - name x, type float, fate read\n"));
-}
-
-/// The keys of an object in their order, and those of the first object in each list.
-std::string keysOf(const nlohmann::ordered_json& value) {
-    std::string keys;
-    for (const auto& [key, part] : value.items()) {
-        const nlohmann::ordered_json& inner = part.is_array() && !part.empty() ? part[0] : part;
-        keys += (keys.empty() ? "" : " ") + key;
-        keys += inner.is_object() && !inner.empty() ? '(' + keysOf(inner) + ')' : "";
-    }
-    return keys;
 }
 
 /// Programs rely on them: a key may come, none may go.

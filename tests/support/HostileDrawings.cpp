@@ -1,23 +1,6 @@
 #include "tests/support/HostileDrawings.h"
 
-#include <functional>
-
-namespace {
-
-/// Repeats what `part` makes of 0, 1, 2... until the text has `size` bytes.
-std::string repeated(std::size_t size, const std::function<std::string(std::size_t)>& part) {
-    std::string text;
-    for (std::size_t i = 0; text.size() < size; ++i) {
-        text += part(i);
-    }
-    return text;
-}
-
-std::string repeated(std::size_t size, const std::string& part) {
-    return repeated(size, [&](std::size_t) { return part; });
-}
-
-} // namespace
+#include "tests/support/Repeated.h"
 
 const std::vector<HostileDrawing>& hostileDrawings() {
     static const std::vector<HostileDrawing> drawings = {

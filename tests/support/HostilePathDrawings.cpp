@@ -1,25 +1,13 @@
 #include "tests/support/HostilePathDrawings.h"
 
+#include "tests/support/Repeated.h"
+
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
-#include <functional>
 #include <sstream>
 
 namespace {
-
-/// Repeats what `part` makes of 0, 1, 2... until the text has `size` bytes.
-std::string repeated(std::size_t size, const std::function<std::string(std::size_t)>& part) {
-    std::string text;
-    for (std::size_t i = 0; text.size() < size; ++i) {
-        text += part(i);
-    }
-    return text;
-}
-
-std::string repeated(std::size_t size, const std::string& part) {
-    return repeated(size, [&](std::size_t) { return part; });
-}
 
 std::string name(std::size_t number) {
     return "n" + std::to_string(number);

@@ -1,31 +1,12 @@
 #include "tools/cloudconv/page/PageWriter.h"
 
+#include "tools/cloudconv/Markup.h"
+
 #include <nlohmann/json.hpp>
 
 #include <utility>
 
 namespace {
-
-/// A text between tags.
-std::string escapedForHtml(const std::string& text) {
-    std::string result;
-    for (const char character : text) {
-        switch (character) {
-        case '&':
-            result += "&amp;";
-            break;
-        case '<':
-            result += "&lt;";
-            break;
-        case '>':
-            result += "&gt;";
-            break;
-        default:
-            result += character;
-        }
-    }
-    return result;
-}
 
 /// JSON in ASCII that holds no character with a meaning in HTML: these are in strings only, where
 /// JSON has escapes for them.
@@ -71,7 +52,7 @@ PageWriter::PageWriter(const PageSource& source, const std::string& title)
            "<meta name=\"referrer\" content=\"no-referrer\">\n"
            "<meta name=\"color-scheme\" content=\"light dark\">\n"
            "<link rel=\"icon\" href=\"data:,\">\n<title>" +
-           escapedForHtml(title) + "</title>\n<style>" + source.style +
+           escapedForMarkup(title) + "</title>\n<style>" + source.style +
            "</style>\n</head>\n<body>\n" + source.body);
 }
 

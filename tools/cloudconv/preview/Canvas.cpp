@@ -1,5 +1,7 @@
 #include "tools/cloudconv/preview/Canvas.h"
 
+#include "tools/cloudconv/Markup.h"
+
 #include <cairo-pdf.h>
 #include <cairo-svg.h>
 #include <cairo.h>
@@ -38,26 +40,6 @@ cairo_surface_t* newSurface(PictureFormat format, const PictureSize& size,
     }
 }
 
-std::string escaped(const std::string& text) {
-    std::string result;
-    for (const char character : text) {
-        switch (character) {
-        case '&':
-            result += "&amp;";
-            break;
-        case '<':
-            result += "&lt;";
-            break;
-        case '>':
-            result += "&gt;";
-            break;
-        default:
-            result += character;
-        }
-    }
-    return result;
-}
-
 /// Puts into an SVG what programs that do not show it can tell of it: letters are drawn as shapes.
 void describeSvg(std::vector<unsigned char>& bytes, const std::string& title,
                  const std::string& description) {
@@ -67,8 +49,8 @@ void describeSvg(std::vector<unsigned char>& bytes, const std::string& title,
     if (end == bytes.end()) {
         throw std::runtime_error("cairo made an SVG without a root");
     }
-    const std::string inserted =
-        "\n<title>" + escaped(title) + "</title>\n<desc>" + escaped(description) + "</desc>";
+    const std::string inserted = "\n<title>" + escapedForMarkup(title) + "</title>\n<desc>" +
+                                 escapedForMarkup(description) + "</desc>";
     bytes.insert(end + 1, inserted.begin(), inserted.end());
 }
 
