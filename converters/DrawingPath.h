@@ -315,8 +315,7 @@ struct PathOptions {
     PathAxes axes = PathAxes::drawing;
     /// In which order contours are walked.
     PathOrder order = PathOrder::drawn;
-    /// A path of more points is refused, before the memory for them is
-    /// asked for.
+    /// A path of more points is refused, before memory is asked for more than two million.
     std::size_t maximumPoints = 100'000'000;
     /// The same for entities, when all blocks are drawn.
     std::size_t maximumEntities = 100'000'000;

@@ -26,7 +26,7 @@ struct JoinedDrawing {
 /// tolerance; else a straight piece leads from one to the other.
 ///
 /// @param path  gets points, contours, pieces and their curves, entities
-/// @throws Refusal  for more points than allowed, before memory is asked for
+/// @throws Refusal  for more points than allowed, before memory is asked for more than two million
 void writeContours(const JoinedDrawing& joined, const PathSettings& settings, DrawingPath& path,
                    const Progress& progress);
 

@@ -5,6 +5,8 @@
 //
 //     distance = (1 - cos d) a b / v(m)        chord = 2 sin(d) v(m)
 //
+// For short steps the angles stand for their sines, which are less.
+//
 // The arc stays beside its chord, and does not run out beyond the ends, as long as it does not
 // pass an end of the major axis: there a point is set.
 

@@ -36,8 +36,7 @@ constexpr std::size_t tooManyPoints = std::numeric_limits<std::size_t>::max();
 /// How many points appendPoints() appends: at least one.
 ///
 /// Lines and circular arcs cost no more than a formula; ellipses and splines nearly what sampling
-/// them costs, and never more than the maximum and
-/// the size of the spline account for.
+/// them costs, and never more than the maximum and the size of the spline account for.
 ///
 /// @return tooManyPoints for more than limits.maximumPoints, and for a curve that is not finite
 std::size_t countPoints(const Curve& curve, const SamplingLimits& limits);
