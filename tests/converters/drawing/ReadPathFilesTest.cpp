@@ -65,6 +65,8 @@ TEST(ReadPathFiles, SayWhatTheySkip) {
     EXPECT_THAT(pathOf(drawingOf(line) + "").notes, testing::IsEmpty());
     EXPECT_THAT(pathOf("junk before\n" + drawingOf(line)).notes,
                 testing::ElementsAre("1 line is no part of any group and was skipped"));
+    EXPECT_THAT(pathOf(drawingOf("0 POINT  10 1,5  20 2")).notes,
+                testing::ElementsAre("1 number has a decimal comma; it is read as a point"));
     EXPECT_THAT(pathOf(drawingOf("0 POINT  10 1,5  20 2,5")).notes,
                 testing::ElementsAre("2 numbers have a decimal comma; it is read as a point"));
 }

@@ -306,7 +306,9 @@ void addNotes(const DrawingParser<Groups>& parser, Drawing& drawing) {
         drawing.notes.push_back(std::to_string(groups.skippedLines()) +
                                 " lines are no part of any group and were skipped");
     }
-    if (groups.decimalCommas() > 0) {
+    if (groups.decimalCommas() == 1) {
+        drawing.notes.emplace_back("1 number has a decimal comma; it is read as a point");
+    } else if (groups.decimalCommas() > 1) {
         drawing.notes.push_back(std::to_string(groups.decimalCommas()) +
                                 " numbers have a decimal comma; it is read as a point");
     }
