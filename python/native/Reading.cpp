@@ -138,8 +138,8 @@ py::tuple readScan(const py::object& source, const std::string& intensity,
     const auto size = static_cast<py::ssize_t>(cloud->data.size());
     const std::uint8_t* const memory = cloud->data.data();
     return py::make_tuple(failureOf(result),
-                          py::array_t<std::uint8_t>(size, memory, keptBy(std::move(cloud))),
-                          fields, recordSize, dictOf(result.report));
+                          py::array_t<std::uint8_t>(size, memory, keptBy(std::move(cloud))), fields,
+                          recordSize, dictOf(result.report));
 }
 
 /// Writes records, whose fields are (name, number of the type, offset), as a file.
