@@ -291,4 +291,14 @@ TEST(ReadPathBlocks, MayBeNestedAsDeepAsTheFileIsLong) {
               "(0, 0) (1, 0)\n");
 }
 
+TEST(ReadPathBlocks, WhoseBasePointIsNoNumberAreBroken) {
+    for (const char* const base : {"70 0  10 x", "70 0  20 x", "70 0  30 x"}) {
+        SCOPED_TRACE(base);
+        const DrawingPath path = pathOf(
+            drawing(block("a", "0 POINT  8 0  10 0  20 0", base), "0 INSERT  2 a  10 0  20 0"));
+        EXPECT_TRUE(path.points.empty());
+        EXPECT_EQ(leftOut(path), "1 POINT on 0: broken\n");
+    }
+}
+
 } // namespace

@@ -15,7 +15,11 @@ using Vector = cv::Point3_<double>;
 inline double lengthOf(const Vector& way) {
     const double plain = std::sqrt(way.dot(way));
     // Plain squares do for all but contrived lengths.
-    return plain > 1e-140 && plain < 1e140 ? plain : std::hypot(way.x, way.y, way.z);
+    if (plain > 1e-140 && plain < 1e140) {
+        return plain;
+    }
+    // To std::hypot, (0, nan, 0) is 0 long.
+    return std::isnan(plain) ? plain : std::hypot(way.x, way.y, way.z);
 }
 
 inline double distance(const Point& a, const Point& b) {
