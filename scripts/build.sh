@@ -12,7 +12,8 @@ while [[ ${1-} == -D* ]]; do
   values+=("$1")
   shift
 done
-if [ ! -f "build/$preset/build.ninja" ] || [ "${#values[@]}" -gt 0 ]; then
+if [ ! -f "build/$preset/build.ninja" ] || [ "${#values[@]}" -gt 0 ] ||
+  [ CMakePresets.json -nt "build/$preset/CMakeCache.txt" ]; then
   output=$(cmake --preset "$preset" "${values[@]}" 2>&1) || {
     echo "$output"
     exit 1
