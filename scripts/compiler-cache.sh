@@ -3,6 +3,8 @@
 if command -v ccache >/dev/null; then
   export CMAKE_CXX_COMPILER_LAUNCHER=${CMAKE_CXX_COMPILER_LAUNCHER-ccache}
   export CCACHE_DIR=${CCACHE_DIR-$PWD/build/ccache}
+  # By relative paths, the name of a precompiled header is the same in every folder below build/.
+  export CCACHE_BASEDIR=${CCACHE_BASEDIR-$PWD}
   # Objects without debugging information do not depend on where they are built; precompiled
   # headers need the rest.
   export CCACHE_NOHASHDIR=${CCACHE_NOHASHDIR-1}
