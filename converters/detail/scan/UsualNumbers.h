@@ -31,14 +31,16 @@ struct UsualDecimal {
     int exponent = 0;
 };
 
+/// 10^0 to 10^8.
+constexpr std::uint64_t wholePowersOfTen[] = {1,      10,      100,      1000,     10000,
+                                              100000, 1000000, 10000000, 100000000};
+
 /// Takes up to eight digits.
 inline unsigned takeEightDigits(const char*& c, UsualDecimal& number) {
-    constexpr std::uint64_t tens[] = {1,      10,      100,      1000,     10000,
-                                      100000, 1000000, 10000000, 100000000};
     const std::uint64_t word = base::loadWord(c);
     const unsigned count = base::countDigits(word);
     const std::uint64_t value = count == 0 ? 0 : base::valueOfDigits(word, count);
-    number.significand = number.significand * tens[count] + value;
+    number.significand = number.significand * wholePowersOfTen[count] + value;
     number.digits += static_cast<int>(count);
     c += count;
     return count;
