@@ -10,6 +10,7 @@
 #include "dxfeditor/DXFPolyline.h"
 #include "dxfeditor/DXFReader.h"
 #include "dxfeditor/DXFSpline.h"
+#include "dxfeditor/VisitEntity.h"
 #include "python/native/Conversion.h"
 #include "python/native/Memory.h"
 
@@ -101,23 +102,16 @@ py::tuple data(const DXFSpline& spline) {
                           rows<double>(std::vector<Point>(spline.fitPoints()), 3));
 }
 
-py::tuple data(const std::shared_ptr<DXFEntity>& entity) {
-    switch (entity->type()) {
-    case DXFEntityType::Polyline:
-        return data(dynamic_cast<const DXFPolyline&>(*entity));
-    case DXFEntityType::Point:
-        return data(dynamic_cast<const DXFPoint&>(*entity));
-    case DXFEntityType::PointVector:
-        return data(std::dynamic_pointer_cast<const DXFPointVector>(entity));
-    case DXFEntityType::Circle:
-        return data(dynamic_cast<const DXFCircle&>(*entity));
-    case DXFEntityType::Arc:
-        return data(dynamic_cast<const DXFArc&>(*entity));
-    case DXFEntityType::Line:
-        return data(dynamic_cast<const DXFLine&>(*entity));
-    default:
-        return data(dynamic_cast<const DXFSpline&>(*entity));
-    }
+py::tuple data(const std::shared_ptr<const DXFEntity>& entity) {
+    py::tuple result;
+    dxfeditor::visitEntity(*entity, [&](const auto& kind) {
+        if constexpr (std::is_same_v<decltype(kind), const DXFPointVector&>) {
+            result = data(std::shared_ptr<const DXFPointVector>(entity, &kind));
+        } else {
+            result = data(kind);
+        }
+    });
+    return result;
 }
 
 } // namespace

@@ -182,9 +182,12 @@ PathEntityKind pathKindOf(EntityKind kind) {
         return PathEntityKind::lwpolyline;
     case EntityKind::spline:
         return PathEntityKind::spline;
-    default:
-        return PathEntityKind::polyline;
+    case EntityKind::polyline:
+    case EntityKind::polyline3d:
+    case EntityKind::insert: // No curve is of one.
+        break;
     }
+    return PathEntityKind::polyline;
 }
 
 /// Writes contours into a path.

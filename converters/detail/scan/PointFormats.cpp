@@ -224,9 +224,10 @@ std::unique_ptr<PointFormat> makePointFormat(ScanOutput output, const ScanLayout
         return std::make_unique<Csv>(layout, options);
     case ScanOutput::xyz:
         return std::make_unique<Xyz>(layout, options);
-    default:
-        return std::make_unique<Drawing>(layout);
+    case ScanOutput::dxf:
+        break;
     }
+    return std::make_unique<Drawing>(layout);
 }
 
 } // namespace converters::scan

@@ -28,9 +28,10 @@ auto withType(ScalarType type, Work work) {
         return work(std::uint64_t{});
     case ScalarType::float32:
         return work(float{});
-    default:
-        return work(double{});
+    case ScalarType::float64:
+        break;
     }
+    return work(double{});
 }
 
 } // namespace converters::scan

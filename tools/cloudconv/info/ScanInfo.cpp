@@ -71,9 +71,13 @@ const char* fateOf(const ScanProperty& property) {
         return "kept";
     case ScanPropertyUse::dropped:
         return property.countType.has_value() ? "stepped over: a list" : "stepped over";
-    default:
-        return "read";
+    case ScanPropertyUse::x:
+    case ScanPropertyUse::y:
+    case ScanPropertyUse::z:
+    case ScanPropertyUse::intensity:
+        break;
     }
+    return "read";
 }
 
 std::string typeOf(const ScanProperty& property) {

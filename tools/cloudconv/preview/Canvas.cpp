@@ -35,9 +35,11 @@ cairo_surface_t* newSurface(PictureFormat format, const PictureSize& size,
     }
     case PictureFormat::Pdf:
         return cairo_pdf_surface_create_for_stream(append, &bytes, size.width, size.height);
-    default:
-        return cairo_image_surface_create(CAIRO_FORMAT_RGB24, size.width, size.height);
+    case PictureFormat::Png:
+    case PictureFormat::Html: // A page is written without a surface.
+        break;
     }
+    return cairo_image_surface_create(CAIRO_FORMAT_RGB24, size.width, size.height);
 }
 
 /// Puts into an SVG what programs that do not show it can tell of it: letters are drawn as shapes.
@@ -60,9 +62,10 @@ double shareBefore(Alignment alignment) {
         return 0.5;
     case Alignment::Right:
         return 1.0;
-    default:
-        return 0.0;
+    case Alignment::Left:
+        break;
     }
+    return 0.0;
 }
 
 } // namespace

@@ -80,7 +80,7 @@ public:
 
     /// Walks the positions [begin, end) the other way.
     void turn(std::size_t begin, std::size_t end) {
-        std::reverse(place(begin), place(end));
+        std::reverse(iteratorAt(begin), iteratorAt(end));
         for (std::size_t i = begin; i < end; ++i) {
             m_turned[m_order[i]] ^= 1;
             m_positionOf[m_order[i]] = static_cast<std::uint32_t>(i);
@@ -89,14 +89,14 @@ public:
 
     /// Exchanges the positions [begin, middle) and [middle, end).
     void exchange(std::size_t begin, std::size_t middle, std::size_t end) {
-        std::rotate(place(begin), place(middle), place(end));
+        std::rotate(iteratorAt(begin), iteratorAt(middle), iteratorAt(end));
         for (std::size_t i = begin; i < end; ++i) {
             m_positionOf[m_order[i]] = static_cast<std::uint32_t>(i);
         }
     }
 
 private:
-    std::vector<Stop>::iterator place(std::size_t position) {
+    std::vector<Stop>::iterator iteratorAt(std::size_t position) {
         return m_order.begin() + static_cast<std::ptrdiff_t>(position);
     }
 

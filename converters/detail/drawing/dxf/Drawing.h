@@ -96,7 +96,7 @@ struct NotDrawn {
     /// entityFlag::invisible, entityFlag::paperSpace.
     std::uint8_t flags;
     /// Which of Drawing::entities comes behind the first of them.
-    std::size_t place;
+    std::size_t nextEntity;
 };
 
 /// What a block or a stretch of the drawing itself holds: ranges of Drawing::entities and

@@ -67,7 +67,7 @@ void EntityBuilder::beginContents(ContentsOf owner) {
     m_owner = owner;
     m_contents.firstEntity = m_drawing.entities.size();
     m_contents.firstNotDrawn = m_drawing.notDrawn.size();
-    m_places.clear();
+    m_notDrawnNumbers.clear();
 }
 
 Contents EntityBuilder::endContents() {
@@ -95,13 +95,13 @@ void EntityBuilder::addNotDrawn(const EntityAttributes& attributes, std::string_
                                 LeftOutReason reason) {
     const std::uint32_t number = m_drawing.kindNames.numberOf(withoutBlanks(kind));
     const auto flags = static_cast<std::uint8_t>(flagsOf(attributes));
-    const auto [place, isNew] = m_places.emplace(
+    const auto [known, isNew] = m_notDrawnNumbers.emplace(
         std::tuple(number, attributes.layer, reason, flags), m_drawing.notDrawn.size());
     if (isNew) {
         m_drawing.notDrawn.push_back(
             {number, attributes.layer, 0, reason, flags, m_drawing.entities.size()});
     }
-    ++m_drawing.notDrawn[place->second].number;
+    ++m_drawing.notDrawn[known->second].number;
 }
 
 void EntityBuilder::addBroken(EntityKind kind, const EntityGroups& groups) {

@@ -68,7 +68,7 @@ private:
     std::vector<PolylineVertex> m_curveVertices;
     /// Where in Drawing::notDrawn a kind, layer, reason and flags are counted.
     std::map<std::tuple<std::uint32_t, std::uint32_t, LeftOutReason, std::uint8_t>, std::size_t>
-        m_places;
+        m_notDrawnNumbers;
 };
 
 } // namespace converters::drawing

@@ -74,8 +74,8 @@ inline constexpr std::array<Slot, slotTableSize> slotTable = makeSlotTable();
 
 /// The slot of a group code, Slot::none for all others.
 constexpr Slot slotOf(int code) {
-    const auto place = static_cast<std::size_t>(code);
-    return code >= 0 && place < slotTableSize ? slotTable[place] : Slot::none;
+    const auto index = static_cast<std::size_t>(code);
+    return code >= 0 && index < slotTableSize ? slotTable[index] : Slot::none;
 }
 
 static_assert(slotOf(10) == Slot::x && slotOf(38) == Slot::elevation &&

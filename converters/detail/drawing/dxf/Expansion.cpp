@@ -264,7 +264,7 @@ bool Expander::goOn() {
 void Expander::list(Visit& visit) {
     const bool isListed = visit.multiplicity > 0;
     while (isListed && visit.nextNotDrawn != visit.contents->endNotDrawn &&
-           m_drawing.notDrawn[visit.nextNotDrawn].place <= visit.nextEntity) {
+           m_drawing.notDrawn[visit.nextNotDrawn].nextEntity <= visit.nextEntity) {
         const NotDrawn& entry = m_drawing.notDrawn[visit.nextNotDrawn++];
         const std::uint32_t layer = layerOf(entry.layer, visit.placement, m_layers);
         std::optional<LeftOutReason> reason = hiddenBecause(entry.flags, visit.placement);

@@ -10,11 +10,11 @@ void LeftOutTable::add(std::uint32_t kind, std::uint32_t layer, LeftOutReason re
         return entry.kind == kind && entry.layer == layer && entry.reason == reason;
     };
     if (m_entries.empty() || !isAsked(m_entries[m_last])) {
-        const auto [place, isNew] = m_places.emplace(Key{kind, layer, reason}, m_entries.size());
+        const auto [known, isNew] = m_numbers.emplace(Key{kind, layer, reason}, m_entries.size());
         if (isNew) {
             m_entries.push_back({kind, layer, reason, 0});
         }
-        m_last = place->second;
+        m_last = known->second;
     }
     m_entries[m_last].number = saturatingSum(m_entries[m_last].number, number);
 }

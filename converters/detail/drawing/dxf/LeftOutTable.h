@@ -32,7 +32,7 @@ private:
     using Key = std::tuple<std::uint32_t, std::uint32_t, LeftOutReason>;
 
     std::vector<Entry> m_entries;
-    std::map<Key, std::size_t> m_places;
+    std::map<Key, std::size_t> m_numbers;
     /// Many of a kind come one after another.
     std::size_t m_last = 0;
 };

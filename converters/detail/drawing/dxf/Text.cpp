@@ -93,12 +93,12 @@ std::string repaired(std::string_view text) {
 }
 
 /// The number of four hexadecimal digits at a place.
-std::optional<unsigned> fourDigits(std::string_view text, std::size_t place) {
-    if (text.size() < place + 4) {
+std::optional<unsigned> fourDigits(std::string_view text, std::size_t offset) {
+    if (text.size() < offset + 4) {
         return std::nullopt;
     }
     unsigned number = 0;
-    for (const char c : text.substr(place, 4)) {
+    for (const char c : text.substr(offset, 4)) {
         const char small = static_cast<char>(c | 0x20);
         if (c >= '0' && c <= '9') {
             number = number * 16 + static_cast<unsigned>(c - '0');
@@ -114,9 +114,9 @@ std::optional<unsigned> fourDigits(std::string_view text, std::size_t place) {
 /// "\U+XXXX" at the start of the text, or two of them that are a pair of surrogates.
 std::optional<Decoded> unicodeEscape(std::string_view text) {
     constexpr std::size_t size = 7;
-    const auto numberAt = [&](std::size_t place) {
-        const std::string_view start = text.substr(std::min(place, text.size()), 3);
-        return start == "\\U+" || start == "\\u+" ? fourDigits(text, place + 3) : std::nullopt;
+    const auto numberAt = [&](std::size_t offset) {
+        const std::string_view start = text.substr(std::min(offset, text.size()), 3);
+        return start == "\\U+" || start == "\\u+" ? fourDigits(text, offset + 3) : std::nullopt;
     };
     const std::optional<unsigned> first = numberAt(0);
     if (!first) {

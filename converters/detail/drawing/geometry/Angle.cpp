@@ -17,8 +17,8 @@ Angle Angle::fromDegrees(double degrees) {
     constexpr double cosines[] = {1, 0, -1, 0};
     constexpr double sines[] = {0, 1, 0, -1};
     const int quarters = static_cast<int>(reduced / 90);
-    const int place = (quarters + 4) % 4;
-    return {radians, cosines[place], sines[place]};
+    const int quarter = (quarters + 4) % 4;
+    return {radians, cosines[quarter], sines[quarter]};
 }
 
 Angle Angle::fromRadians(double radians) {
