@@ -1,4 +1,5 @@
 // What is no scan, or a broken one: refused, with the reason in words.
+#include "tests/support/Random.h"
 #include "tests/support/ScanFiles.h"
 
 namespace {
@@ -111,6 +112,25 @@ TEST(ScanRefused, TextThatIsNoNumber) {
         at(token);
     }
     expectRefused(asciiScan("1 2 \x01\n", "1"), "line 8: '\\x01' is no number");
+}
+
+TEST(ScanRefused, TextFarIntoAFile) {
+    // Lines are counted many at a time: of every length, empty ones and all.
+    Random random(1);
+    for (const char* lineEnd : {"\n", "\r\n", "\r"}) {
+        std::string body;
+        constexpr std::size_t records = 20000;
+        std::size_t line = 8;
+        for (std::size_t i = 0; i + 1 < records; ++i) {
+            body += "1" + std::string(1 + random.below(9), ' ') + "2 3" + lineEnd;
+            ++line;
+            for (; random.oneIn(3); ++line) {
+                body += lineEnd;
+            }
+        }
+        expectRefused(asciiScan(body + "1 2 x" + lineEnd, std::to_string(records)),
+                      "line " + std::to_string(line) + ": 'x' is no number");
+    }
 }
 
 TEST(ScanRefused, NumbersOutOfTheRangeOfTheirType) {
