@@ -50,22 +50,8 @@ std::vector<LeftOut> listOf(const LeftOutTable& table, const Drawing& drawing,
     return list;
 }
 
-/// Adds up what is told of the contours as a whole.
-void summarize(DrawingPath& path) {
-    if (!path.points.empty()) {
-        cv::Point3_<double> lowest = path.points.front();
-        cv::Point3_<double> highest = lowest;
-        for (const cv::Point3_<double>& point : path.points) {
-            lowest.x = std::min(lowest.x, point.x);
-            lowest.y = std::min(lowest.y, point.y);
-            lowest.z = std::min(lowest.z, point.z);
-            highest.x = std::max(highest.x, point.x);
-            highest.y = std::max(highest.y, point.y);
-            highest.z = std::max(highest.z, point.z);
-        }
-        path.lowest = lowest;
-        path.highest = highest;
-    }
+/// Adds up the lengths of the contours and of the ways between them.
+void addLengths(DrawingPath& path) {
     const PathContour* before = nullptr;
     for (const PathContour& contour : path.contours) {
         path.length += contour.length;
@@ -104,7 +90,7 @@ DrawingPath readPath(std::string_view file, const PathOptions& options) {
     path.leftOut = listOf(leftOut, drawing, layers, decoder);
     path.layers = layers.takeLayers();
     path.notes = std::move(drawing.notes);
-    summarize(path);
+    addLengths(path);
     whole.report(1);
     return path;
 }

@@ -236,6 +236,8 @@ private:
 
     bool append(const Curve& curve);
 
+    void extendBounds();
+
     const LayerTable& m_layers;
     /// For all points together.
     SamplingLimits m_limits;
@@ -333,6 +335,26 @@ void Writer::curve(Curve&& curve) {
     m_path.pieces.push_back(piece);
 }
 
+/// By the points of the contour, which are in the processor's cache still.
+void Writer::extendBounds() {
+    const auto points = m_path.points.cbegin();
+    const auto first = points + static_cast<std::ptrdiff_t>(m_contour.firstPoint);
+    const auto end = points + static_cast<std::ptrdiff_t>(m_contour.endPoint);
+    const bool isFirst = m_path.contours.empty() && first != end;
+    Point lowest = isFirst ? *first : m_path.lowest;
+    Point highest = isFirst ? *first : m_path.highest;
+    for (auto point = first; point != end; ++point) {
+        lowest.x = std::min(lowest.x, point->x);
+        lowest.y = std::min(lowest.y, point->y);
+        lowest.z = std::min(lowest.z, point->z);
+        highest.x = std::max(highest.x, point->x);
+        highest.y = std::max(highest.y, point->y);
+        highest.z = std::max(highest.z, point->z);
+    }
+    m_path.lowest = lowest;
+    m_path.highest = highest;
+}
+
 void Writer::end(bool closed, const Point& start) {
     if (m_contour.firstPiece == m_path.pieces.size()) {
         const auto entity = static_cast<std::uint32_t>(m_path.entities.size() - 1);
@@ -343,6 +365,7 @@ void Writer::end(bool closed, const Point& start) {
     }
     m_contour.closed = closed;
     m_contour.endPoint = m_path.points.size();
+    extendBounds();
     m_contour.endPiece = m_path.pieces.size();
     m_contour.endEntity = m_path.entities.size();
     m_path.contours.push_back(m_contour);

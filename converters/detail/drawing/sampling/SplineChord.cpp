@@ -223,13 +223,20 @@ double excessWithin(const Motion& motion, double from, double step, const Sampli
     if (!(along <= square) || !(square > 1e-100 && square < 1e100)) {
         return infinity;
     }
+    // Long before the bend, the distance of neighbours may be what counts. The bend is at most an
+    // eighth of what is across, which is at most all.
+    const double spacing = square / (limits.step * limits.step);
+    const double largest = std::max(first.dot(first), last.dot(last));
+    const double bendless = 8 * limits.tolerance * spacing;
+    if (largest <= bendless * bendless) {
+        return spacing;
+    }
     const Vector firstAcross = first.cross(chord);
     const Vector lastAcross = last.cross(chord);
     const double atFirst = std::sqrt(firstAcross.dot(firstAcross));
     const double atLast = std::sqrt(lastAcross.dot(lastAcross));
     const double bend = std::min(0.125 * std::max(atFirst, atLast), evenly * (atFirst + atLast));
-    const double excess = std::max(bend / (std::sqrt(square) * limits.tolerance),
-                                   square / (limits.step * limits.step));
+    const double excess = std::max(bend / (std::sqrt(square) * limits.tolerance), spacing);
     return excess >= 0 ? excess : infinity;
 }
 
