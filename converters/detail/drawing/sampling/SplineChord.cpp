@@ -226,9 +226,8 @@ double excessWithin(const Motion& motion, double from, double step, const Sampli
     // Long before the bend, the distance of neighbours may be what counts. The bend is at most an
     // eighth of what is across, which is at most all.
     const double spacing = square / (limits.step * limits.step);
-    const double largest = std::max(first.dot(first), last.dot(last));
     const double bendless = 8 * limits.tolerance * spacing;
-    if (largest <= bendless * bendless) {
+    if (bendless > 0 && std::max(first.dot(first), last.dot(last)) <= bendless * bendless) {
         return spacing;
     }
     const Vector firstAcross = first.cross(chord);
