@@ -36,7 +36,7 @@ private:
     double m_bulge;
 };
 
-/// A straight piece in the drawing plane.
+/// A straight line in the drawing plane.
 struct Segment {
     double startX; ///< Where it starts, x.
     double startY; ///< Where it starts, y.
@@ -86,8 +86,8 @@ public:
     /// Appends a vertex. Segments that setup() has already derived stay as they are.
     void appendPoint(const DXFVertex& vertex) { m_vertices.push_back(vertex); }
 
-    /// Replaces vertices and segments by a chain of straight pieces: the first one's start, then
-    /// every piece's end. Starts are not compared with the ends before them. Sets mVertices() and
+    /// Replaces vertices and segments by a chain of segments: the first one's start, then every
+    /// segment's end. Starts are not compared with the ends before them. Sets mVertices() and
     /// nVertices() to 0; the next setup() derives the segments anew.
     void setSegments(const std::vector<Segment>& segments);
 

@@ -105,7 +105,7 @@ private:
     double m_step;
 };
 
-/// A straight piece, both ends included; only its start when it is shorter than a step.
+/// A straight segment, both ends included; only its start when it is shorter than a step.
 class LinePoints {
 public:
     explicit LinePoints(const Segment& segment)
@@ -138,26 +138,26 @@ private:
     double m_inverseSteps;
 };
 
-/// The straight pieces of a polyline one after the other, each with both its ends: a corner between
+/// The segments of a polyline one after the other, each with both its ends: a corner between
 /// two of them comes twice.
 class PolylinePoints {
 public:
     explicit PolylinePoints(const DXFPolyline& polyline)
-        : m_polyline(polyline), m_pieces(polyline.segmentCount()) {}
+        : m_polyline(polyline), m_segments(polyline.segmentCount()) {}
 
     std::size_t size() const {
         std::size_t count = 0;
-        for (std::size_t i = 0; i < m_pieces; ++i) {
-            count += piece(i).size();
+        for (std::size_t i = 0; i < m_segments; ++i) {
+            count += segment(i).size();
         }
         return count;
     }
-    std::size_t pieces() const { return m_pieces; }
-    LinePoints piece(std::size_t i) const { return LinePoints(m_polyline.segment(i)); }
+    std::size_t segments() const { return m_segments; }
+    LinePoints segment(std::size_t i) const { return LinePoints(m_polyline.segment(i)); }
 
 private:
     const DXFPolyline& m_polyline;
-    std::size_t m_pieces;
+    std::size_t m_segments;
 };
 
 /// A spline in equal steps of its parameter.
@@ -249,10 +249,10 @@ Point lastOf(Sequence& sequence) {
 }
 
 Point firstOf(PolylinePoints& polyline) {
-    return polyline.piece(0)(0);
+    return polyline.segment(0)(0);
 }
 Point lastOf(PolylinePoints& polyline) {
-    const LinePoints last = polyline.piece(polyline.pieces() - 1);
+    const LinePoints last = polyline.segment(polyline.segments() - 1);
     return last(last.size() - 1);
 }
 
@@ -282,11 +282,11 @@ void append(Sequence sequence, std::size_t size, const Part& part, std::vector<P
 }
 
 void append(const PolylinePoints& polyline, const Part& part, std::vector<Point>& points) {
-    const std::size_t count = polyline.pieces();
+    const std::size_t count = polyline.segments();
     for (std::size_t i = 0; i < count; ++i) {
         const std::size_t index = part.direction == Direction::Forwards ? i : count - 1 - i;
-        const LinePoints piece = polyline.piece(index);
-        append(piece, piece.size(),
+        const LinePoints segment = polyline.segment(index);
+        append(segment, segment.size(),
                {part.direction, part.withoutFront && index == 0,
                 part.withoutBack && index == count - 1},
                points);
@@ -331,7 +331,8 @@ Run::Kind Run::kindOf(const Shape& shape) {
            : std::is_same_v<Shape, DXFCircle>      ? Kind::Circle
            : std::is_same_v<Shape, DXFArc>         ? Kind::Arc
            : std::is_same_v<Shape, DXFLine>        ? Kind::Line
-                                                   : Kind::Spline;
+           : std::is_same_v<Shape, DXFSpline>      ? Kind::Spline
+                                                   : Kind::Derived;
 }
 
 template <typename Visitor>
