@@ -62,6 +62,7 @@ bool DxfEntityDecoder::next(DxfObjects& objects, DxfObject& object) {
     if (!read(objects, object)) {
         return false;
     }
+    // The POLYLINE itself first: its vertices overwrite the values that were noted of it.
     m_hasDecoded =
         decode(object) && (object.kind != DxfObjectKind::Polyline || decodeSequence(objects));
     return true;
@@ -179,7 +180,7 @@ bool DxfEntityDecoder::decode(const DxfObject& object) {
     case DxfObjectKind::Spline:
         decodeSpline();
         break;
-    default: // Points, layers and the ends of blocks
+    default: // Points, layers, blocks and their ends
         break;
     }
     return m_isPlain;
@@ -293,8 +294,14 @@ void DxfEntityDecoder::report(DL_CreationInterface& reader) {
             reader.addBlock({name, integer<70>(0), n[0], n[1], n[2]});
         }
         break;
-    default:
+    case DxfObjectKind::BlockEnd:
         reader.endBlock();
+        break;
+    case DxfObjectKind::Polyline: // Reported above.
+    case DxfObjectKind::Other:    // These are not decoded by themselves.
+    case DxfObjectKind::LineType:
+    case DxfObjectKind::Vertex:
+    case DxfObjectKind::SequenceEnd:
         break;
     }
     reader.endSection();

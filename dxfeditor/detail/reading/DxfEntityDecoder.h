@@ -17,7 +17,7 @@ class DL_CreationInterface;
 
 namespace dxfeditor {
 
-/// Decodes entities, layers and the ends of blocks in dxflib's place, at many times its speed, as
+/// Decodes entities, layers, blocks and their ends in dxflib's place, at many times its speed, as
 /// long as their numbers are plain: digits, a point and an exponent, with no sign but a minus,
 /// within the range of a double; and their lists are as long as they say. Anything else is dxflib's
 /// business.
@@ -30,9 +30,8 @@ namespace dxfeditor {
 /// they differ from those of the object before.
 class DxfEntityDecoder {
 public:
-    /// @param setsAlone  whether nobody but the decoder sets the reader's attributes: then those
-    /// that
-    ///                   the reader has already are not set again
+    /// @param setsAlone  whether nobody but the decoder sets the reader's attributes: it then does
+    ///                   not set again those that the reader has
     explicit DxfEntityDecoder(bool setsAlone = false);
 
     /// Reads the next object, and decodes it if it can. Decoding a POLYLINE takes the vertices
