@@ -32,22 +32,13 @@ void writeTables(DL_Dxf& engine, DxfTextWriter& text) {
     text.sectionEnd();
 }
 
-/// What dxflib writes for a POINT, up to the coordinates. They come last.
-std::string headOfPoint(DL_Dxf& engine) {
-    DxfTextWriter point(release12);
-    engine.writePoint(point, DL_PointData(0.0, 0.0, 0.0), attributesOf("0"));
-    DxfTextWriter coordinates(release12);
-    coordinates.coord(10, 0.0, 0.0, 0.0);
-    return point.text().substr(0, point.text().size() - coordinates.text().size());
-}
-
 } // namespace
 
 PointDrawing::PointDrawing() {
     DL_Dxf engine;
     // No file has an empty name: this only tells the engine the release.
     static_cast<void>(engine.out("", release12));
-    m_pointHead = headOfPoint(engine);
+    m_pointHead = DxfTextWriter(release12).pointHead(attributesOf("0"));
 
     DxfTextWriter text(release12);
     engine.writeHeader(text);

@@ -116,7 +116,6 @@ private:
     std::string m_text;
 };
 
-/// What DL_Dxf::writePoint writes before the coordinates, in release R12.
 std::string DxfTextWriter::pointHead(const DL_Attributes& attributes) const {
     const Apart apart(*this);
     entity("POINT");

@@ -31,6 +31,10 @@ public:
     void dxfString(int gc, const char* value) const override;
     void dxfString(int gc, const std::string& value) const override;
 
+    /// What DL_Dxf::writePoint writes of a POINT before the coordinates, in release R12. It does
+    /// not go into the text.
+    std::string pointHead(const DL_Attributes& attributes) const;
+
     /// One POINT per point, as DL_Dxf::writePoint writes it in release R12, but what comes before
     /// the coordinates is spelled once for all.
     void writePoints(const DL_Attributes& attributes,
@@ -44,8 +48,6 @@ protected:
 
 private:
     void append(int gc, const char* value, std::size_t length) const;
-    std::string pointHead(const DL_Attributes& attributes) const;
-
     class Apart;
 
     mutable bool m_isApart = false;
