@@ -15,7 +15,7 @@ using Row = std::int64_t;
 
 /// The row of a coordinate. Never decreases from one coordinate to a greater one, not even by
 /// rounding. Whole numbers, which drawings prefer, are far from the sides of their row; at some
-/// 1e13 rows from zero there are no further ones, and the outermost one is endless.
+/// 7e13 rows from zero there are no further ones, and the outermost one is endless.
 inline Row rowOf(double coordinate, double rowsPerUnit) {
     constexpr double endOfRows = 0x1p46;
     // In this order, what is not a number is in the outermost row.

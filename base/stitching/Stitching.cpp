@@ -38,9 +38,9 @@ struct Tip {
 /// Builds a walk, chain by chain.
 class Stitcher {
 public:
-    Stitcher(const EndPoints& ends, const JoinDistance& distance)
-        : m_ends(ends), m_pool(ends, distance) {
-        reserveLarge(m_walk, ends.size());
+    Stitcher(EndPoints ends, const JoinDistance& distance)
+        : m_ends(std::move(ends)), m_pool(m_ends, distance) {
+        reserveLarge(m_walk, m_ends.size());
     }
 
     Walk walk() &&;
@@ -55,7 +55,7 @@ private:
         tip.lowest = tip.candidate.exists() ? m_pool.numberOf(tip.candidate.run()) : noRun;
     }
 
-    const EndPoints& m_ends;
+    const EndPoints m_ends;
     RunPool m_pool;
     Walk m_walk;
     Tip m_front;
@@ -133,10 +133,8 @@ void Stitcher::finishChain(RunRank start) {
 
 } // namespace
 
-// The ends are taken by value to be freed with the rest.
-// NOLINTNEXTLINE(performance-unnecessary-value-param)
 Walk stitch(EndPoints ends, const JoinDistance& distance) {
-    return Stitcher(ends, distance).walk();
+    return Stitcher(std::move(ends), distance).walk();
 }
 
 } // namespace base
