@@ -15,13 +15,13 @@ void pack(benchmark::State& state) {
     const auto& cloud = cloudOf(static_cast<std::size_t>(state.range(0)));
     for (auto _ : state) {
         std::vector<unsigned char> bytes(cloud.size() * 16);
-        unsigned char* place = bytes.data();
+        unsigned char* record = bytes.data();
         for (const pcl::PointXYZI& point : cloud) {
-            std::memcpy(place, &point.x, 4);
-            std::memcpy(place + 4, &point.y, 4);
-            std::memcpy(place + 8, &point.z, 4);
-            std::memcpy(place + 12, &point.intensity, 4);
-            place += 16;
+            std::memcpy(record, &point.x, 4);
+            std::memcpy(record + 4, &point.y, 4);
+            std::memcpy(record + 8, &point.z, 4);
+            std::memcpy(record + 12, &point.intensity, 4);
+            record += 16;
         }
         benchmark::DoNotOptimize(bytes.data());
         benchmark::ClobberMemory();

@@ -18,7 +18,7 @@ struct PlyColumn {
         : datatype(field.datatype), offset(field.offset),
           elementSize(sizeOfDatatype(field.datatype)),
           elements(isNegative(field.count) ? 0 : std::max(field.count, 1U)),
-          writesCount(elements > 1), isColour(isColourText(field)) {}
+          isColour(isColourText(field)) {}
 
     static std::vector<PlyColumn> ofFields(const std::vector<pcl::PCLPointField>& fields) {
         return {fields.begin(), fields.end()};
@@ -29,14 +29,15 @@ struct PlyColumn {
 
     bool isKnown() const { return elementSize != 0; }
 
+    /// Whether the count stands in the text.
+    bool writesCount() const { return elements > 1; }
+
     unsigned datatype;
     std::size_t offset;
     /// In bytes; 0 for an unknown datatype.
     std::size_t elementSize;
     /// 1 for a count of 0; none for a count that is negative as a signed number.
     std::uint32_t elements;
-    /// Whether the count stands in the text.
-    bool writesCount;
     /// Whether the text is that of a packed colour.
     bool isColour;
 

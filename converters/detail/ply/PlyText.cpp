@@ -68,12 +68,13 @@ char* writeElement(char* out, const PlyColumn& column, const unsigned char* byte
         return writeInteger(out, valueOf<std::uint16_t>(bytes));
     case Field::INT32:
         return writeInteger(out, valueOf<std::int32_t>(bytes));
-    default:
-        if (column.isColour) {
-            return writeColours(out, valueOf<std::uint32_t>(bytes), {16, 8, 0, 24});
-        }
-        return writeInteger(out, valueOf<std::uint32_t>(bytes));
+    case Field::UINT32:
+        break;
     }
+    if (column.isColour) {
+        return writeColours(out, valueOf<std::uint32_t>(bytes), {16, 8, 0, 24});
+    }
+    return writeInteger(out, valueOf<std::uint32_t>(bytes));
 }
 
 /// The line of one point under construction. Its end is kept by the writer, in a register.
@@ -183,7 +184,7 @@ void writeLines(const std::vector<PlyColumn>& columns, const PointBytes& points,
     for (std::size_t i = written; i < points.count; ++i) {
         char* end = line.begin();
         for (const PlyColumn& column : columns) {
-            if (column.writesCount) {
+            if (column.writesCount()) {
                 writeCount(column.elements, write);
             }
             end = appendElements(line, end, column, points, i, warn);
@@ -198,7 +199,7 @@ std::size_t maxLineLength(const std::vector<PlyColumn>& columns) {
     std::size_t length = 1;
     for (const PlyColumn& column : columns) {
         const std::size_t element = column.isColour ? maxColourLength : maxNumberLength;
-        length += column.elements * element + (column.writesCount ? maxNumberLength : 0);
+        length += column.elements * element + (column.writesCount() ? maxNumberLength : 0);
     }
     return length;
 }
