@@ -10,6 +10,8 @@
 #include "dxfeditor/DXFPointVector.h"
 #include "dxfeditor/DXFPolyline.h"
 #include "dxfeditor/DXFSpline.h"
+#include "dxfeditor/VisitEntity.h"
+#include "dxfeditor/WalkNumbers.h"
 #include "tools/cloudconv/Contours.h"
 #include "tools/cloudconv/Wording.h"
 #include "tools/cloudconv/check/FileEntities.h"
@@ -30,11 +32,9 @@ using converters::FoundEntity;
 using converters::lengthText;
 using converters::placeText;
 using converters::shortNameOf;
+using dxfeditor::samplingStep;
 using Point = cv::Point3_<double>;
 using Numbers = std::vector<double>;
-
-/// A straight piece shorter than this is walked as its start alone.
-constexpr double samplingStep = 0.1;
 
 /// What is looked at of an entity, whatever its kind.
 struct Shape {
@@ -177,21 +177,9 @@ Shape shapeOf(const DXFPointVector& vector) {
     return shape;
 }
 
-template <typename Kind>
-bool take(const DXFEntity& entity, Shape& shape) {
-    const auto* const known = dynamic_cast<const Kind*>(&entity);
-    if (known != nullptr) {
-        shape = shapeOf(*known);
-    }
-    return known != nullptr;
-}
-
 Shape shapeOf(const DXFEntity& entity) {
     Shape shape;
-    static_cast<void>(take<DXFLine>(entity, shape) || take<DXFArc>(entity, shape) ||
-                      take<DXFCircle>(entity, shape) || take<DXFPolyline>(entity, shape) ||
-                      take<DXFSpline>(entity, shape) || take<DXFPoint>(entity, shape) ||
-                      take<DXFPointVector>(entity, shape));
+    dxfeditor::visitEntity(entity, [&](const auto& kind) { shape = shapeOf(kind); });
     return shape;
 }
 

@@ -1,5 +1,7 @@
 #include "tools/cloudconv/check/WalkNearMisses.h"
 
+#include "dxfeditor/WalkNumbers.h"
+
 #include <limits>
 
 std::vector<converters::NearMiss> nearMissesOf(const DxfContents& drawing,
@@ -15,5 +17,5 @@ std::vector<converters::NearMiss> nearMissesOf(const DxfContents& drawing,
             ends.push_back({drawing.points[contour.end - 1], contour.begin, any});
         }
     }
-    return converters::nearMissesAmong(ends, distance, converters::joiningDistance, progress);
+    return converters::nearMissesAmong(ends, distance, dxfeditor::joinDistance, progress);
 }
