@@ -334,6 +334,14 @@ TEST(Wording, MakesAnyTextPrintableUtf8) {
     EXPECT_EQ(counted(0, "gap"), "0 gaps");
 }
 
+TEST(Wording, GivesNumbersAsManyDigitsAsAreAskedFor) {
+    EXPECT_EQ(numberText(0.25, 2), "0.25");
+    EXPECT_EQ(numberText(0.256, 2), "0.26");
+    EXPECT_EQ(numberText(3.0, 9), "3");
+    EXPECT_EQ(numberText(1234567.0, 6), "1.23457e+06");
+    EXPECT_EQ(numberText(-1.7976931348623157e308, 17), "-1.7976931348623157e+308");
+}
+
 constexpr float nanf = std::numeric_limits<float>::quiet_NaN();
 constexpr float inff = std::numeric_limits<float>::infinity();
 

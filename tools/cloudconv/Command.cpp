@@ -1,8 +1,8 @@
 #include "tools/cloudconv/Command.h"
 
 #include "converters/check/NearMisses.h"
+#include "tools/cloudconv/Wording.h"
 
-#include <cstdio>
 #include <cstdlib>
 #include <limits>
 
@@ -29,9 +29,9 @@ CLI::Validator numberBetween(double least, double most) {
         if (!text.empty() && *end == '\0' && number >= least && number <= most) {
             return {};
         }
-        char range[64];
-        static_cast<void>(std::snprintf(range, sizeof range, "from %g to %g", least, most));
-        return '"' + text + "\" is not a number " + range;
+        constexpr int digits = 6;
+        return '"' + text + "\" is not a number from " + numberText(least, digits) + " to " +
+               numberText(most, digits);
     };
     return {whyNot, ""};
 }

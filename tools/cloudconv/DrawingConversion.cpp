@@ -17,7 +17,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
-#include <cstdio>
 #include <memory>
 #include <string>
 #include <vector>
@@ -84,11 +83,9 @@ void tellWhatRoundingCosts(const DrawingPath& path, Notes& notes) {
     constexpr double samePlace = 0.001;
     const double farthest = farthestMove(path);
     if (farthest >= samePlace) {
-        char text[32];
-        static_cast<void>(std::snprintf(text, sizeof text, "%.2g", farthest));
         const std::string unit = shortName(path.unit);
         notes.add("PLY holds coordinates as 32-bit floats: points move by up to " +
-                  std::string(text) + (unit.empty() ? " drawing units" : " " + unit) +
+                  numberText(farthest, 2) + (unit.empty() ? " drawing units" : " " + unit) +
                   "; .csv and .xyz hold them exactly");
     }
 }

@@ -1,5 +1,6 @@
 #include "tools/cloudconv/PlainConversion.h"
 
+#include "dxfeditor/WalkNumbers.h"
 #include "tools/cloudconv/DxfFile.h"
 #include "tools/cloudconv/InputFile.h"
 #include "tools/cloudconv/Notes.h"
@@ -10,7 +11,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 #include <utility>
 
 namespace {
@@ -78,8 +78,6 @@ void tellWhatScanLacks(const PlyContents& contents, const ConvertOptions& option
 
 /// Drawings of other programs end where floats are too coarse: a plan in map coordinates, say.
 void tellWhatRoundingCosts(const Points& points, const Cloud& cloud, Report& report) {
-    /// Nearer ends than this count as the same place in a drawing.
-    constexpr double samePlace = 0.001;
     double farthest = 0.0;
     for (std::size_t i = 0; i < points.size(); ++i) {
         for (const double moved : {points[i].x - static_cast<double>(cloud.points[i].x),
@@ -88,11 +86,9 @@ void tellWhatRoundingCosts(const Points& points, const Cloud& cloud, Report& rep
             farthest = std::max(farthest, std::abs(moved));
         }
     }
-    if (farthest >= samePlace) {
-        char text[32];
-        static_cast<void>(std::snprintf(text, sizeof text, "%.2g", farthest));
+    if (farthest >= dxfeditor::joinDistance) {
         report.notes.add("PLY holds coordinates as 32-bit floats: points move by up to " +
-                         std::string(text) + " drawing units");
+                         numberText(farthest, 2) + " drawing units");
     }
 }
 

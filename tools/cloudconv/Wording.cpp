@@ -2,6 +2,8 @@
 
 #include "tools/cloudconv/StandardError.h"
 
+#include <cstdio>
+
 namespace {
 
 /// How many bytes the character at the beginning has; 0 when it is no UTF-8, or no character of
@@ -48,6 +50,12 @@ std::string counted(std::size_t count, const std::string& singular) {
 
 std::string counted(std::size_t count, const std::string& singular, const std::string& plural) {
     return std::to_string(count) + ' ' + (count == 1 ? singular : plural);
+}
+
+std::string numberText(double number, int digits) {
+    char text[32];
+    static_cast<void>(std::snprintf(text, sizeof text, "%.*g", digits, number));
+    return text;
 }
 
 std::string leftOutText(std::size_t count) {

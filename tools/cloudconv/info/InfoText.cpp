@@ -1,21 +1,15 @@
 #include "tools/cloudconv/info/InfoText.h"
 
 #include "tools/cloudconv/StandardError.h"
+#include "tools/cloudconv/Wording.h"
 
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
-#include <cstdio>
 
 namespace {
 
 using Json = nlohmann::ordered_json;
-
-std::string numberText(double number) {
-    char text[32];
-    static_cast<void>(std::snprintf(text, sizeof text, "%.9g", number));
-    return text;
-}
 
 std::string scalarText(const Json& value) {
     if (value.is_string()) {
@@ -25,7 +19,7 @@ std::string scalarText(const Json& value) {
         return value.get<bool>() ? "yes" : "no";
     }
     if (value.is_number_float()) {
-        return numberText(value.get<double>());
+        return numberText(value.get<double>(), 9);
     }
     return value.is_null() ? "none" : value.dump();
 }
