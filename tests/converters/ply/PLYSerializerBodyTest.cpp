@@ -13,7 +13,6 @@
 #include <limits>
 #include <locale>
 #include <new>
-#include <random>
 #include <stdexcept>
 
 namespace {
@@ -458,9 +457,9 @@ TEST(PLYSerializerBody, RandomLayoutsAreThoseOfThePlainWriter) {
 }
 
 /// A cloud of floats only, some outside the bytes, or in those of the next point.
-pcl::PCLPointCloud2 randomFloats(std::mt19937& random) {
-    const auto below = [&random](std::uint32_t limit) {
-        return static_cast<std::uint32_t>(random() % limit);
+pcl::PCLPointCloud2 randomFloats(Random32& random) {
+    const auto below = [&random](std::uint32_t count) {
+        return random.below<std::uint32_t>(count);
     };
     pcl::PCLPointCloud2 cloud;
     const std::uint32_t fieldCount = 1 + below(5);
@@ -478,7 +477,7 @@ pcl::PCLPointCloud2 randomFloats(std::mt19937& random) {
 }
 
 TEST(PLYSerializerBody, RandomFloatsAreThoseOfThePlainWriter) {
-    std::mt19937 random(8);
+    Random32 random(8);
     for (int i = 0; i < 2000; ++i) {
         ASSERT_NO_FATAL_FAILURE(expectAsReference(randomFloats(random))) << i;
     }

@@ -10,12 +10,11 @@
 #include "dxfeditor/DXFSpline.h"
 #include "tests/support/DrawingText.h"
 #include "tests/support/Dxf.h"
+#include "tests/support/Random.h"
 #include "tests/support/TemporaryDirectory.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-
-#include <random>
 
 namespace {
 
@@ -207,15 +206,15 @@ TEST_F(DXFReaderCallbacks, EntitiesOfEqualAttributesShareARecord) {
 }
 
 TEST_F(DXFReaderCallbacks, EveryEntityGetsItsOwnAttributesWhateverOthersHave) {
-    std::mt19937 random(1);
-    const auto below = [&](unsigned limit) { return static_cast<int>(random() % limit); };
+    Random32 random(1);
+    const auto below = [&](std::size_t count) { return random.below<int>(count); };
     const std::vector<std::string> names = {"", "0", "walls", "a name of more than fifteen bytes"};
     const std::vector<double> scales = {1.0, 0.0, -0.0, 2.5};
     std::vector<std::string> expected;
     for (int i = 0; i < 20000; ++i) {
-        DL_Attributes attributes(names[random() % 4], below(8), below(3), below(3),
-                                 names[random() % 4], below(3));
-        attributes.setLinetypeScale(scales[random() % 4]);
+        DL_Attributes attributes(random.pick(names), below(8), below(3), below(3),
+                                 random.pick(names), below(3));
+        attributes.setLinetypeScale(random.pick(scales));
         attributes.setInPaperSpace(below(2) == 0);
         reader.setAttributes(attributes);
         reader.addLine({1, 2, 3, 4, 5, 6});

@@ -2,10 +2,10 @@
 
 #include "converters/detail/drawing/geometry/Affine.h"
 #include "converters/detail/drawing/geometry/Curve.h"
+#include "tests/support/Random.h"
 
 #include <cstddef>
 #include <cstdint>
-#include <random>
 
 /// Random exact curves, the same with every standard library.
 class RandomCurves {
@@ -14,8 +14,8 @@ public:
 
     explicit RandomCurves(std::uint64_t seed) : m_random(seed) {}
 
-    std::size_t below(std::size_t limit) { return static_cast<std::size_t>(m_random() % limit); }
-    bool oneIn(std::size_t number) { return below(number) == 0; }
+    std::size_t below(std::size_t count) { return m_random.below(count); }
+    bool oneIn(std::size_t count) { return m_random.oneIn(count); }
     /// In [low, high).
     double within(double low, double high) {
         return low + (high - low) * (static_cast<double>(m_random() >> 11) * 0x1p-53);
@@ -34,5 +34,5 @@ public:
 private:
     std::vector<double> knots(std::size_t number, std::size_t degree);
 
-    std::mt19937_64 m_random;
+    Random m_random;
 };
