@@ -120,7 +120,7 @@ py::bytes writeDrawing(const std::vector<Layer>& layers, const std::vector<Entit
     convert(PyExc_OSError, [&]() -> std::string {
         const MemoryFile file;
         const bool written = file.descriptor() >= 0 &&
-                             DXFWriter(*drawing).saveTo(file.descriptor(), file.path()) &&
+                             DXFWriter(*drawing).saveTo(file.descriptor(), "a file in memory") &&
                              base::readFile(file.path(), bytes);
         return written ? "" : std::string("the drawing could not be written: ") + strerror(errno);
     });
