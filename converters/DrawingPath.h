@@ -287,6 +287,9 @@ enum class PathAxes : std::uint8_t {
     plain
 };
 
+/// How near ends are that become one point, in units of the drawing, where nobody says otherwise.
+constexpr double defaultJoinDistance = 0.001;
+
 /// How a drawing becomes a path. Lengths are in units of the result.
 struct PathOptions {
     /// The most that a chord may leave its curve; above 0. By default 0.01 mm, or 0.01 where no
@@ -295,8 +298,8 @@ struct PathOptions {
     /// The most between neighbouring points, of straight lines, too; above 0. By default without
     /// limit.
     std::optional<double> step;
-    /// Ends of entities closer than this are one point; 0 joins equal ends only. By default 0.001
-    /// units of the drawing.
+    /// Ends of entities closer than this are one point; 0 joins equal ends only. By default
+    /// defaultJoinDistance, 0.001, units of the drawing.
     std::optional<double> joinDistance;
     /// The unit of the result; none: that of the drawing.
     LengthUnit unit = LengthUnit::none;

@@ -18,9 +18,6 @@ struct NearMiss {
     double distance;
 };
 
-/// Ends within this distance are joined.
-constexpr double joiningDistance = 0.001;
-
 /// Ends that are not joined and within this distance are near, where nobody says otherwise.
 constexpr double defaultNearness = 0.1;
 
@@ -49,6 +46,6 @@ std::vector<NearMiss> nearMissesOf(const DrawingPath& path, double distance, dou
 
 /// The same, without anybody who is told how far it is.
 std::vector<NearMiss> nearMissesOf(const DrawingPath& path, double distance,
-                                   double joining = joiningDistance);
+                                   double joining = defaultJoinDistance);
 
 } // namespace converters

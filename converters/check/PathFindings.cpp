@@ -21,7 +21,8 @@ double joiningIn(const DrawingPath& path, const PathOptions& options) {
     const double own = metresPer(path.drawingUnit);
     const double result = metresPer(path.unit);
     const double converted = own > 0.0 && result > 0.0 ? own / result : 1.0;
-    const double asked = options.joinDistance.value_or(joiningDistance * converted * options.scale);
+    const double asked =
+        options.joinDistance.value_or(defaultJoinDistance * converted * options.scale);
     // What is exactly there may be blurred by the last digits.
     constexpr double exactness = 1e-12;
     double extent = 1e-100;

@@ -41,7 +41,7 @@ void addDistanceOption(CLI::App& command, double& distance) {
         .add_option("--distance", distance,
                     "ends that are this near and not joined are near misses")
         ->capture_default_str()
-        ->check(numberBetween(converters::joiningDistance, std::numeric_limits<double>::max()));
+        ->check(numberBetween(converters::defaultJoinDistance, std::numeric_limits<double>::max()));
 }
 
 void addQuietFlag(CLI::App& command, bool& quiet) {

@@ -62,7 +62,6 @@ PathSettings settingsFor(const Drawing& drawing, const PathOptions& options,
                          std::vector<std::string>& notes) {
     constexpr double defaultMetres = 0.01e-3;
     constexpr double defaultTolerance = 0.01;
-    constexpr double defaultJoinDistance = 0.001;
     PathSettings settings{};
     settings.drawingUnit = unitOf(drawing.header, notes);
     settings.unit = options.unit == LengthUnit::none ? settings.drawingUnit : options.unit;

@@ -44,7 +44,7 @@ DrawnContour drawn(const converters::DrawingPath& path, const converters::PathCo
     }
     const double apart =
         distanceOf(path.points[contour.firstPoint], path.points[contour.endPoint - 1]);
-    const bool isGap = apart >= converters::joiningDistance && apart <= distance;
+    const bool isGap = apart >= converters::defaultJoinDistance && apart <= distance;
     result.gap = result.kind == ContourKind::Open && isGap ? apart : 0.0;
     return result;
 }
@@ -75,7 +75,7 @@ DrawingScene sceneOf(const converters::DrawingPath& path, double distance,
     scene.layers = layers.names();
     search.begin(1.0, 4 * path.contours.size());
     for (const converters::NearMiss& miss :
-         converters::nearMissesOf(path, distance, converters::joiningDistance, search)) {
+         converters::nearMissesOf(path, distance, converters::defaultJoinDistance, search)) {
         scene.gaps.push_back({placeOf(miss.first), placeOf(miss.second), miss.distance});
     }
     return scene;
