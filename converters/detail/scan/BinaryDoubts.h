@@ -12,6 +12,10 @@ namespace converters::scan {
 /// Whether bytes that are said to be binary are numbers in text.
 bool isNumberText(std::string_view bytes);
 
+/// Whether bytes that are said to be binary have gone through a program that takes all files for
+/// text: they are characters in UTF-8, many of which only such a program makes.
+bool isConvertedText(std::string_view bytes);
+
 /// Whether coordinates make sense in the other byte order alone: there, all of them are of usual
 /// magnitude; as the header has it, most are far beyond or next to nothing.
 ///

@@ -78,7 +78,7 @@ void Decoder::open() {
         for (std::size_t i = 0; i < m_report.vertexElement; ++i) {
             stepOver(m_report.elements[i]);
         }
-        refuseOtherByteOrder();
+        refuseDoubtfulPoints();
         m_source = makeSource();
         chooseShift();
     });
@@ -144,19 +144,25 @@ void Decoder::refuseTextAsBinary() {
     }
 }
 
-void Decoder::refuseOtherByteOrder() {
-    if (m_text || m_report.points == 0 || hasLists(vertices())) {
-        return;
-    }
+/// Looks at the first points, whose coordinates may tell that they are none.
+void Decoder::refuseDoubtfulPoints() {
+    const bool mayBe = !m_text && m_report.points != 0 && !hasLists(vertices()) &&
+                       isFloating(vertices().properties[*m_roles.x].type);
     constexpr std::uint64_t sample = 64;
     const auto count = static_cast<std::size_t>(std::min(sample, m_report.points));
     const std::size_t size = scalarBytes(vertices());
-    const auto* const records = m_window.need(count * size)
-                                    ? reinterpret_cast<const unsigned char*>(m_window.begin())
-                                    : nullptr;
-    if (records != nullptr &&
-        areOfOtherByteOrder(vertices(), {records, size}, count, isSwapped(m_report.format))) {
-        refuse(std::string("the header says ") + nameOf(m_report.format) +
+    if (!mayBe || !m_window.need(count * size)) {
+        return;
+    }
+    const std::string format = nameOf(m_report.format);
+    if (isConvertedText({m_window.begin(), count * size})) {
+        refuse("the header says " + format +
+               ", but what follows are characters in UTF-8: the file was converted as if it were "
+               "text");
+    }
+    const RecordBytes records{reinterpret_cast<const unsigned char*>(m_window.begin()), size};
+    if (areOfOtherByteOrder(vertices(), records, count, isSwapped(m_report.format))) {
+        refuse("the header says " + format +
                ", but the coordinates make sense in the other byte order only");
     }
 }

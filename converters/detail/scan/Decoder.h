@@ -60,7 +60,7 @@ private:
     void adoptHeader();
     void adoptRowsAndColumns();
     void refuseTextAsBinary();
-    void refuseOtherByteOrder();
+    void refuseDoubtfulPoints();
     void refuseSuspiciousRest(const std::string& size) const;
     void stepOver(const ScanElement& element);
     std::unique_ptr<RecordSource> makeSource();

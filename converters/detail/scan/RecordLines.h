@@ -55,8 +55,11 @@ public:
 
     /// Whether values are missing, or too many.
     bool areBroken() const {
+        // One fault makes as many lines odd: its own, and the one that another element shares.
+        constexpr std::uint64_t ofOneFault = 2;
         constexpr std::uint64_t least = 3;
-        return m_isRagged && m_wholeLines >= least && m_wholeLines >= 2 * m_oddLines;
+        return m_isRagged && m_wholeLines >= least &&
+               (m_oddLines <= ofOneFault || m_wholeLines >= 2 * m_oddLines);
     }
 
 private:

@@ -273,6 +273,12 @@ TEST(ScanRefused, LinesThatLackAValueEvenIfFacesMakeUpForIt) {
                   "line 17: there are more values than a record of element 'vertex' has");
 }
 
+TEST(ScanRefused, LinesThatLackAValueInSmallFiles) {
+    const std::string face = "element face 1\nproperty list uchar int vertex_indices\n";
+    expectRefused(asciiScan("0 0 0\n1 0 0\n0 1\n0 0 1\n3 2 1 0\n", "4", face),
+                  "line 12: there are fewer values than a record of element 'vertex' has");
+}
+
 TEST(ScanRefused, LinesThatLackAValueThatAnotherHasTooMany) {
     expectRefused(asciiScan("1 2 3\n4 5\n7 8 9\n1 2 3\n4 5 6\n7 8 9 6\n1 2 3\n", "7"),
                   "line 9: there are fewer values than a record of element 'vertex' has");
@@ -338,6 +344,27 @@ TEST(ScanRefused, BinaryFilesCopiedAsText) {
     expectRefused(copied,
                   "the body has as many bytes too many as line feeds, each of them behind a "
                   "carriage return: the file was copied as if it were text");
+}
+
+TEST(ScanRefused, BinaryFilesConvertedToUtf8) {
+    const std::string start = binaryHeader("binary_little_endian", 200, "float");
+    const std::string body = binaryPoints(200, false, false);
+    std::string fromLatin;
+    std::string replaced;
+    for (const char c : body) {
+        const auto byte = static_cast<unsigned char>(c);
+        const bool isAscii = byte < 0x80;
+        fromLatin += isAscii ? std::string(1, c)
+                             : std::string{static_cast<char>(byte < 0xC0 ? 0xC2 : 0xC3),
+                                           static_cast<char>(0x80 | (byte & 0x3F))};
+        replaced += isAscii ? std::string(1, c) : "\xEF\xBF\xBD";
+    }
+    for (const std::string& converted : {fromLatin, replaced}) {
+        expectRefused(start + converted,
+                      "the header says binary_little_endian, but what follows are characters in "
+                      "UTF-8: the file was converted as if it were text");
+    }
+    EXPECT_TRUE(readEveryWay(start + body).result);
 }
 
 TEST(ScanRefused, RecordsThatAreLongerThanDeclared) {
