@@ -1,5 +1,6 @@
 """Scans: point clouds with all that a PLY file says of each point."""
 
+import operator
 import os
 from dataclasses import dataclass
 from pathlib import Path
@@ -19,6 +20,12 @@ Records = npt.NDArray[np.void]
 #: NumPy's types, by the library's numbers for the types of PLY.
 _TYPES = {1: "i1", 2: "u1", 3: "i2", 4: "u2", 5: "i4", 6: "u4", 7: "f4", 8: "f8"}
 _NUMBERS = {np.dtype(name): number for number, name in _TYPES.items()}
+
+#: What clouds are written as.
+_KINDS = ("ply", "ply-ascii", "csv", "xyz", "dxf")
+
+#: Most significant digits of a double.
+_MOST_DIGITS = 17
 
 #: Formats by their extensions.
 _FORMATS = {".ply": "ply", ".csv": "csv", ".xyz": "xyz", ".dxf": "dxf"}
@@ -91,7 +98,7 @@ class Cloud:
     """Rows of an organised cloud; else 1."""
 
     report: Optional[ScanReport]
-    """What the file held, of a cloud that was read."""
+    """What the file held, of a cloud that was read, or a part of one."""
 
     def __init__(
         self,
@@ -102,8 +109,9 @@ class Cloud:
         **properties: npt.ArrayLike,
     ) -> None:
         """
-        :param points: an array of shape (N, 3); or a structured array with fields x, y and z and
-            any others, of numbers
+        :param points: an array of shape (N, 3), of which whole numbers become 32-bit floats where
+            these hold them, else doubles; or a structured array with fields x, y and z and any
+            others, of numbers
         :param properties: more of each point, one array of shape (N,) for each name
         :raises ValueError: for other shapes, and when width × height is not the number of points
         """
@@ -181,7 +189,9 @@ class Cloud:
         chosen = self.points[index]
         if isinstance(index, str) or isinstance(chosen, np.void):
             return chosen
-        return Cloud(chosen)
+        part = Cloud(chosen)
+        part.report = self.report
+        return part
 
     def __array__(
         self, dtype: Optional[npt.DTypeLike] = None, copy: Optional[bool] = None
@@ -208,7 +218,13 @@ class Cloud:
         :param format: "ply" (binary), "ply-ascii", "csv", "xyz" or "dxf"
         :param digits: significant digits of texts, 1 to 17; by default as many as it takes to read
             back the same
+        :raises ValueError: for another format or number of digits
         """
+        if format not in _KINDS:
+            raise ValueError(f"format is {format!r}, expected one of {', '.join(_KINDS)}")
+        digits = None if digits is None else operator.index(digits)
+        if digits is not None and not 1 <= digits <= _MOST_DIGITS:
+            raise ValueError(f"{digits} digits, expected 1 to {_MOST_DIGITS}")
         packed = _packed(self.points)
         fields: Any = packed.dtype.fields or {}
         return _native.write_points(
@@ -287,7 +303,7 @@ class Cloud:
 def read_scan(
     source: Source,
     *,
-    intensity: str = "",
+    intensity: Optional[str] = None,
     shift: Union[None, str, Sequence[float]] = None,
     progress: Optional[Progress] = None,
 ) -> Cloud:
@@ -326,8 +342,10 @@ def read_scan(
     if automatic and shift != "auto":
         raise ValueError(f'shift is "{shift}", expected three numbers or "auto"')
     vector = None if shift is None or automatic else tuple(float(number) for number in shift)
+    if vector is not None and len(vector) != 3:
+        raise ValueError(f"shift has {len(vector)} numbers, expected 3")
     failure, data, fields, size, facts = _native.read_scan(
-        bytes_of(source), intensity, vector, automatic, callback(progress)
+        bytes_of(source), intensity or "", vector, automatic, callback(progress)
     )
     check(failure)
     dtype = np.dtype(
@@ -370,7 +388,7 @@ def _records(points: npt.NDArray[Any], properties: dict[str, npt.ArrayLike]) -> 
             raise ValueError(f"points have shape {points.shape}, expected (N, 3)")
         if points.dtype.kind not in "biuf":
             raise TypeError(f"points must be real numbers, not {points.dtype}")
-        kind = points.dtype if points.dtype in (np.float32, np.float64) else np.dtype("f4")
+        kind = points.dtype if points.dtype in (np.float32, np.float64) else _floats_for(points)
         columns = {name: points[:, axis].astype(kind) for axis, name in enumerate("xyz")}
     elif properties:
         columns = {name: points[name] for name in points.dtype.names}
@@ -385,6 +403,13 @@ def _records(points: npt.NDArray[Any], properties: dict[str, npt.ArrayLike]) -> 
         made[name] = column
     _check_fields(made)
     return made
+
+
+def _floats_for(numbers: npt.NDArray[Any]) -> "np.dtype[Any]":
+    """The type that numbers of another one become: 32-bit floats where these hold them."""
+    if numbers.dtype.kind == "f":
+        return np.dtype("f4" if numbers.dtype.itemsize < 4 else "f8")
+    return np.dtype("f4" if bool((numbers.astype("f4") == numbers).all()) else "f8")
 
 
 def _check_fields(records: Records) -> None:

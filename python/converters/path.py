@@ -256,6 +256,14 @@ class DrawingPath(Sequence[PathContour]):
         return PathPiece(kind, self.points[first : last + 1], self._entity(entity), curve)
 
 
+def _number(name: str, value: Any) -> Optional[float]:
+    if value is None:
+        return None
+    if isinstance(value, str) or not hasattr(value, "__float__"):
+        raise TypeError(f"{name} is {value!r}, expected a number")
+    return float(value)
+
+
 def path_options(
     *,
     tolerance: Optional[float] = None,
@@ -273,11 +281,11 @@ def path_options(
 ) -> dict[str, Any]:
     """The options of a path as the native module takes them."""
     return {
-        "tolerance": tolerance,
-        "step": step,
-        "join": join,
+        "tolerance": _number("tolerance", tolerance),
+        "step": _number("step", step),
+        "join": _number("join", join),
         "unit": _choice("unit", unit or "", UNITS),
-        "scale": scale,
+        "scale": _number("scale", scale),
         "layers": _names(layers),
         "except_layers": _names(except_layers),
         "hidden": hidden,

@@ -128,3 +128,10 @@ def test_drawings_of_other_programs_are_followed():
     for path in paths:
         loaded = read_drawing(path)
         assert len(loaded.path()) > 0 or loaded.left_out, path
+
+
+@pytest.mark.parametrize("name", ["tolerance", "step", "join", "scale"])
+def test_lengths_are_numbers(name):
+    with pytest.raises(TypeError, match=f"{name} is '0.1', expected a number"):
+        read_drawing(drawing(ARC)).path(**{name: "0.1"})
+    assert len(read_drawing(drawing(ARC)).path(**{name: np.float32(0.5)})) == 1

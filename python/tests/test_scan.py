@@ -194,3 +194,45 @@ def test_scans_of_other_programs_are_read():
     assert paths
     for path in paths:
         assert len(read_scan(path)) > 0, path
+
+
+REFLECTANCE = (
+    b"ply\nformat ascii 1.0\nelement vertex 2\nproperty float x\nproperty float y\n"
+    b"property float z\nproperty uchar reflectance\nend_header\n1 2 3 7\n4 5 6 8\n"
+)
+
+
+def test_a_part_of_a_cloud_knows_its_intensity():
+    cloud = read_scan(REFLECTANCE)
+    for part in (cloud[1:], cloud[cloud.x > 1], cloud[[1]]):
+        assert part.intensity.tolist() == [8]
+        assert part.report is cloud.report
+
+
+def test_whole_numbers_that_floats_do_not_hold_become_doubles():
+    assert Cloud(np.array([[512345679, 2, 3]])).x.tolist() == [512345679]
+    assert Cloud(np.array([[16777216, 2, 3]])).x.dtype == np.float32
+    assert Cloud(np.array([[0.1, 2, 3]], dtype=">f8")).x.tolist() == [0.1]
+
+
+@pytest.mark.parametrize(
+    "arguments", [{"format": "pcd"}, {"digits": 0}, {"digits": 18}, {"format": ""}]
+)
+def test_formats_and_digits_that_there_are_not(arguments):
+    with pytest.raises(ValueError, match="format|digits"):
+        Cloud([[1, 2, 3]]).to_bytes(**arguments)
+
+
+def test_digits_are_a_whole_number():
+    assert Cloud([[1 / 3, 2, 3]]).to_bytes("xyz", digits=np.int64(3)) == b"0.333 2 3\n"
+    with pytest.raises(TypeError):
+        Cloud([[1, 2, 3]]).to_bytes("xyz", digits="3")
+
+
+def test_a_shift_has_three_numbers():
+    with pytest.raises(ValueError, match="2 numbers, expected 3"):
+        read_scan(SCAN, shift=(1, 2))
+
+
+def test_no_name_of_the_intensity_is_the_usual_one():
+    assert read_scan(REFLECTANCE, intensity=None).intensity.tolist() == [7, 8]

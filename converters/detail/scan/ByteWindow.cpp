@@ -47,6 +47,22 @@ void LineCount::add(const char* begin, const char* end) {
     }
 }
 
+void LineFeedCount::add(const char* begin, const char* end) {
+    const char* c = begin;
+    while (!m_hasLone && c != end) {
+        const char* const found = std::find(c, end, '\n');
+        if (found == end) {
+            break;
+        }
+        m_hasLone = found == begin ? !m_isBehindReturn : found[-1] != '\r';
+        ++m_behindReturns;
+        c = found + 1;
+    }
+    if (begin != end) {
+        m_isBehindReturn = end[-1] == '\r';
+    }
+}
+
 ByteWindow::ByteWindow(const void* bytes, std::size_t size)
     : m_begin(static_cast<const char*>(bytes)), m_end(m_begin + size), m_base(m_begin),
       m_size(size), m_hasEnded(true) {}
@@ -67,6 +83,9 @@ bool ByteWindow::more() {
     const std::size_t count = std::min(m_source(m_buffer.get() + used, room), room);
     m_hasEnded = count == 0;
     m_end += count;
+    if (m_lineFeeds) {
+        m_lineFeeds->add(m_end - count, m_end);
+    }
     return !m_hasEnded;
 }
 
@@ -140,6 +159,11 @@ void ByteWindow::countTakenLines() {
         m_lines.add(m_counted, m_begin);
         m_counted = m_begin;
     }
+}
+
+void ByteWindow::countLineFeeds() {
+    m_lineFeeds.emplace();
+    m_lineFeeds->add(m_begin, m_end);
 }
 
 std::uint64_t ByteWindow::lineAt(const char* place) {

@@ -25,6 +25,20 @@ private:
     bool m_isBehindReturn = false;
 };
 
+/// Counts the line feeds of bytes that come in pieces, until one stands alone.
+class LineFeedCount {
+public:
+    void add(const char* begin, const char* end);
+
+    /// Those behind a carriage return; 0 when one stands alone.
+    std::uint64_t behindReturns() const { return m_hasLone ? 0 : m_behindReturns; }
+
+private:
+    std::uint64_t m_behindReturns = 0;
+    bool m_hasLone = false;
+    bool m_isBehindReturn = false;
+};
+
 /// The part of a file that is in memory: all of it, or a stretch of what a source gives, which
 /// moves on. Bytes are looked at from begin() to end(), and taken from the front.
 ///
@@ -71,6 +85,14 @@ public:
     /// The number of the line that holds `place`, which is at begin() or behind it.
     std::uint64_t lineAt(const char* place);
 
+    /// Counts line feeds from begin() on.
+    void countLineFeeds();
+
+    /// Line feeds up to end() behind a carriage return; 0 when one stands alone, or nobody counts.
+    std::uint64_t lineFeedsBehindReturns() const {
+        return m_lineFeeds ? m_lineFeeds->behindReturns() : 0;
+    }
+
 private:
     bool bring(std::size_t size);
     void makeRoom();
@@ -91,6 +113,8 @@ private:
     /// Of the text before m_counted. Lines are counted late: when somebody asks, or bytes go away.
     LineCount m_lines{1};
     const char* m_counted = nullptr;
+
+    std::optional<LineFeedCount> m_lineFeeds;
 };
 
 } // namespace converters::scan

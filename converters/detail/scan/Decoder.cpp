@@ -1,6 +1,7 @@
 #include "converters/detail/scan/Decoder.h"
 
 #include "converters/detail/scan/AutomaticShift.h"
+#include "converters/detail/scan/BinaryDoubts.h"
 #include "converters/detail/scan/Elements.h"
 #include "converters/detail/scan/Fault.h"
 #include "converters/detail/scan/Wording.h"
@@ -27,15 +28,6 @@ bool isFloating(ScalarType type) {
 
 bool isFinite(const cv::Point3_<double>& point) {
     return std::isfinite(point.x) && std::isfinite(point.y) && std::isfinite(point.z);
-}
-
-/// Whether bytes that are said to be binary are numbers in text.
-bool isNumberText(std::string_view bytes) {
-    constexpr std::size_t least = 6;
-    return bytes.size() >= least &&
-           bytes.find_first_not_of("0123456789+-.eEnaifNAIF \t\r\n") == std::string_view::npos &&
-           bytes.find_first_of("0123456789") != std::string_view::npos &&
-           bytes.find_first_of(" \t\r\n") != std::string_view::npos;
 }
 
 template <typename Number>
@@ -80,10 +72,13 @@ void Decoder::open() {
         if (m_report.format == ScanFormat::ascii) {
             m_window.countLinesFrom(m_header.bodyLine);
             m_text.emplace(m_window);
+        } else if (m_header.endsWithPairs) {
+            m_window.countLineFeeds();
         }
         for (std::size_t i = 0; i < m_report.vertexElement; ++i) {
             stepOver(m_report.elements[i]);
         }
+        refuseDoubtfulPoints();
         m_source = makeSource();
         chooseShift();
     });
@@ -146,6 +141,29 @@ void Decoder::refuseTextAsBinary() {
     if (isNumberText({m_window.begin(), std::min(m_window.available(), sample)})) {
         refuse(std::string("the header says ") + nameOf(m_report.format) +
                ", but what follows is text");
+    }
+}
+
+/// Looks at the first points, whose coordinates may tell that they are none.
+void Decoder::refuseDoubtfulPoints() {
+    const bool mayBe = !m_text && m_report.points != 0 && !hasLists(vertices()) &&
+                       isFloating(vertices().properties[*m_roles.x].type);
+    constexpr std::uint64_t sample = 64;
+    const auto count = static_cast<std::size_t>(std::min(sample, m_report.points));
+    const std::size_t size = scalarBytes(vertices());
+    if (!mayBe || !m_window.need(count * size)) {
+        return;
+    }
+    const std::string format = nameOf(m_report.format);
+    if (isConvertedText({m_window.begin(), count * size})) {
+        refuse("the header says " + format +
+               ", but what follows are characters in UTF-8: the file was converted as if it were "
+               "text");
+    }
+    const RecordBytes records{reinterpret_cast<const unsigned char*>(m_window.begin()), size};
+    if (areOfOtherByteOrder(vertices(), records, count, isSwapped(m_report.format))) {
+        refuse("the header says " + format +
+               ", but the coordinates make sense in the other byte order only");
     }
 }
 
@@ -372,12 +390,34 @@ void Decoder::checkRest() {
     if (m_report.bytesBehind == 0) {
         return;
     }
-    const std::string size = grouped(m_report.bytesBehind) + (m_text ? " characters" : " bytes") +
-                             " behind the last element";
+    const bool isOne = m_report.bytesBehind == 1;
+    const std::string size = grouped(m_report.bytesBehind) + (m_text ? " character" : " byte") +
+                             (isOne ? "" : "s") + " behind the last element";
     if (m_header.oddLine) {
-        refuse("there are " + size);
+        refuse((isOne ? "there is " : "there are ") + size);
     }
-    m_report.notes.push_back(size + " were left out");
+    refuseSuspiciousRest(size);
+    m_report.notes.push_back(size + (isOne ? " was left out" : " were left out"));
+}
+
+/// Bytes behind the last element are harmless, unless they tell that those before are not what
+/// they were taken for.
+void Decoder::refuseSuspiciousRest(const std::string& size) const {
+    if (m_text) {
+        return;
+    }
+    if (m_window.lineFeedsBehindReturns() == m_report.bytesBehind) {
+        refuse("the body has as many bytes too many as line feeds, each of them behind a carriage "
+               "return: the file was copied as if it were text");
+    }
+    // By chance, a few bytes are hardly ever as many for each vertex.
+    constexpr std::uint64_t least = 100;
+    const std::uint64_t each = m_report.points < least ? 0 : m_report.bytesBehind / m_report.points;
+    if (each != 0 && each < scalarBytes(vertices()) &&
+        each * m_report.points == m_report.bytesBehind) {
+        refuse("there are " + size + ", " + grouped(each) +
+               " for each vertex: the header lacks a property, or names a smaller type");
+    }
 }
 
 void Decoder::noteLosses() {

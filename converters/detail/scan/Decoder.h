@@ -60,6 +60,8 @@ private:
     void adoptHeader();
     void adoptRowsAndColumns();
     void refuseTextAsBinary();
+    void refuseDoubtfulPoints();
+    void refuseSuspiciousRest(const std::string& size) const;
     void stepOver(const ScanElement& element);
     std::unique_ptr<RecordSource> makeSource();
     void chooseShift();

@@ -42,11 +42,13 @@ public:
             }
         } while (takeLine(line));
         m_header.bodyLine = m_lines.number() + 1;
+        m_header.endsWithPairs = m_lines.endWithPairs();
         return std::move(m_header);
     }
 
 private:
     void takeMagic();
+    void refuseKnownFormats();
     bool takeLine(std::string_view line);
     void takeFormat(std::string_view line);
     void takeElement(std::string_view line);
@@ -64,6 +66,19 @@ private:
     Header m_header;
 };
 
+/// What a PLY file may have been packed or saved as.
+void HeaderReader::refuseKnownFormats() {
+    m_window.need(2);
+    const std::string_view bytes =
+        std::string_view(m_window.begin(), m_window.available()).substr(0, 2);
+    if (bytes == "\x1F\x8B") {
+        refuse("this is no PLY file but one compressed with gzip");
+    }
+    if (bytes == "\xFF\xFE" || bytes == "\xFE\xFF") {
+        refuse("this is no PLY file but text in UTF-16");
+    }
+}
+
 /// The first line: "ply", perhaps behind blanks and the byte order mark that some editors write.
 void HeaderReader::takeMagic() {
     constexpr std::string_view mark = "\xEF\xBB\xBF";
@@ -74,6 +89,7 @@ void HeaderReader::takeMagic() {
     if (std::string_view(m_window.begin(), m_window.available()).substr(0, mark.size()) == mark) {
         m_window.take(m_window.begin() + mark.size());
     }
+    refuseKnownFormats();
     const bool mayBe = m_window.need(1) && (*m_window.begin() == 'p' || *m_window.begin() == ' ' ||
                                             *m_window.begin() == '\t');
     std::string_view line;

@@ -33,6 +33,8 @@ struct Header {
     std::uint64_t rows = 0;
     /// The number of the line behind the header.
     std::uint64_t bodyLine = 1;
+    /// Whether all lines ended with CR LF.
+    bool endsWithPairs = false;
     /// The first one. A file with such a line is taken as long as its body is just what the other
     /// lines declare: the line may have been meant to declare more.
     std::optional<OddLine> oddLine;

@@ -50,6 +50,7 @@ bool HeaderLines::take(std::string_view& line) {
         const bool isPair = isReturn && end + 1 != m_window.end() && end[1] == '\n';
         const bool isAlone = isReturn && (!isPair || m_endsWithReturns);
         m_window.take(isPair && !isAlone ? end + 2 : end + 1);
+        m_endsWithPairs = m_endsWithPairs && isPair;
         m_endsWithReturns = isAlone && (m_number == 0 || m_endsWithReturns);
     }
     ++m_number;

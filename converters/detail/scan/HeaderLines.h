@@ -26,12 +26,16 @@ public:
     /// The number of the line that was taken last.
     std::uint64_t number() const { return m_number; }
 
+    /// Whether all lines so far ended with CR LF.
+    bool endWithPairs() const { return m_number != 0 && m_endsWithPairs; }
+
 private:
     const char* findEnd();
 
     ByteWindow& m_window;
     std::uint64_t m_number = 0;
     bool m_endsWithReturns = false;
+    bool m_endsWithPairs = true;
 };
 
 } // namespace converters::scan

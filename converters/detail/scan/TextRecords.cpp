@@ -65,8 +65,11 @@ const char* takeOther(const char* c, const char* end, Number& number) {
 } // namespace
 
 void TextRecords::begin(const ScanElement& element) {
+    finishElement();
     m_element = &element;
-    m_taken = 0;
+    m_taken = m_noted = 0;
+    m_lines = RecordLines(hasLists(element) ? 0 : element.properties.size());
+    m_ownSharedLine = m_ownSplitLine = std::nullopt;
     m_values.clear();
     for (const ScanProperty& property : element.properties) {
         m_values.push_back({property.type, sizeOf(property.type), property.countType.has_value(),
@@ -74,19 +77,66 @@ void TextRecords::begin(const ScanElement& element) {
     }
 }
 
-void TextRecords::beginRecord() {
-    const bool isNewLine = m_tokens.skipBlanks() || m_isFirst;
-    m_isFirst = false;
-    if (!isNewLine && !m_sharedLine && !m_tokens.isAtEnd()) {
-        m_sharedLine = m_tokens.line();
+/// Takes blanks behind a record, and sees whether another line begins.
+void TextRecords::skipBetween() {
+    m_isAtLine = m_tokens.skipBlanks() != 0 || m_isAtLine;
+    if (m_isAtLine || m_ownSharedLine || m_tokens.isAtEnd()) {
+        return;
+    }
+    m_ownSharedLine = m_tokens.line();
+    if (!m_sharedLine) {
+        m_sharedLine = m_ownSharedLine;
         m_sharedElement = m_element->name;
     }
 }
 
-void TextRecords::skipWithin() {
-    if (m_tokens.skipBlanks() && !m_splitLine && !m_tokens.isAtEnd()) {
-        m_splitLine = m_tokens.line();
+void TextRecords::beginRecord() {
+    noteUsualRecords();
+    skipBetween();
+    m_lines.beginRecord(m_isAtLine);
+    m_isAtLine = false;
+}
+
+/// Those that takeUsualRecord() took.
+void TextRecords::noteUsualRecords() {
+    if (m_taken != m_noted) {
+        m_lines.addLines(m_taken - m_noted);
+        m_noted = m_taken;
     }
+}
+
+void TextRecords::skipWithin() {
+    const std::uint64_t lineEnds = m_tokens.skipBlanks();
+    if (lineEnds == 0) {
+        return;
+    }
+    m_lines.endLineWithin();
+    if (!m_ownSplitLine && !m_tokens.isAtEnd()) {
+        m_ownSplitLine = m_tokens.line();
+        m_shortLine = *m_ownSplitLine - lineEnds;
+        m_splitLine = m_splitLine ? m_splitLine : m_ownSplitLine;
+    }
+}
+
+/// Takes blanks behind the last record of an element.
+void TextRecords::finishElement() {
+    if (m_element == nullptr) {
+        return;
+    }
+    noteUsualRecords();
+    skipBetween();
+    m_lines.end(m_isAtLine || m_tokens.isAtEnd());
+    if (m_lines.areBroken()) {
+        refuseBrokenLines();
+    }
+}
+
+void TextRecords::refuseBrokenLines() const {
+    const bool isShort =
+        m_ownSplitLine && (!m_ownSharedLine || *m_ownSplitLine <= *m_ownSharedLine);
+    refuseLine(isShort ? m_shortLine : m_ownSharedLine.value_or(0),
+               std::string("there are ") + (isShort ? "fewer" : "more") +
+                   " values than a record of element " + inQuotes(m_element->name) + " has");
 }
 
 /// Takes a list as takeUsualRecord() takes a record.
@@ -137,7 +187,7 @@ const char* TextRecords::takeUsualRecord(const char* c, unsigned char* scalars) 
 }
 
 void TextRecords::take(unsigned char* scalars) {
-    const bool mayBeUsual = base::canUseWords && !m_isFirst && !m_values.empty();
+    const bool mayBeUsual = base::canUseWords && !m_isAtLine && !m_values.empty();
     if (const char* const end =
             mayBeUsual ? takeUsualRecord(m_tokens.position(), scalars) : nullptr;
         end != nullptr) {
@@ -161,10 +211,11 @@ void TextRecords::takeAnyRecord(unsigned char* scalars) {
             takeList(property);
         } else {
             takeValue(property, scalars);
+            m_lines.addValue();
             scalars += sizeOf(property.type);
         }
     }
-    ++m_taken;
+    m_noted = ++m_taken;
 }
 
 void TextRecords::stepOver(std::uint64_t count) {
@@ -230,12 +281,8 @@ void TextRecords::refuseToken(NumberFault fault, const ScanProperty& property, S
 }
 
 std::uint64_t TextRecords::takeRest() {
-    const bool isNewLine = m_tokens.skipBlanks() || m_isFirst;
+    finishElement();
     std::uint64_t characters = 0;
-    if (!isNewLine && !m_tokens.isAtEnd() && !m_sharedLine) {
-        m_sharedLine = m_tokens.line();
-        m_sharedElement = m_element->name;
-    }
     while (!m_tokens.isAtEnd()) {
         if (m_sharedLine) {
             refuseLine(*m_sharedLine, "there are more values than a record of element " +

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "converters/Scan.h"
+#include "converters/detail/scan/RecordLines.h"
 #include "converters/detail/scan/TextTokens.h"
 #include "converters/detail/scan/UsualNumbers.h"
 
@@ -15,13 +16,14 @@ namespace converters::scan {
 /// Takes the records of a text body, of one element after the other, by their tokens.
 ///
 /// A record is usually a line, but the format does not ask for that. What is unusual is remembered,
-/// since it tells a person where a broken file went wrong.
+/// since it tells that a file is broken, and a person where it went wrong.
 class TextRecords {
 public:
     /// The window is at the first byte of the body.
     explicit TextRecords(ByteWindow& window) : m_tokens(window) {}
 
     /// The element whose records are taken next; has to outlive them.
+    /// @throws Fault when lines of the element before lack values or have too many
     void begin(const ScanElement& element);
 
     /// Takes a record.
@@ -53,7 +55,11 @@ private:
     const char* takeUsualList(const char* c, const Value& value) const;
     const char* lastUsual() const { return m_tokens.end() - usualRoom; }
     void takeAnyRecord(unsigned char* scalars);
+    void skipBetween();
     void beginRecord();
+    void noteUsualRecords();
+    void finishElement();
+    [[noreturn]] void refuseBrokenLines() const;
     void takeList(const ScanProperty& property);
     void takeValue(const ScanProperty& property, unsigned char* to);
     template <typename Number>
@@ -65,12 +71,20 @@ private:
     const ScanElement* m_element = nullptr;
     std::vector<Value> m_values;
     std::uint64_t m_taken = 0;
-    bool m_isFirst = true;
-    /// The first line in which a record begins behind the end of another.
+    /// Records up to here are in m_lines.
+    std::uint64_t m_noted = 0;
+    RecordLines m_lines;
+    /// Whether the next record begins a line of which all before is taken.
+    bool m_isAtLine = true;
+    /// The first line in which a record, or something else, begins behind the end of a record.
     std::optional<std::uint64_t> m_sharedLine;
     std::string m_sharedElement;
     /// The first line that begins within a record.
     std::optional<std::uint64_t> m_splitLine;
+    /// The like of the element alone, and the line before.
+    std::optional<std::uint64_t> m_ownSharedLine;
+    std::optional<std::uint64_t> m_ownSplitLine;
+    std::uint64_t m_shortLine = 0;
 };
 
 } // namespace converters::scan

@@ -20,8 +20,8 @@ public:
         : m_window(window), m_position(window.begin()), m_end(window.end()) {}
 
     /// Takes blanks and line ends.
-    /// @return whether a line ended among them
-    bool skipBlanks();
+    /// @return how many lines ended among them
+    std::uint64_t skipBlanks();
 
     /// Takes the next number; there are no blanks in front.
     /// @return the fault of the token that was not taken, missing at the end of the file
@@ -68,17 +68,18 @@ private:
     const char* m_end;
 };
 
-inline bool TextTokens::skipBlanks() {
-    const auto isLineEnd = [](char c) { return c == '\n' || c == '\r'; };
-    bool hasCrossed = false;
+inline std::uint64_t TextTokens::skipBlanks() {
+    std::uint64_t lineEnds = 0;
+    bool isBehindReturn = false;
     do {
         const char* c = m_position;
         for (; c != m_end && base::isBlank(*c); ++c) {
-            hasCrossed = hasCrossed || isLineEnd(*c);
+            lineEnds += *c == '\r' || (*c == '\n' && !isBehindReturn) ? 1 : 0;
+            isBehindReturn = *c == '\r';
         }
         m_position = c;
     } while (m_position == m_end && bring());
-    return hasCrossed;
+    return lineEnds;
 }
 
 /// Takes a number that is spelled as usual, wholly in the window.

@@ -2,6 +2,8 @@
 #include "tests/support/Random.h"
 #include "tests/support/ScanFiles.h"
 
+#include <cmath>
+
 namespace {
 
 std::string header(const std::string& lines) {
@@ -20,6 +22,9 @@ TEST(ScanRefused, WhatIsNoPlyFile) {
     expectRefused("pl", reason);
     expectRefused("\nply\nformat ascii 1.0\n", reason);
     expectRefused("  0\nSECTION\n", reason);
+    expectRefused("\x1F\x8B\b", "this is no PLY file but one compressed with gzip");
+    expectRefused(std::string("\xFF\xFEp\0l\0y\0", 8), "this is no PLY file but text in UTF-16");
+    expectRefused("\x1F", reason);
     expectRefused(std::string(3, '\0'), reason);
 }
 
@@ -245,10 +250,135 @@ TEST(ScanRefused, LinesWithMoreValuesThanDeclared) {
                   "line 9: there are more values than a record of element 'vertex' has");
 }
 
+/// A cube's corners, a line each, then faces.
+std::string meshOf(const std::string& corners, const std::string& faces, const std::string& count) {
+    return asciiScan(corners + faces, "8",
+                     "element face " + count + "\nproperty list uchar int vertex_indices\n");
+}
+
+// All numbers of these files can be taken: a face whose first corner is one less than their number
+// makes up for a missing value.
+TEST(ScanRefused, LinesThatLackAValueEvenIfFacesMakeUpForIt) {
+    expectRefused(
+        meshOf("0 0 0\n1 0 0\n1 1\n0 1 0\n0 0 1\n1 0 1\n1 1 1\n0 1 1\n", "3 2 1 0\n3 0 2 3\n", "2"),
+        "line 12: there are fewer values than a record of element 'vertex' has");
+    expectRefused(meshOf("0 0 0\n1 0 0\n1 1 0\n0 1 0\n0 0 1\n1 0 1\n1 1 1\n0 1\n",
+                         "4 3 2 1 0\n4 4 5 6 7\n", "2"),
+                  "line 17: there are fewer values than a record of element 'vertex' has");
+    expectRefused(meshOf("0 0\n\n1 0 0\n1 1 0\n0 1 0\n0 0 1\n1 0 1\n1 1 1\n0 1 1\n",
+                         "3 2 1 0\n3 0 2 3\n", "2"),
+                  "line 10: there are fewer values than a record of element 'vertex' has");
+    // A whole line.
+    expectRefused(meshOf("0 0 0\n1 0 0\n1 1 0\n0 1 0\n0 0 1\n1 0 1\n1 1 1\n", "4 3 2 1 0\n", "1"),
+                  "line 17: there are more values than a record of element 'vertex' has");
+}
+
+TEST(ScanRefused, LinesThatLackAValueInSmallFiles) {
+    const std::string face = "element face 1\nproperty list uchar int vertex_indices\n";
+    expectRefused(asciiScan("0 0 0\n1 0 0\n0 1\n0 0 1\n3 2 1 0\n", "4", face),
+                  "line 12: there are fewer values than a record of element 'vertex' has");
+}
+
+TEST(ScanRefused, LinesThatLackAValueThatAnotherHasTooMany) {
+    expectRefused(asciiScan("1 2 3\n4 5\n7 8 9\n1 2 3\n4 5 6\n7 8 9 6\n1 2 3\n", "7"),
+                  "line 9: there are fewer values than a record of element 'vertex' has");
+    expectRefused(asciiScan("1 2 3\r\n4 5 6 6\r\n7 8\r\n1 2 3\r\n4 5 6\r\n7 8 9\r\n", "6"),
+                  "line 9: there are more values than a record of element 'vertex' has");
+}
+
 TEST(ScanRefused, TextThatIsSaidToBeBinary) {
     expectRefused(header("format binary_little_endian 1.0\nelement vertex 2\n" + coordinates) +
                       "1.25 2.5 3.125\n4 5.5 6.75\n",
                   "the header says binary_little_endian, but what follows is text");
+}
+
+/// Coordinates as they are: none is a power of two, some are 0.
+std::string binaryPoints(std::size_t count, bool isSwapped, bool areDoubles) {
+    std::string body;
+    for (std::size_t i = 0; i < 3 * count; ++i) {
+        const double value = i % 7 == 0 ? 0.0 : std::sin(static_cast<double>(i)) * 1234.5;
+        std::string number;
+        if (areDoubles) {
+            appendBytes(number, value);
+        } else {
+            appendBytes(number, static_cast<float>(value));
+        }
+        if (isSwapped) {
+            std::reverse(number.begin(), number.end());
+        }
+        body += number;
+    }
+    return body;
+}
+
+std::string binaryHeader(const std::string& format, std::size_t count, const std::string& type) {
+    return header("format " + format + " 1.0\nelement vertex " + std::to_string(count) +
+                  "\nproperty " + type + " x\nproperty " + type + " y\nproperty " + type + " z\n");
+}
+
+TEST(ScanRefused, NumbersOfTheOtherByteOrder) {
+    for (const bool isBig : {false, true}) {
+        const std::string format = isBig ? "binary_big_endian" : "binary_little_endian";
+        for (const bool areDoubles : {false, true}) {
+            const std::string start = binaryHeader(format, 200, areDoubles ? "double" : "float");
+            expectRefused(start + binaryPoints(200, !isBig, areDoubles),
+                          "the header says " + format +
+                              ", but the coordinates make sense in the other byte order only");
+            EXPECT_TRUE(readEveryWay(start + binaryPoints(200, isBig, areDoubles)).result);
+        }
+    }
+}
+
+TEST(ScanRefused, BinaryFilesCopiedAsText) {
+    std::string file = binaryHeader("binary_little_endian", 2, "float");
+    for (const float value : {8.625F, 8.63F, 1.0F, 2.0F, 4.0F, 0.1F}) {
+        appendBytes(file, value);
+    }
+    // Two line feeds, one right behind the other.
+    file[file.size() - 8] = file[file.size() - 7] = '\n';
+    std::string copied;
+    for (const char c : file) {
+        copied += c == '\n' ? "\r\n" : std::string(1, c);
+    }
+    ASSERT_TRUE(readEveryWay(file).result);
+    expectRefused(copied,
+                  "the body has as many bytes too many as line feeds, each of them behind a "
+                  "carriage return: the file was copied as if it were text");
+}
+
+TEST(ScanRefused, BinaryFilesConvertedToUtf8) {
+    const std::string start = binaryHeader("binary_little_endian", 200, "float");
+    const std::string body = binaryPoints(200, false, false);
+    std::string fromLatin;
+    std::string replaced;
+    for (const char c : body) {
+        const auto byte = static_cast<unsigned char>(c);
+        const bool isAscii = byte < 0x80;
+        fromLatin += isAscii ? std::string(1, c)
+                             : std::string{static_cast<char>(byte < 0xC0 ? 0xC2 : 0xC3),
+                                           static_cast<char>(0x80 | (byte & 0x3F))};
+        replaced += isAscii ? std::string(1, c) : "\xEF\xBF\xBD";
+    }
+    for (const std::string& converted : {fromLatin, replaced}) {
+        expectRefused(start + converted,
+                      "the header says binary_little_endian, but what follows are characters in "
+                      "UTF-8: the file was converted as if it were text");
+    }
+    EXPECT_TRUE(readEveryWay(start + body).result);
+}
+
+TEST(ScanRefused, RecordsThatAreLongerThanDeclared) {
+    const std::string start = binaryHeader("binary_little_endian", 200, "float");
+    const std::string body = binaryPoints(200, false, false);
+    std::string padded;
+    for (std::size_t i = 0; i < body.size(); i += 12) {
+        padded += body.substr(i, 12) + "\x7F";
+    }
+    expectRefused(start + padded, "there are 200 bytes behind the last element, 1 for each vertex: "
+                                  "the header lacks a property, or names a smaller type");
+    EXPECT_TRUE(readEveryWay(start + body + std::string(199, 'x')).result);
+    // Half of the points are points, too.
+    EXPECT_TRUE(readEveryWay(start + body + body).result);
 }
 
 TEST(ScanRefused, OddHeaderLinesWhenTheBodyIsNotWhatTheOthersDeclare) {
@@ -261,7 +391,7 @@ TEST(ScanRefused, OddHeaderLinesWhenTheBodyIsNotWhatTheOthersDeclare) {
     expectRefused(header("format binary_little_endian 1.0\nelement vertex 1\n" + coordinates +
                          "property uchar r property uchar g\n") +
                       std::string(14, '\2'),
-                  "there are 1 bytes behind the last element; line 7 of the header: 'property' "
+                  "there is 1 byte behind the last element; line 7 of the header: 'property' "
                   "stands behind the name of a property");
 }
 

@@ -261,6 +261,23 @@ TEST(ScanTaken, SeveralRecordsInALine) {
     expectPoints(asciiScan("1 2 3 4 5 6", "2"), twoPoints);
 }
 
+TEST(ScanTaken, LinesOfAnyNumberOfValues) {
+    const std::vector<std::vector<float>> points = {{1, 2, 3, 0}, {4, 5, 6, 0}, {7, 8, 9, 0},
+                                                    {1, 2, 3, 0}, {4, 5, 6, 0}, {7, 8, 9, 0}};
+    const std::string numbers = "1 2 3 4 5 6 7 8 9 1 2 3 4 5 6 7 8 9 ";
+    const std::string face = "element face 1\nproperty list uchar int vertex_indices\n";
+    for (std::size_t values = 1; values < 18; ++values) {
+        std::string body = numbers + "3 0 1 2\n";
+        for (std::size_t place = 2 * values - 1; place < numbers.size(); place += 2 * values) {
+            body[place] = '\n';
+        }
+        expectPoints(asciiScan(body, "6", face), points);
+    }
+    // Not all in one way.
+    expectPoints(asciiScan("1 2 3\n4 5 6\n7\n8 9\n1 2 3\n4 5 6 7 8 9\n3 0 1 2\n", "6", face),
+                 points);
+}
+
 TEST(ScanTaken, BlankLinesTabsAndNoLastLineEnd) {
     expectPoints(asciiScan("\n  1\t2 \t3  \n\n\n\t4 5 6", "2"), twoPoints);
 }
