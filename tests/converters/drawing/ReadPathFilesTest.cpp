@@ -50,6 +50,12 @@ TEST(ReadPathFiles, MayLackTheMarksOfEnds) {
               "(2, 2)\n(1, 1)\n");
 }
 
+TEST(ReadPathFiles, MayHaveCommentsAnywhere) {
+    EXPECT_EQ(describe(pathOf(dxf("999 a  0 SECTION  999 b  2 ENTITIES  999 c  0 LINE  999 d  8 0  "
+                                  "10 1  20 2  999 e  11 3  21 4  0 ENDSEC  999 f  0 EOF"))),
+              linePoints);
+}
+
 TEST(ReadPathFiles, WithoutEndMarkAreSaidToBeCutShort) {
     const DrawingPath path = pathOf(section("ENTITIES", line));
     EXPECT_EQ(describe(path), linePoints);

@@ -91,9 +91,12 @@ void DrawingParser<Groups>::parse() {
 
 template <typename Groups>
 void DrawingParser<Groups>::readSection() {
+    // A comment may come before the name.
     std::string_view name;
-    if (m_objects.nextGroup() && m_groups.code() == 2) {
-        name = m_objects.trimmedText();
+    while (name.empty() && m_objects.nextGroup()) {
+        if (m_groups.code() == 2) {
+            name = m_objects.trimmedText();
+        }
     }
     if (beginsWith(name, "header") && m_objects.hasObject()) {
         return readHeader();
