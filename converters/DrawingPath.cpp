@@ -63,6 +63,17 @@ void addLengths(DrawingPath& path) {
     }
 }
 
+/// Says that blocks of one name are not all drawn.
+void addNotes(const BlockGraph& graph, std::vector<std::string>& notes) {
+    const std::uint64_t blocks = graph.shadowedBlocks();
+    if (blocks == 1) {
+        notes.emplace_back("1 block has the name of an earlier one; the earlier one is drawn");
+    } else if (blocks > 1) {
+        notes.push_back(std::to_string(blocks) +
+                        " blocks have names of earlier ones; the earlier ones are drawn");
+    }
+}
+
 DrawingPath readPath(std::string_view file, const PathOptions& options) {
     checkOptions(options);
     const Progress whole(options.progress);
@@ -73,6 +84,7 @@ DrawingPath readPath(std::string_view file, const PathOptions& options) {
     const TextDecoder decoder(drawing.header);
     LayerTable layers(drawing, decoder, options);
     const BlockGraph graph(drawing, decoder);
+    addNotes(graph, drawing.notes);
     LeftOutTable leftOut;
 
     Expansion expansion = expand(drawing, graph, layers, settings.map, options, leftOut,

@@ -4,6 +4,7 @@
 path.py PATH_DUMP random           with reference.py, on random drawings with everything
 path.py PATH_DUMP ezdxf            with ezdxf's own flattening, on those that it reads rightly
 path.py PATH_DUMP gdal             with GDAL's, the same
+path.py PATH_DUMP odd              with ezdxf's, on unusual drawings by hand
 path.py PATH_DUMP samples FOLDER   with reference.py, on the drawings of a folder
 
 CONVERTERS_TEST_EFFORT=N in the environment takes N times as many random drawings; without, those
@@ -36,6 +37,7 @@ except ImportError as missing:
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
 # pylint: disable=wrong-import-position
 import comparison
+import odd_drawings
 import random_drawings
 import readers
 import reference
@@ -258,6 +260,41 @@ def run_random(dump, count, findings_of, name):
     return 1 if failed else 0
 
 
+def read_tolerantly(drawing):
+    try:
+        return ezdxf.readfile(str(drawing))
+    except (ezdxf.DXFError, OSError):
+        # Of texts only, but of broken ones.
+        return ezdxf.recover.readfile(str(drawing))[0]
+
+
+def odd_findings(dump, file, text):
+    with open(file, "w", encoding="utf-8", newline="") as drawing:
+        drawing.write(text)
+    tolerance = 1e-3
+    json_of_path = dump.path_of(file, ["--tolerance", repr(tolerance), "--join", "0"])
+    if not json_of_path["success"]:
+        return ["refused: " + json_of_path["reason"]]
+    ours = comparison.Path(json_of_path).runs_by(lambda entity: "all")
+    runs = readers.ezdxf_runs(read_tolerantly(file), tolerance / 100).values()
+    theirs = {"all": [run for some in runs for run in some]}
+    rounding = 1e-9 * np.abs(np.concatenate(theirs["all"])).max()
+    return comparison.compare(ours, theirs, tolerance / 10 + rounding, 1.1 * tolerance + rounding)
+
+
+def run_odd(dump):
+    failed = 0
+    with tempfile.TemporaryDirectory() as folder:
+        file = os.path.join(folder, "drawing.dxf")
+        for name, text in odd_drawings.DRAWINGS.items():
+            findings = odd_findings(dump, file, text)
+            if findings:
+                failed += 1
+                keep(file, name.replace(" ", "-"), ["--join", "0"], findings)
+    print(f"{len(odd_drawings.DRAWINGS)} drawings, {failed} with findings")
+    return 1 if failed else 0
+
+
 def run_samples(dump, folder):
     drawings = sorted(pathlib.Path(folder).glob("**/*.dxf"))
     if not drawings:
@@ -274,11 +311,7 @@ def run_samples(dump, folder):
 
 
 def sample_findings(dump, drawing):
-    try:
-        doc = ezdxf.readfile(str(drawing))
-    except ezdxf.DXFError:
-        # Of texts only, but of broken ones.
-        doc = ezdxf.recover.readfile(str(drawing))[0]
+    doc = read_tolerantly(drawing)
     points = comparison.Path(dump.path_of(drawing, [])).points
     size = np.ptp(points, axis=0).max() if len(points) else 1.0
     findings = []
@@ -291,6 +324,8 @@ def sample_findings(dump, drawing):
 def main():
     dump = Dump(sys.argv[1])
     mode = sys.argv[2]
+    if mode == "odd":
+        return run_odd(dump)
     if mode == "samples":
         return run_samples(dump, sys.argv[3])
     if mode == "gdal" and readers.gdal is None:

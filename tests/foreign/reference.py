@@ -102,7 +102,8 @@ def arc_of(entity, matrix, deviation):
 def ellipse_of(entity, matrix, deviation):
     centre = np.array(entity.dxf.center)
     major = np.array(entity.dxf.major_axis)
-    minor = np.cross(axes_of(entity.dxf.extrusion)[:, 2], major) * entity.dxf.ratio
+    across = np.cross(axes_of(entity.dxf.extrusion)[:, 2], major)
+    minor = unit(across) * np.linalg.norm(major) * entity.dxf.ratio
     start, end = entity.dxf.start_param, entity.dxf.end_param
     sweep = math.fmod(end - start, FULL)
     if sweep <= 0:

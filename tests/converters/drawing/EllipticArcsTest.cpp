@@ -56,6 +56,17 @@ TEST(EllipseTest, TurnsAboutItsNormalFromItsMajorAxis) {
     EXPECT_LT(distance(pointAt(mirrored, 0.5), {3, 0, 0}), 1e-15);
 }
 
+TEST(EllipseTest, TheMinorAxisIsItsPartOfTheMajorOneAlsoAboutASlantedNormal) {
+    const EllipticArc arc = *ellipse({1, 0, 0}, {3, 0, 4}, 0.5, {0, 0, 1}, 0, pi);
+    EXPECT_LT(distance(pointAt(arc, 0.5), {1, 2.5, 0}), 1e-15);
+    EXPECT_LT(distance(arc.end, {-2, 0, -4}), 1e-15);
+}
+
+TEST(EllipseTest, ANormalAlongTheMajorAxisLeavesItFlat) {
+    const EllipticArc arc = *ellipse({1, 0, 0}, {0, 0, 4}, 0.5, {0, 0, 1}, 0, pi);
+    EXPECT_LT(distance(pointAt(arc, 0.5), {1, 0, 0}), 1e-15);
+}
+
 TEST(EllipseTest, AFullTurnIsOneWithFewDigitsToo) {
     for (const double end : {6.283185, 6.28318530718, -fullTurn, 2 * fullTurn, 6.2831854}) {
         const EllipticArc arc = *ellipse({0, 0, 0}, {1, 0, 0}, 0.3, {0, 0, 1}, 0, end);

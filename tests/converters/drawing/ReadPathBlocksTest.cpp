@@ -3,6 +3,7 @@
 #include "tests/converters/drawing/support/PathReading.h"
 #include "tests/support/Dxf.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -158,10 +159,13 @@ TEST(ReadPathBlocks, ThatHoldThemselvesAroundCornersAreDrawnOnce) {
 }
 
 TEST(ReadPathBlocks, OfEqualNamesCountAsTheFirstThatHoldsAnything) {
-    EXPECT_EQ(describe(pathOf(
-                  drawing(block("a", "") + block("A", lineInX) + block("a", "0 POINT  10 9  20 9"),
-                          "0 INSERT  2 a"))),
-              "(0, 0) (1, 0)\n");
+    const DrawingPath path = pathOf(drawing(block("a", "") + block("A", lineInX) +
+                                                block("a", "0 POINT  10 9  20 9") + block("a", ""),
+                                            "0 INSERT  2 a"));
+    EXPECT_EQ(describe(path), "(0, 0) (1, 0)\n");
+    EXPECT_THAT(
+        path.notes,
+        testing::ElementsAre("1 block has the name of an earlier one; the earlier one is drawn"));
 }
 
 TEST(ReadPathBlocks, WithAttributesAreFollowedByText) {

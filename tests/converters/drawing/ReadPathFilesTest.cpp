@@ -50,6 +50,29 @@ TEST(ReadPathFiles, MayLackTheMarksOfEnds) {
               "(2, 2)\n(1, 1)\n");
 }
 
+TEST(ReadPathFiles, MayHaveCommentsAnywhere) {
+    EXPECT_EQ(describe(pathOf(dxf("999 a  0 SECTION  999 b  2 ENTITIES  999 c  0 LINE  999 d  8 0  "
+                                  "10 1  20 2  999 e  11 3  21 4  0 ENDSEC  999 f  0 EOF"))),
+              linePoints);
+}
+
+TEST(ReadPathFiles, ListEntitiesThatStandWhereNoneBelong) {
+    const std::string circle = "  0 CIRCLE  8 cuts  10 1  20 2  40 3";
+    const char* const listed = "1 CIRCLE on cuts: broken\n";
+    for (const std::string& file :
+         {section("ENTITIES", line) + dxf("0 ENDSEC" + circle + "  0 EOF"),
+          section("CUTS", circle.substr(2)) + drawingOf(line),
+          section("BLOCKS", "0 ENDBLK" + circle) + drawingOf(line),
+          dxf("0 SECTION" + circle + "  0 ENDSEC") + drawingOf(line)}) {
+        const DrawingPath path = pathOf(file);
+        EXPECT_EQ(describe(path), linePoints) << file;
+        EXPECT_EQ(leftOut(path), listed) << file;
+    }
+    const std::string vertices = "  0 TEXT  8 cuts  0 VERTEX  8 cuts  10 1  20 1  0 SEQEND";
+    EXPECT_EQ(leftOut(pathOf(drawingOf(line + vertices))),
+              "1 TEXT on cuts: annotation\n1 VERTEX on cuts: broken\n");
+}
+
 TEST(ReadPathFiles, WithoutEndMarkAreSaidToBeCutShort) {
     const DrawingPath path = pathOf(section("ENTITIES", line));
     EXPECT_EQ(describe(path), linePoints);

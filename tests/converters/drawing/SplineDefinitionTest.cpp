@@ -105,10 +105,12 @@ TEST(SplineFromTest, WeightsThatAreAllEqualAreLeftOut) {
 
 TEST(SplineFromTest, KnotsThatFallByRoundingAreMadeEqual) {
     const double third = 1.0 / 3;
-    const BSpline spline =
-        *splineFrom(cubic({{0, 0, 0}, {1, 0, 0}, {2, 1, 0}, {3, 1, 0}, {4, 5, 0}, {5, 5, 0}},
-                          {0, 0, 0, 0, third, third - 1e-12, 1, 1, 1, 1}));
-    EXPECT_EQ(spline.knots[5], third);
+    for (const double rounding : {1e-12, 2e-6}) {
+        const BSpline spline =
+            *splineFrom(cubic({{0, 0, 0}, {1, 0, 0}, {2, 1, 0}, {3, 1, 0}, {4, 5, 0}, {5, 5, 0}},
+                              {0, 0, 0, 0, third, third - rounding, 1, 1, 1, 1}));
+        EXPECT_EQ(spline.knots[5], third);
+    }
 }
 
 TEST(SplineFromTest, WhatIsBrokenIsTold) {

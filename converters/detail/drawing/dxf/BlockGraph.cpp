@@ -39,6 +39,8 @@ void BlockGraph::findTargets(const TextDecoder& decoder) {
         std::uint32_t& named = blockOfName[canonical[m_drawing.blocks[i].name]];
         if (named == noBlock || m_drawing.blocks[named].contents.isEmpty()) {
             named = i;
+        } else if (!m_drawing.blocks[i].contents.isEmpty()) {
+            ++m_shadowedBlocks;
         }
     }
     for (const Insert& insert : m_drawing.inserts) {

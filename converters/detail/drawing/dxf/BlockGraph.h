@@ -19,6 +19,9 @@ class BlockGraph {
 public:
     BlockGraph(const Drawing& drawing, const TextDecoder& decoder);
 
+    /// How many blocks hold something and are not drawn, since an earlier one has their name.
+    std::uint64_t shadowedBlocks() const { return m_shadowedBlocks; }
+
     /// The block that an INSERT draws, or why there is none.
     struct Target {
         const Block* block = nullptr;
@@ -51,6 +54,7 @@ private:
     void weigh(std::uint32_t root, std::vector<std::uint8_t>& states);
 
     const Drawing& m_drawing;
+    std::uint64_t m_shadowedBlocks = 0;
     /// By INSERT: index into Drawing::blocks, or noBlock.
     std::vector<std::uint32_t> m_targets;
     std::vector<bool> m_closesCircle;

@@ -33,6 +33,11 @@ bool isPaperSpace(std::string_view block) {
     return beginsWith(block, "*paper_space") || beginsWith(block, "$paper_space");
 }
 
+/// Whether an object is an entity that draws something to follow.
+bool isDrawn(ObjectKind kind) {
+    return kind >= ObjectKind::point && kind <= ObjectKind::insert;
+}
+
 /// Reads the sections of a text or of a binary file.
 template <typename Groups>
 class DrawingParser {
@@ -54,6 +59,7 @@ private:
     void readBlockRecord();
     void readBlocks();
     void readBlock();
+    void listStray();
     void readObjects();
     void readDictionary();
     void readSpatialFilter();
@@ -83,7 +89,7 @@ void DrawingParser<Groups>::parse() {
         } else if (m_objects.kind() == ObjectKind::endOfFile) {
             m_hasEnd = true;
         } else {
-            m_objects.skipObject();
+            listStray();
         }
     }
     findClippingDictionaries();
@@ -91,9 +97,12 @@ void DrawingParser<Groups>::parse() {
 
 template <typename Groups>
 void DrawingParser<Groups>::readSection() {
+    // A comment may come before the name.
     std::string_view name;
-    if (m_objects.nextGroup() && m_groups.code() == 2) {
-        name = m_objects.trimmedText();
+    while (name.empty() && m_objects.nextGroup()) {
+        if (m_groups.code() == 2) {
+            name = m_objects.trimmedText();
+        }
     }
     if (beginsWith(name, "header") && m_objects.hasObject()) {
         return readHeader();
@@ -204,9 +213,23 @@ void DrawingParser<Groups>::readBlocks() {
         if (m_objects.kind() == ObjectKind::block) {
             readBlock();
         } else {
-            m_objects.skipObject();
+            listStray();
         }
     }
+}
+
+/// Passes over an object, or entities, that stand where none belong: in no section that is known,
+/// or in no block.
+template <typename Groups>
+void DrawingParser<Groups>::listStray() {
+    if (!isDrawn(m_objects.kind())) {
+        return m_objects.skipObject();
+    }
+    m_entities.builder().beginContents(ContentsOf::drawing);
+    while (m_objects.hasObject() && isDrawn(m_objects.kind())) {
+        m_entities.listStray();
+    }
+    m_drawing.stretches.push_back(m_entities.builder().endContents());
 }
 
 template <typename Groups>

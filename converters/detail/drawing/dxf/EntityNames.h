@@ -20,7 +20,7 @@ enum class ObjectKind : std::uint8_t {
     endOfBlock,
     dictionary,
     spatialFilter,
-    // Entities.
+    // Entities, to `insert` such that draw something to follow.
     point,
     line,
     arc,

@@ -27,6 +27,9 @@ public:
     /// Reads entities up to the end of the block or the section.
     void readEntities();
 
+    /// Counts an entity that stands where none of its kind belongs.
+    void listStray();
+
     /// The groups of a BLOCK, which are like those of an entity.
     const EntityGroups& readBlockHead();
 
@@ -84,6 +87,14 @@ void EntityParser<Groups>::readEntities() {
 }
 
 template <typename Groups>
+void EntityParser<Groups>::listStray() {
+    const std::string_view kind = m_objects.name();
+    m_entity.clear();
+    readGroups(0);
+    m_builder.addNotDrawn(m_entity.attributes, kind, LeftOutReason::broken);
+}
+
+template <typename Groups>
 const EntityGroups& EntityParser<Groups>::readBlockHead() {
     m_entity.clear();
     readGroups(planePoint);
@@ -120,6 +131,7 @@ void EntityParser<Groups>::readEntity() {
     case ObjectKind::helix:
         return readSpline();
     case ObjectKind::vertex:
+        return listStray();
     case ObjectKind::nothing:
         return m_objects.skipObject();
     default:

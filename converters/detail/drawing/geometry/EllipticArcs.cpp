@@ -29,6 +29,18 @@ Point pointOf(const EllipticArc& arc, const Angle& angle) {
     return arc.centre + angle.cos() * arc.first + angle.sin() * arc.second;
 }
 
+/// The minor half axis. Its length is that part of the major one, also where the normal is not
+/// quite perpendicular to that; where it is nearly along it, there is no plane to go by.
+Vector minorAxis(const Vector& major, double ratio, const Vector& normal) {
+    constexpr double noticeable = 1e-9;
+    const Vector across = normal.cross(major);
+    const double majorLength = lengthOf(major);
+    const double length = lengthOf(across);
+    const bool isPerpendicular = std::fabs(length - majorLength) <= noticeable * majorLength;
+    const bool hasPlane = length > noticeable * majorLength;
+    return isPerpendicular || !hasPlane ? ratio * across : ratio * majorLength / length * across;
+}
+
 bool isUsable(const Vector& first) {
     return isFinite(first) && first.dot(first) < std::numeric_limits<double>::infinity();
 }
@@ -64,7 +76,7 @@ std::optional<EllipticArc> ellipse(const Point& centre, const Vector& major, dou
         return std::nullopt;
     }
     const Vector about = directionOf(normal).value_or(Vector(0, 0, 1));
-    EllipticArc arc{centre, major, ratio * about.cross(major), 0, *sweep, {}, {}};
+    EllipticArc arc{centre, major, minorAxis(major, ratio, about), 0, *sweep, {}, {}};
     const Angle first = Angle::fromRadians(std::fmod(start, fullTurn));
     arc.from = first.radians();
     arc.start = pointOf(arc, first);

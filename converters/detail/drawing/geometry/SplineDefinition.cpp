@@ -87,7 +87,8 @@ bool completeKnots(SplineDefinition& definition, std::size_t degree) {
 bool straightenKnots(std::vector<double>& knots, std::size_t degree) {
     const double from = knots[degree];
     const double to = knots[knots.size() - 1 - degree];
-    const double rounding = 1e-9 * (to - from);
+    // That of numbers with six digits.
+    const double rounding = 1e-5 * (to - from);
     if (!(to > from) || !std::isfinite(knots.back() - knots.front()) ||
         !std::isfinite(knots.back() + knots.front())) {
         return false;

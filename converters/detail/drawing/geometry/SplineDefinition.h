@@ -36,7 +36,7 @@ struct SplineDefinition {
 ///   knots that repeat, too; n + p - 1 leaves out the first and the last knot, which have no
 ///   influence. None at all are uniform knots with clamped ends.
 /// - Without: the cubic through the fit points of fitSpline().
-/// - Knots that fall by no more than rounding (1e-9 of their range) are made equal. Weights that
+/// - Knots that fall by no more than rounding (1e-5 of their range) are made equal. Weights that
 ///   are all equal are left out.
 ///
 /// @return none for what is broken: a degree below 1 or above largestDegree, counts that
