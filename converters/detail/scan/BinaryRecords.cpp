@@ -122,19 +122,20 @@ void BinaryRecords::stepOverEqual(std::uint64_t count) {
 /// @return how many, at most `count`; 0 when the records are not of that kind
 std::uint64_t BinaryRecords::stepOverLikeFirst(std::uint64_t count) {
     const bool isKnown = m_parts.size() == 2 && sizeOf(*m_parts[0].countType) == 1;
-    const std::size_t place = m_parts[0].scalarBytes;
-    if (!isKnown || !m_window.need(place + 1)) {
+    const std::size_t countOffset = m_parts[0].scalarBytes;
+    if (!isKnown || !m_window.need(countOffset + 1)) {
         return 0;
     }
-    const char items = m_window.begin()[place];
+    const char items = m_window.begin()[countOffset];
     const std::size_t size =
-        place + 1 +
-        itemsAt(m_window.begin() + place, *m_parts[0].countType) * m_parts[0].itemBytes +
+        countOffset + 1 +
+        itemsAt(m_window.begin() + countOffset, *m_parts[0].countType) * m_parts[0].itemBytes +
         m_parts[1].scalarBytes;
     const auto most = std::min<std::uint64_t>(count, m_window.available() / size);
     constexpr std::size_t batch = 64;
     std::uint64_t stepped = 0;
-    for (const char* c = m_window.begin() + place; stepped + batch <= most; stepped += batch) {
+    for (const char* c = m_window.begin() + countOffset; stepped + batch <= most;
+         stepped += batch) {
         unsigned differences = 0;
         for (std::size_t i = 0; i < batch; ++i, c += size) {
             differences |= static_cast<unsigned char>(*c) ^ static_cast<unsigned char>(items);

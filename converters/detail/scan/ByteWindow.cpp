@@ -166,10 +166,10 @@ void ByteWindow::countLineFeeds() {
     m_lineFeeds->add(m_begin, m_end);
 }
 
-std::uint64_t ByteWindow::lineAt(const char* place) {
+std::uint64_t ByteWindow::lineAt(const char* position) {
     countTakenLines();
     LineCount lines = m_lines;
-    lines.add(m_begin, place);
+    lines.add(m_begin, position);
     return lines.line();
 }
 

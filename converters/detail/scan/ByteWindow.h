@@ -54,8 +54,8 @@ public:
     const char* end() const { return m_end; }
     std::size_t available() const { return static_cast<std::size_t>(m_end - m_begin); }
 
-    /// Takes the bytes before `place`, which is in the window.
-    void take(const char* place) { m_begin = place; }
+    /// Takes the bytes before `position`, which is in the window.
+    void take(const char* position) { m_begin = position; }
 
     /// Brings more bytes into the window; false when the file has no more.
     bool more();
@@ -82,8 +82,8 @@ public:
     /// @param line  the number of this line
     void countLinesFrom(std::uint64_t line);
 
-    /// The number of the line that holds `place`, which is at begin() or behind it.
-    std::uint64_t lineAt(const char* place);
+    /// The number of the line that holds `position`, which is at begin() or behind it.
+    std::uint64_t lineAt(const char* position);
 
     /// Counts line feeds from begin() on.
     void countLineFeeds();

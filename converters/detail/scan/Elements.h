@@ -13,7 +13,7 @@ namespace converters::scan {
 /// Bytes of an element's scalar properties: those of a binary record without lists.
 std::size_t scalarBytes(const ScanElement& element);
 
-/// For each property its place among the scalar ones, lists taking none.
+/// For each property its number among the scalar ones, lists taking none.
 std::vector<std::size_t> scalarOffsets(const ScanElement& element);
 
 bool hasLists(const ScanElement& element);

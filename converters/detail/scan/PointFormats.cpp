@@ -182,10 +182,10 @@ public:
         constexpr std::string_view names[] = {"x", "y", "z", "X", "Y", "Z"};
         for (const ScanField& field : layout.fields) {
             const auto* found = std::find(std::begin(names), std::end(names), field.name);
-            const auto place = static_cast<std::size_t>(found - std::begin(names));
+            const auto index = static_cast<std::size_t>(found - std::begin(names));
             // Small letters go before capital ones.
-            if (place < 3 || (place < 6 && !m_axes[place - 3])) {
-                m_axes[place % 3] = field;
+            if (index < 3 || (index < 6 && !m_axes[index - 3])) {
+                m_axes[index % 3] = field;
             }
         }
     }

@@ -6,9 +6,9 @@ namespace converters::scan {
 
 std::string grouped(std::uint64_t count) {
     std::string text = std::to_string(count);
-    for (std::size_t place = text.size(); place > 3;) {
-        place -= 3;
-        text.insert(place, 1, ',');
+    for (std::size_t offset = text.size(); offset > 3;) {
+        offset -= 3;
+        text.insert(offset, 1, ',');
     }
     return text;
 }
