@@ -59,8 +59,8 @@ def test_wheel_holds_the_package_and_the_logging_library(environment):
 def test_installed_wheel_converts_without_the_build_tree(environment, tmp_path):
     python, wheel, variables = environment
     # A library that still came from a build folder would be missed now.
-    tree = ROOT.parent / "build" / "wheel" / "cmake"
-    hidden = tree.with_name("cmake.hidden")
+    tree = ROOT.parent / "build" / "wheel-cmake"
+    hidden = tree.with_name("wheel-cmake.hidden")
     tree.rename(hidden)
     try:
         prefix = str(python.parent.parent)
