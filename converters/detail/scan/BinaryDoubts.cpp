@@ -3,6 +3,7 @@
 #include "converters/detail/scan/Elements.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <set>
 #include <vector>
@@ -38,12 +39,12 @@ std::size_t lengthOfCharacter(std::string_view text) {
 }
 
 double numberOf(const unsigned char* bytes, ScalarType type, bool isSwapped) {
-    unsigned char own[sizeof(double)] = {};
-    std::copy_n(bytes, sizeOf(type), own);
-    if (isSwapped) {
-        std::reverse(own, own + sizeOf(type));
+    std::array<unsigned char, sizeof(double)> own{};
+    const std::size_t size = std::min(sizeOf(type), own.size());
+    for (std::size_t i = 0; i < size; ++i) {
+        own[i] = bytes[isSwapped ? size - 1 - i : i];
     }
-    return numberAt(own, type);
+    return numberAt(own.data(), type);
 }
 
 } // namespace
