@@ -2,6 +2,8 @@
 
 #include "tests/support/ChildProgram.h"
 #include "tests/support/CloudconvFixture.h"
+#include "tests/support/Dxf.h"
+#include "tests/support/OwnFileSystem.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -545,6 +547,24 @@ TEST_F(CloudconvOutput, OnAFullDiskStaysAsItWas) {
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.errors, "cloudconv: " + disk + "/old.ply: No space left on device\n");
     EXPECT_EQ(result.output, "old\nold.ply\n");
+}
+
+TEST_F(CloudconvOutput, OfADrawingNeedsNoFolderThatUsersShare) {
+    const auto protectVarTmp = [] {
+        if (!mountOwnFileSystem("/var/tmp", "size=64k") ||
+            mount(nullptr, "/var/tmp", nullptr, MS_REMOUNT | MS_RDONLY, nullptr) != 0) {
+            _exit(notPermitted);
+        }
+    };
+    writeFile(in("line.dxf"), drawingOf("0 LINE  8 0  10 0  20 0  11 1  21 1"));
+    for (const fs::path& from : {input(smallScan()), in("line.dxf")}) {
+        const ProgramResult result = run({from, in("out.dxf")}, protectVarTmp);
+        if (result.status == notPermitted) {
+            GTEST_SKIP() << "file systems cannot be mounted here";
+        }
+        EXPECT_EQ(result.status, 0) << result.errors;
+        EXPECT_TRUE(fs::remove(in("out.dxf")));
+    }
 }
 
 TEST_F(CloudconvOutput, ThatIsADeviceIsWrittenToAndNotReplaced) {
