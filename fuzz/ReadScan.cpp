@@ -70,7 +70,8 @@ void verifyBlocks(const Input& input, const converters::ScanOptions& options,
     FUZZ_VERIFY(!whole || done == cloud.size());
     FUZZ_VERIFY(reader.report().notes == whole.report.notes);
     FUZZ_VERIFY(reader.report().bytesBehind == whole.report.bytesBehind);
-    FUZZ_VERIFY(reader.report().pointsWithoutPlace == whole.report.pointsWithoutPlace);
+    // Where the file is broken, some points before may have been looked at by the one alone.
+    FUZZ_VERIFY(!whole || reader.report().pointsWithoutPlace == whole.report.pointsWithoutPlace);
 }
 
 void verifyRecords(const Input& input, const converters::ScanOptions& options,
