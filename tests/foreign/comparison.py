@@ -221,7 +221,12 @@ def piece_findings(path, tolerance, join, step=None):
                 findings.append(f"piece {number}: kind {kind} has {last - first + 1} points")
             continue
         curve, start, end = curve_of(path, piece)
-        dense = curve(np.linspace(start, end, 12 * (last - first) + 41))
+        parameters = np.linspace(start, end, 12 * (last - first) + 41)
+        if kind == SPLINE:
+            # Between knots that are near each other, weights may lead far away.
+            knots = np.clip(path.dump["splines"][piece[3]]["knots"], start, end)
+            parameters = np.unique(np.concatenate([parameters, knots]))
+        dense = curve(parameters)
         points = path.points[first:last + 1]
         ends = max(np.linalg.norm(dense[0] - points[0]), np.linalg.norm(dense[-1] - points[-1]))
         if ends > near:
