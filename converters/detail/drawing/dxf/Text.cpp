@@ -92,7 +92,7 @@ std::string repaired(std::string_view text) {
     return result;
 }
 
-/// The number of four hexadecimal digits at a place.
+/// The number that four hexadecimal digits are.
 std::optional<unsigned> fourDigits(std::string_view text, std::size_t offset) {
     if (text.size() < offset + 4) {
         return std::nullopt;
