@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -282,6 +283,11 @@ TEST(ReadPathOptions, GiveMillionsOfPointsAsEachEntityAloneDoes) {
     EXPECT_GT(path.points.size(), 2'200'000U);
     EXPECT_TRUE(path.points == expected);
     EXPECT_EQ(path.contours.size(), 5U);
+    const auto [left, right] =
+        std::minmax_element(path.points.begin(), path.points.end(),
+                            [](const auto& p, const auto& q) { return p.x < q.x; });
+    EXPECT_EQ(path.lowest.x, left->x);
+    EXPECT_EQ(path.highest.x, right->x);
     EXPECT_EQ(faultOf(path), "");
 
     options.maximumPoints = path.points.size();
