@@ -1,6 +1,11 @@
 #include "dxfeditor/DXFPointVector.h"
 
-DXFPointVector::DXFPointVector(const std::vector<cv::Point3_<double>>& points) : m_points(points) {}
+#include "base/LargePages.h"
+
+DXFPointVector::DXFPointVector(const std::vector<cv::Point3_<double>>& points) {
+    base::reserveLarge(m_points, points.size());
+    m_points = points;
+}
 
 int DXFPointVector::type() const {
     return DXFEntityType::PointVector;

@@ -9,8 +9,6 @@ namespace dxfeditor {
 
 namespace {
 
-constexpr std::size_t blockSize = 1 << 18;
-
 /// Those of any new file; the process's umask takes some away.
 constexpr mode_t permissions = 0666;
 
@@ -56,15 +54,24 @@ DxfFileWriter::~DxfFileWriter() {
 }
 
 void DxfFileWriter::groupWritten() const {
-    if (m_text.size() >= blockSize) {
+    if (m_text.size() >= textBlockSize) {
         drain();
     }
 }
 
+void DxfFileWriter::takeBlock(const char* groups, std::size_t length) const {
+    drain();
+    write(groups, length);
+}
+
 void DxfFileWriter::drain() const {
-    // After a lost byte the rest would stand in the wrong place: it is dropped.
-    m_succeeded = m_succeeded && isOpen() && writeAll(m_descriptor, m_text.data(), m_text.size());
+    write(m_text.data(), m_text.size());
     m_text.clear();
+}
+
+void DxfFileWriter::write(const char* text, std::size_t length) const {
+    // After a lost byte the rest would stand in the wrong place: it is dropped.
+    m_succeeded = m_succeeded && isOpen() && writeAll(m_descriptor, text, length);
 }
 
 void DxfFileWriter::flush() {

@@ -36,7 +36,9 @@ private:
 
     DxfFileWriter(int descriptor, DL_Codes::version dxfVersion);
     void groupWritten() const override;
+    void takeBlock(const char* groups, std::size_t length) const override;
     void drain() const;
+    void write(const char* text, std::size_t length) const;
 
     int m_descriptor;
     mutable bool m_succeeded = true;

@@ -125,11 +125,11 @@ std::string DxfTextWriter::pointHead(const DL_Attributes& attributes) const {
 
 void DxfTextWriter::writePoints(const DL_Attributes& attributes,
                                 const std::vector<cv::Point3_<double>>& points) const {
-    constexpr std::size_t blockSize = std::size_t{1} << 15;
     const std::string head = pointHead(attributes);
     const std::size_t longestPoint = head.size() + longestCoordinates;
     // Many points at a time, so that the text need not grow by each.
-    std::vector<char> block(std::max(blockSize, longestPoint));
+    std::vector<char> block(
+        std::max(std::min(textBlockSize, points.size() * longestPoint), longestPoint));
     char* const begin = block.data();
     char* const lastRoom = begin + block.size() - longestPoint;
     char* end = begin;
@@ -137,8 +137,7 @@ void DxfTextWriter::writePoints(const DL_Attributes& attributes,
         std::memcpy(end, head.data(), head.size());
         end = writeCoordinates(point, end + head.size());
         if (end > lastRoom || &point == &points.back()) {
-            m_text.append(begin, end);
-            groupWritten();
+            takeBlock(begin, static_cast<std::size_t>(end - begin));
             end = begin;
         }
     }

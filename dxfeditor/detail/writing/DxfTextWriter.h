@@ -41,8 +41,15 @@ public:
                      const std::vector<cv::Point3_<double>>& points) const;
 
 protected:
+    /// Text is handed on in blocks of about this size.
+    static constexpr std::size_t textBlockSize = std::size_t{1} << 18;
+
     /// Called after each group; a derived writer may take the text away.
     virtual void groupWritten() const {}
+    /// Takes many groups that were written elsewhere, behind the text.
+    virtual void takeBlock(const char* groups, std::size_t length) const {
+        m_text.append(groups, length);
+    }
 
     mutable std::string m_text;
 

@@ -8,6 +8,7 @@
 #include "dxfeditor/detail/writing/RealText.h"
 
 #include "base/DigitWords.h"
+#include "dxfeditor/detail/writing/SixteenDigits.h"
 
 #include <algorithm>
 #include <charconv>
@@ -33,84 +34,80 @@ struct Decimal {
 ///
 /// Exact: what lies below the point, times 10^16, is less than 2^53 * 2^53.2 and fits 128 bits.
 Decimal rounded(std::uint64_t mantissa, unsigned shift) {
-    if (shift == 0) {
-        return {mantissa, 0};
-    }
     // 2^106.2 / 2^108 is below one half: nothing is left of the value.
     if (shift >= 108) {
         return {0, 0};
     }
-    Decimal result = {0, 0};
-    Wide rest;
-    Wide half;
-    if (shift < 64) {
-        // Of 64 bits below the point, the product has the decimals above them.
-        result.whole = mantissa >> shift;
-        const Wide scaled = static_cast<Wide>(mantissa << (64 - shift)) * decimalScale;
-        result.decimals = static_cast<std::uint64_t>(scaled >> 64);
-        rest = static_cast<std::uint64_t>(scaled);
-        half = static_cast<Wide>(1) << 63;
-    } else {
-        const Wide scaled = static_cast<Wide>(mantissa) * decimalScale;
-        result.decimals = static_cast<std::uint64_t>(scaled >> shift);
-        rest = scaled - (static_cast<Wide>(result.decimals) << shift);
-        half = static_cast<Wide>(1) << (shift - 1);
-    }
-    // Up or down is as good as random: a branch on it would be mispredicted.
-    const unsigned isAbove = rest > half ? 1 : 0;
-    const unsigned isHalf = rest == half ? 1 : 0;
-    result.decimals += isAbove | (isHalf & static_cast<unsigned>(result.decimals & 1));
-    if (result.decimals == decimalScale) {
-        return {result.whole + 1, 0};
-    }
-    return result;
+    const Wide one = static_cast<Wide>(1) << shift;
+    const Wide scaled = (mantissa & (one - 1)) * decimalScale;
+    const Wide rest = scaled & (one - 1);
+    Decimal result = {shift < 64 ? mantissa >> shift : 0,
+                      static_cast<std::uint64_t>(scaled >> shift)};
+    result.decimals += 2 * rest > one || (2 * rest == one && result.decimals % 2 == 1) ? 1 : 0;
+    return result.decimals == decimalScale ? Decimal{result.whole + 1, 0} : result;
 }
 
-constexpr std::uint64_t eightDigits = 100'000'000;
-
-/// Stores eight digits, each as its value, as text.
-void storeDigits(std::uint64_t digits, char* to) {
-    base::storeWord(digits + base::everyByte('0'), to);
-}
-
-/// Number of digits of a word up to its last one that is not zero, of which it has one.
-unsigned significantDigits(std::uint64_t digits) {
-    return base::wordLength - static_cast<unsigned>(__builtin_clzll(digits)) / 8;
-}
-
-char* writeWhole(std::uint64_t whole, char* to) {
-    if (whole >= eightDigits) {
-        return std::to_chars(to, to + 20, whole).ptr;
-    }
-    const std::uint64_t digits = base::splitDigits(static_cast<std::uint32_t>(whole));
+/// Below 10^4: two digits at a time, then each, without those before the first.
+char* writeFourDigits(std::uint32_t number, char* to) {
+    const std::uint32_t hundreds = number * 5243 >> 19;
+    const std::uint32_t twos = hundreds | (number - 100 * hundreds) << 16;
+    const std::uint32_t tens = (twos * 103 >> 10) & 0x000F000F;
+    const std::uint32_t digits = tens | (twos - 10 * tens) << 8;
     // The last digit is written in any case.
-    constexpr std::uint64_t lastDigit = std::uint64_t{1} << 56;
-    const auto zeros = static_cast<unsigned>(__builtin_ctzll(digits | lastDigit)) / 8;
-    storeDigits(digits >> (8 * zeros), to);
+    const auto zeros = static_cast<unsigned>(__builtin_ctz(digits | 1U << 24)) / 8;
+    base::storeWord(std::uint64_t{(digits | 0x30303030) >> (8 * zeros)}, to);
+    return to + 4 - zeros;
+}
+
+[[gnu::noinline]] char* writeManyDigits(std::uint64_t number, char* to) {
+    if (number >= eightDigits) {
+        return std::to_chars(to, to + 20, number).ptr;
+    }
+    const std::uint64_t digits = base::splitDigits(static_cast<std::uint32_t>(number));
+    const auto zeros = static_cast<unsigned>(__builtin_ctzll(digits)) / 8;
+    base::storeWord((digits | base::everyByte('0')) >> (8 * zeros), to);
     return to + base::wordLength - zeros;
 }
 
-/// Writes the point and the decimals without the zeros at their end, at least one decimal.
-char* writeDecimals(std::uint64_t decimals, char* to) {
+char* writeWhole(std::uint64_t whole, char* to) {
+    constexpr std::uint64_t fourDigits = 10'000;
+    return whole < fourDigits ? writeFourDigits(static_cast<std::uint32_t>(whole), to)
+                              : writeManyDigits(whole, to);
+}
+
+/// Writes the point and sixteen decimals without the zeros at their end, at least one decimal.
+char* writeDecimals(std::uint32_t upper, std::uint32_t lower, char* to) {
     *to++ = '.';
-    if (decimals == 0) {
-        *to++ = '0';
-        return to;
-    }
-    const std::uint64_t first =
-        base::splitDigits(static_cast<std::uint32_t>(decimals / eightDigits));
-    const std::uint64_t last =
-        base::splitDigits(static_cast<std::uint32_t>(decimals % eightDigits));
-    storeDigits(first, to);
-    if (last == 0) {
-        return to + significantDigits(first);
-    }
-    storeDigits(last, to + base::wordLength);
-    return to + base::wordLength + significantDigits(last);
+    return to + writeSixteenDigits(upper, lower, to);
 }
 
 char* writeWord(const char* word, char* to) {
     return std::copy_n(word, std::strlen(word), to);
+}
+
+constexpr unsigned exponentOfWhole = 1075; // from 2^52 on every value is whole
+constexpr std::uint64_t fractionOfBits = 0xF'FFFF'FFFF'FFFF;
+
+/// The magnitude of any value, by the parts of its bits.
+[[gnu::noinline]] char* writeMagnitude(unsigned exponent, std::uint64_t fraction, char* to) {
+    if (exponent == 0x7FF) {
+        return writeWord(fraction == 0 ? "inf" : "nan", to);
+    }
+    if (exponent == 0 && fraction == 0) {
+        return writeWord("0.0", to);
+    }
+    const bool subnormal = exponent == 0;
+    const std::uint64_t mantissa = fraction | (subnormal ? 0 : fractionOfBits + 1);
+    if (exponent > exponentOfWhole) {
+        const double whole =
+            std::ldexp(static_cast<double>(mantissa), static_cast<int>(exponent - exponentOfWhole));
+        to = std::to_chars(to, to + longestReal - 1, whole, std::chars_format::fixed, 0).ptr;
+        return writeWord(".0", to);
+    }
+    const Decimal decimal = rounded(mantissa, exponentOfWhole - (subnormal ? 1 : exponent));
+    return writeDecimals(static_cast<std::uint32_t>(decimal.decimals / eightDigits),
+                         static_cast<std::uint32_t>(decimal.decimals % eightDigits),
+                         writeWhole(decimal.whole, to));
 }
 
 } // namespace
@@ -122,22 +119,26 @@ char* writeReal(double value, char* to) {
     *to = '-';
     to += bits >> 63;
     const unsigned exponent = static_cast<unsigned>(bits >> 52) & 0x7FFU;
-    const std::uint64_t fraction = bits & 0xF'FFFF'FFFF'FFFF;
-    if (exponent == 0x7FF) {
-        return writeWord(fraction == 0 ? "inf" : "nan", to);
+    const std::uint64_t fraction = bits & fractionOfBits;
+    const unsigned shift = exponentOfWhole - exponent;
+    if (shift < 1 || shift > 63) {
+        return writeMagnitude(exponent, fraction, to);
     }
 
-    // From 2^53 on every value is whole; below, it is mantissa / 2^shift.
-    constexpr unsigned exponentOfWhole = 1075;
-    if (exponent > exponentOfWhole) {
-        to = std::to_chars(to, to + longestReal - 1, std::fabs(value), std::chars_format::fixed, 0)
-                 .ptr;
-        return writeDecimals(0, to);
+    // Most values: of the 64 bits below the point eight decimals, of what lies below these another
+    // eight, and of the rest the rounding.
+    const std::uint64_t mantissa = fraction | (fractionOfBits + 1);
+    const Wide upper = static_cast<Wide>(mantissa << (64 - shift)) * eightDigits;
+    const Wide lower = static_cast<Wide>(static_cast<std::uint64_t>(upper)) * eightDigits;
+    // Up or down is as good as random, too. Half less a bit carries what is above one half; that
+    // bit is there for odd decimals.
+    const Wide half = (std::uint64_t{1} << 63) - 1 + (lower >> 64 & 1);
+    const auto last = static_cast<std::uint32_t>((lower + half) >> 64);
+    if (last == eightDigits) {
+        return writeMagnitude(exponent, fraction, to);
     }
-    const bool subnormal = exponent == 0;
-    const std::uint64_t mantissa = fraction | (subnormal ? 0 : std::uint64_t{1} << 52);
-    const Decimal decimal = rounded(mantissa, exponentOfWhole - (subnormal ? 1 : exponent));
-    return writeDecimals(decimal.decimals, writeWhole(decimal.whole, to));
+    return writeDecimals(static_cast<std::uint32_t>(upper >> 64), last,
+                         writeWhole(mantissa >> shift, to));
 }
 
 } // namespace dxfeditor
