@@ -1,5 +1,7 @@
 #include "base/FileReader.h"
 
+#include "base/LargePages.h"
+
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
@@ -21,6 +23,7 @@ bool readInto(Bytes& out, const std::string& path) {
     const std::uintmax_t size = std::filesystem::file_size(path, unknown);
     if (!unknown) {
         out.reserve(size);
+        askForLargePages(out.data(), out.capacity());
     }
     std::vector<char> block(1 << 18);
     while (file) {
