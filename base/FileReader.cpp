@@ -2,6 +2,7 @@
 
 #include "base/LargePages.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
@@ -21,11 +22,14 @@ bool readInto(Bytes& out, const std::string& path) {
     // A hint only: pipes have no size, and a file may grow.
     std::error_code unknown;
     const std::uintmax_t size = std::filesystem::file_size(path, unknown);
-    if (!unknown) {
+    std::uintmax_t blockSize = 1 << 18;
+    if (!unknown && size > 0) {
         out.reserve(size);
         askForLargePages(out.data(), out.capacity());
+        // Of a small file, the first touch of the block would take longer than reading it.
+        blockSize = std::min(blockSize, size / 8 + 4096);
     }
-    std::vector<char> block(1 << 18);
+    std::vector<char> block(blockSize);
     while (file) {
         file.read(block.data(), static_cast<std::streamsize>(block.size()));
         out.insert(out.end(), block.begin(), block.begin() + file.gcount());

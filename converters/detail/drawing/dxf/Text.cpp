@@ -197,20 +197,22 @@ char32_t smallLetter(char32_t c) {
 
 } // namespace
 
-TextDecoder::TextDecoder(const Header& header) {
+TextDecoder::TextDecoder(const Header& header) : m_codePage(header.codePage) {
     constexpr std::string_view firstInUtf8 = "AC1021";
-    const bool isUtf8Release =
-        header.release.size() == firstInUtf8.size() && header.release >= firstInUtf8;
-    m_encoding = isUtf8Release ? std::string() : encodingOf(header.codePage);
-    m_guesses = !isUtf8Release && header.codePage.empty();
+    m_isUtf8 = header.release.size() == firstInUtf8.size() && header.release >= firstInUtf8;
 }
 
 std::string TextDecoder::decoded(std::string_view text) const {
     std::string result;
-    if (isAscii(text) || m_encoding.empty() || (m_guesses && isUtf8(text))) {
-        result = isUtf8(text) ? std::string(text) : repaired(text);
+    if (isAscii(text)) {
+        result = text;
+    } else if (m_isUtf8 || (m_codePage.empty() && isUtf8(text))) {
+        result = repaired(text);
     } else {
-        result = repaired(toUtf8(text, m_encoding));
+        if (!m_encoding) {
+            m_encoding = encodingOf(m_codePage);
+        }
+        result = repaired(toUtf8(text, *m_encoding));
     }
     return result.find('\\') == std::string::npos ? result : withoutEscapes(result);
 }

@@ -2,13 +2,14 @@
 
 #include "converters/detail/drawing/dxf/Drawing.h"
 
+#include <optional>
 #include <string>
 #include <string_view>
 
 /// Text of a drawing: names of layers, blocks and kinds.
 namespace converters::drawing {
 
-/// Turns the text of a drawing into UTF-8.
+/// Turns the text of a drawing into UTF-8. Not for several threads at a time.
 class TextDecoder {
 public:
     explicit TextDecoder(const Header& header);
@@ -18,10 +19,12 @@ public:
     std::string decoded(std::string_view text) const;
 
 private:
-    /// As iconv calls it; empty for UTF-8.
-    std::string m_encoding;
-    /// Whether nothing says the encoding: what is valid UTF-8 is then taken as such.
-    bool m_guesses = false;
+    bool m_isUtf8;
+    /// Where it is not UTF-8: empty where nothing says it, and what is valid UTF-8 is taken as such.
+    std::string m_codePage;
+    /// As iconv calls it; none before it is needed: of most drawings no name is anything but ASCII,
+    /// and to ask iconv takes longer than to read a small one.
+    mutable std::optional<std::string> m_encoding;
 };
 
 /// The text with all letters small, to compare names by: of Latin, Greek and Cyrillic script,
