@@ -14,6 +14,18 @@ namespace dxfeditor {
 
 constexpr std::uint32_t eightDigits = 100'000'000;
 
+/// The same as writeSixteenDigits, for any processor: eight digits at a time.
+inline unsigned writeTwoWordsOfDigits(std::uint32_t upper, std::uint32_t lower, char* to) {
+    const std::uint64_t first = base::splitDigits(upper);
+    const std::uint64_t last = base::splitDigits(lower);
+    base::storeWord(first + base::everyByte('0'), to);
+    base::storeWord(last + base::everyByte('0'), to + base::wordLength);
+    const auto digitsOf = [](std::uint64_t word) {
+        return base::wordLength - static_cast<unsigned>(__builtin_clzll(word | 1)) / 8;
+    };
+    return static_cast<unsigned>(last != 0 ? base::wordLength + digitsOf(last) : digitsOf(first));
+}
+
 /// Writes sixteen digits as text, and says how many they are without the zeros at their end, of
 /// which the first digit is none: 1 to 16.
 ///
@@ -65,13 +77,7 @@ inline unsigned writeSixteenDigits(std::uint32_t upper, std::uint32_t lower, cha
     const std::uint64_t marks = vget_lane_u64(vreinterpret_u64_u8(others), 0);
     return 16 - static_cast<unsigned>(__builtin_clzll(marks | 1)) / 4;
 #else
-    const std::uint64_t first = base::splitDigits(upper);
-    const std::uint64_t last = base::splitDigits(lower);
-    base::storeWord(first + base::everyByte('0'), to);
-    base::storeWord(last + base::everyByte('0'), to + base::wordLength);
-    const unsigned behind = last != 0 ? base::wordLength : 0;
-    return base::wordLength + behind -
-           static_cast<unsigned>(__builtin_clzll((behind != 0 ? last : first) | 1)) / 8;
+    return writeTwoWordsOfDigits(upper, lower, to);
 #endif
 }
 

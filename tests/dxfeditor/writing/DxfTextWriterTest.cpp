@@ -3,6 +3,7 @@
 #include "dxfeditor/detail/writing/DxfTextWriter.h"
 
 #include "dxfeditor/detail/writing/RealText.h"
+#include "dxfeditor/detail/writing/SixteenDigits.h"
 #include "tests/support/CommaLocale.h"
 #include "tests/support/TemporaryDirectory.h"
 
@@ -79,6 +80,33 @@ double fromBits(std::uint64_t bits) {
     double value;
     std::memcpy(&value, &bits, sizeof value);
     return value;
+}
+
+constexpr std::uint64_t tenToThe16 = 10'000'000'000'000'000;
+
+TEST(SixteenDigits, AreThoseOfTheirHalvesAndCountedUpToTheLastOtherThanZero) {
+    std::mt19937_64 random = randomEngine();
+    for (int i = 0; i < 200'000; ++i) {
+        // Of any length, with any number of zeros at the end.
+        std::uint64_t number = random() % tenToThe16 >> random() % 54;
+        for (auto zeros = random() % 16; zeros > 0; --zeros) {
+            number = number * 10 % tenToThe16;
+        }
+        const auto upper = static_cast<std::uint32_t>(number / dxfeditor::eightDigits);
+        const auto lower = static_cast<std::uint32_t>(number % dxfeditor::eightDigits);
+        char expected[17];
+        std::snprintf(expected, sizeof expected, "%016llu",
+                      static_cast<unsigned long long>(number));
+        std::size_t count = 16;
+        while (count > 1 && expected[count - 1] == '0') {
+            --count;
+        }
+        char digits[16];
+        ASSERT_EQ(dxfeditor::writeSixteenDigits(upper, lower, digits), count) << number;
+        ASSERT_EQ(std::string(digits, 16), expected);
+        ASSERT_EQ(dxfeditor::writeTwoWordsOfDigits(upper, lower, digits), count) << number;
+        ASSERT_EQ(std::string(digits, 16), expected);
+    }
 }
 
 TEST(RealText, RandomBitPatternsAreWrittenAsDxflibWritesThem) {
