@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
+#include <memory>
 #include <system_error>
 
 namespace base {
@@ -29,10 +30,11 @@ bool readInto(Bytes& out, const std::string& path) {
         // Of a small file, the first touch of the block would take longer than reading it.
         blockSize = std::min(blockSize, size / 8 + 4096);
     }
-    std::vector<char> block(blockSize);
+    // As it is: a vector would be filled first.
+    const std::unique_ptr<char[]> block(new char[blockSize]);
     while (file) {
-        file.read(block.data(), static_cast<std::streamsize>(block.size()));
-        out.insert(out.end(), block.begin(), block.begin() + file.gcount());
+        file.read(block.get(), static_cast<std::streamsize>(blockSize));
+        out.insert(out.end(), block.get(), block.get() + file.gcount());
     }
     // A directory opens but cannot be read: that sets badbit, the end of a file does not.
     if (file.bad()) {

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cstring>
+#include <memory>
 
 namespace dxfeditor {
 
@@ -128,10 +129,12 @@ void DxfTextWriter::writePoints(const DL_Attributes& attributes,
     const std::string head = pointHead(attributes);
     const std::size_t longestPoint = head.size() + longestCoordinates;
     // Many points at a time, so that the text need not grow by each.
-    std::vector<char> block(
-        std::max(std::min(textBlockSize, points.size() * longestPoint), longestPoint));
-    char* const begin = block.data();
-    char* const lastRoom = begin + block.size() - longestPoint;
+    const std::size_t blockSize =
+        std::max(std::min(textBlockSize, points.size() * longestPoint), longestPoint);
+    // As it is: a vector would be filled first.
+    const std::unique_ptr<char[]> block(new char[blockSize]);
+    char* const begin = block.get();
+    char* const lastRoom = begin + blockSize - longestPoint;
     char* end = begin;
     for (const cv::Point3_<double>& point : points) {
         std::memcpy(end, head.data(), head.size());
