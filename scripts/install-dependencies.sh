@@ -16,7 +16,7 @@ packages=(
   chromium chromium-driver python3-selenium python3-pil
   # to build and test the Python package
   python3-dev python3-pybind11 python3-numpy
-  python3-pytest python3-matplotlib python3-distributed
+  python3-pytest python3-matplotlib python3-pandas python3-distributed
   python3-pip python3-setuptools python3-venv python3-wheel mypy
   # to package, and to install the packages in a fresh root
   dpkg-dev file pkg-config debootstrap

@@ -1,6 +1,5 @@
 """Scans: point clouds with all that a PLY file says of each point."""
 
-import operator
 import os
 from dataclasses import dataclass
 from pathlib import Path
@@ -10,25 +9,14 @@ import numpy as np
 import numpy.typing as npt
 
 from converters import _native
+from converters._arrays import view_or_copy
 from converters._sources import Progress, Source, bytes_of, callback, check
+from converters._writing import TYPES, check_format, format_of, written
 
 if TYPE_CHECKING:
     from matplotlib.axes import Axes
 
 Records = npt.NDArray[np.void]
-
-#: NumPy's types, by the library's numbers for the types of PLY.
-_TYPES = {1: "i1", 2: "u1", 3: "i2", 4: "u2", 5: "i4", 6: "u4", 7: "f4", 8: "f8"}
-_NUMBERS = {np.dtype(name): number for number, name in _TYPES.items()}
-
-#: What clouds are written as.
-_KINDS = ("ply", "ply-ascii", "csv", "xyz", "dxf")
-
-#: Most significant digits of a double.
-_MOST_DIGITS = 17
-
-#: Formats by their extensions.
-_FORMATS = {".ply": "ply", ".csv": "csv", ".xyz": "xyz", ".dxf": "dxf"}
 
 
 @dataclass(frozen=True)
@@ -196,7 +184,9 @@ class Cloud:
     def __array__(
         self, dtype: Optional[npt.DTypeLike] = None, copy: Optional[bool] = None
     ) -> npt.NDArray[Any]:
-        return self.xyz if dtype is None else self.xyz.astype(dtype)
+        if copy is False:
+            raise ValueError("the coordinates of a cloud as an array are a copy")
+        return view_or_copy(self.xyz, dtype, None)
 
     def __repr__(self) -> str:
         number = "1 point" if len(self) == 1 else f"{len(self)} points"
@@ -220,22 +210,10 @@ class Cloud:
             back the same
         :raises ValueError: for another format or number of digits
         """
-        if format not in _KINDS:
-            raise ValueError(f"format is {format!r}, expected one of {', '.join(_KINDS)}")
-        digits = None if digits is None else operator.index(digits)
-        if digits is not None and not 1 <= digits <= _MOST_DIGITS:
-            raise ValueError(f"{digits} digits, expected 1 to {_MOST_DIGITS}")
-        packed = _packed(self.points)
-        fields: Any = packed.dtype.fields or {}
-        return _native.write_points(
-            packed.view(np.uint8),
-            [(name, _NUMBERS[field[0]], field[1]) for name, field in fields.items()],
-            packed.itemsize,
-            format,
-            digits,
-            self.width,
-            self.height,
-            list(self.report.comments) if self.report else [],
+        check_format(format, digits)
+        comments = self.report.comments if self.report else ()
+        return written(
+            self.points, format, digits, width=self.width, height=self.height, comments=comments
         )
 
     def save(
@@ -251,12 +229,7 @@ class Cloud:
         :raises ValueError: for another extension
         :raises OSError: when the file cannot be written
         """
-        extension = Path(path).suffix.lower()
-        if extension not in _FORMATS:
-            raise ValueError(f"{extension or 'no extension'}: not one of {', '.join(_FORMATS)}")
-        format = _FORMATS[extension]
-        contents = self.to_bytes(format + "-ascii" if ascii and format == "ply" else format, digits)
-        Path(path).write_bytes(contents)
+        Path(path).write_bytes(self.to_bytes(format_of(path, ascii), digits))
 
     def plot(self, ax: Optional["Axes"] = None, *, by: Optional[str] = None) -> "Axes":
         """Draws the points from above with matplotlib.
@@ -351,7 +324,7 @@ def read_scan(
     dtype = np.dtype(
         {
             "names": [name for name, _, _ in fields],
-            "formats": [_TYPES[number] for _, number, _ in fields],
+            "formats": [TYPES[number] for _, number, _ in fields],
             "offsets": [offset for _, _, offset in fields],
             "itemsize": size,
         }
@@ -419,14 +392,3 @@ def _check_fields(records: Records) -> None:
         raise ValueError(f"points have no field {', '.join(missing)}")
     if records.ndim != 1:
         raise ValueError(f"points have {records.ndim} dimensions, expected 1")
-
-
-def _packed(records: Records) -> Records:
-    """The records as the writer takes them: types of PLY, side by side, in the machine's order."""
-    types = []
-    for name in records.dtype.names or ():
-        kind = records.dtype[name].newbyteorder("=")
-        if kind not in _NUMBERS:
-            kind = np.dtype("u1" if kind.kind == "b" else "f8")
-        types.append((name, kind))
-    return np.ascontiguousarray(records.astype(np.dtype(types), copy=False))

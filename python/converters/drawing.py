@@ -10,6 +10,7 @@ import numpy as np
 import numpy.typing as npt
 
 from converters import _native
+from converters._arrays import view_or_copy
 from converters._buffers import ReadableBuffer, contiguous
 from converters._sources import Progress, Source, bytes_of
 from converters.check import Finding, findings_of
@@ -172,7 +173,7 @@ class Spline(Entity):
 
 @dataclass(frozen=True, eq=False)
 class Contour:
-    """A part of a drawing's walk that is joined end to end."""
+    """A part of a drawing's walk that is joined end to end. As an array it is its points."""
 
     points: Array
     """Its points in cloud coordinates, in the order of the walk: an array of shape (N, 3)."""
@@ -183,6 +184,11 @@ class Contour:
     def length(self) -> float:
         """Length of the way along the points; nothing is added to close it."""
         return float(np.linalg.norm(np.diff(self.points, axis=0), axis=1).sum())
+
+    def __array__(
+        self, dtype: Optional[npt.DTypeLike] = None, copy: Optional[bool] = None
+    ) -> npt.NDArray[Any]:
+        return view_or_copy(self.points, dtype, copy)
 
 
 class Drawing:

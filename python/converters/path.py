@@ -1,15 +1,19 @@
 """The path of a drawing: contours to follow with a tool."""
 
+import os
 from dataclasses import dataclass
 from functools import cached_property
+from pathlib import Path
 from typing import TYPE_CHECKING, Any, Iterator, Optional, Sequence, Union, overload
 
 import numpy as np
 import numpy.typing as npt
 
 from converters import _native
+from converters._arrays import view_or_copy
 from converters._sources import Progress, callback, check
 from converters._buffers import ReadableBuffer
+from converters._writing import check_format, format_of, written
 
 if TYPE_CHECKING:
     from matplotlib.axes import Axes
@@ -88,7 +92,7 @@ class LeftOut:
 
 @dataclass(frozen=True, eq=False)
 class PathContour:
-    """A stretch of a path that is walked without lifting the tool."""
+    """A stretch of a path that is walked without lifting the tool. As an array it is its points."""
 
     points: Array
     """In order, an array of shape (N, 3)."""
@@ -110,6 +114,11 @@ class PathContour:
         state = "closed" if self.closed else "open"
         return f"PathContour({len(self.points)} points, {state}, layer {self.layer!r})"
 
+    def __array__(
+        self, dtype: Optional[npt.DTypeLike] = None, copy: Optional[bool] = None
+    ) -> npt.NDArray[Any]:
+        return view_or_copy(self.points, dtype, copy)
+
     @property
     def entities(self) -> tuple[PathEntity, ...]:
         """What it is made of, in order."""
@@ -122,7 +131,8 @@ class PathContour:
 
 
 class DrawingPath(Sequence[PathContour]):
-    """The contours of a drawing, in the order in which they are walked.
+    """The contours of a drawing, in the order in which they are walked. As an array it is the points
+    of all.
 
     >>> from converters import read_drawing
     >>> path = read_drawing("0 SECTION 2 ENTITIES 0 CIRCLE 8 holes 10 0 20 0 40 5 0 ENDSEC 0 EOF "
@@ -134,6 +144,8 @@ class DrawingPath(Sequence[PathContour]):
     (True, 'holes', 31.416)
     >>> contour.pieces[0].kind, contour.pieces[0].curve["radius"]
     ('arc', 5.0)
+    >>> np.asarray(path).shape, np.asarray(contour, dtype="f4").dtype
+    ((17, 3), dtype('float32'))
     """
 
     points: Array
@@ -212,9 +224,66 @@ class DrawingPath(Sequence[PathContour]):
     def __iter__(self) -> Iterator[PathContour]:
         return iter(self._contours)
 
+    def __array__(
+        self, dtype: Optional[npt.DTypeLike] = None, copy: Optional[bool] = None
+    ) -> npt.NDArray[Any]:
+        return view_or_copy(self.points, dtype, copy)
+
     def __repr__(self) -> str:
         contours = "1 contour" if len(self) == 1 else f"{len(self)} contours"
         return f"DrawingPath({contours}, {len(self.points)} points)"
+
+    def to_dataframe(self) -> Any:
+        """The points as a pandas.DataFrame with the columns x, y, z, contour, which counts the
+        contours from 1, and layer."""
+        import pandas
+
+        layers = np.array([contour.layer for contour in self], dtype=object)
+        return pandas.DataFrame(
+            {
+                **{name: self.points[:, axis] for axis, name in enumerate("xyz")},
+                "contour": self._contour_numbers,
+                "layer": layers[self._contour_numbers - 1],
+            }
+        )
+
+    def to_bytes(self, format: str = "ply", digits: Optional[int] = None) -> bytes:
+        """The path as the bytes of a file, as the command ``cloudconv`` writes it: PLY as one row of
+        points, whose intensity counts the contours from 1; "csv" and "xyz" with all digits and the
+        same number in a fourth column; "dxf" as a polyline a contour, on its layer, with arcs as
+        bulges.
+
+        PLY holds coordinates as 32-bit floats, and a drawing of release R12 names no unit.
+
+        :param format: "ply" (binary), "ply-ascii", "csv", "xyz" or "dxf"
+        :param digits: significant digits of texts, 1 to 17; by default as many as it takes to read
+            back the same. Drawings have theirs in any case
+        :raises ValueError: for another format or number of digits
+        """
+        check_format(format, digits)
+        if format == "dxf":
+            return self._model.to_dxf()
+        number, kind = ("intensity", "f4") if format.startswith("ply") else ("contour", "f8")
+        records = np.empty(len(self.points), dtype=[(name, kind) for name in ("x", "y", "z", number)])
+        for axis, name in enumerate("xyz"):
+            records[name] = self.points[:, axis]
+        records[number] = self._contour_numbers
+        return written(records, format, digits, width=len(records), height=min(len(records), 1))
+
+    def save(
+        self,
+        path: Union[str, "os.PathLike[str]"],
+        *,
+        ascii: bool = False,
+        digits: Optional[int] = None,
+    ) -> None:
+        """Writes the path to a file, .ply, .csv, .xyz or .dxf, as :meth:`to_bytes` tells.
+
+        :param ascii: PLY as text
+        :raises ValueError: for another extension
+        :raises OSError: when the file cannot be written
+        """
+        Path(path).write_bytes(self.to_bytes(format_of(path, ascii), digits))
 
     def plot(self, ax: Optional["Axes"] = None) -> "Axes":
         """Draws the contours in the plane of x and y with matplotlib.
@@ -246,6 +315,11 @@ class DrawingPath(Sequence[PathContour]):
             f'<g fill="none" stroke="currentColor" stroke-width="{size / 400:.6g}"'
             f' stroke-linecap="round">{"".join(lines)}</g></svg>'
         )
+
+    @cached_property
+    def _contour_numbers(self) -> npt.NDArray[np.intp]:
+        """The number of the contour of each point, counted from 1."""
+        return np.repeat(np.arange(len(self)) + 1, [len(contour.points) for contour in self])
 
     def _entity(self, index: int) -> PathEntity:
         kind, handle, insert, layer = self._model.entity(index)

@@ -114,10 +114,14 @@ std::shared_ptr<DXFDocument> drawingOf(const std::vector<Layer>& layers,
     return drawing;
 }
 
-py::bytes writeDrawing(const std::vector<Layer>& layers, const std::vector<Entity>& entities) {
-    const std::shared_ptr<DXFDocument> drawing = drawingOf(layers, entities);
+/// The file of the drawing that is made.
+///
+/// @param make  must not touch objects of Python
+template <typename Make>
+py::bytes fileOf(Make make) {
     std::vector<unsigned char> bytes;
     convert(PyExc_OSError, [&]() -> std::string {
+        const std::shared_ptr<DXFDocument> drawing = make();
         const MemoryFile file;
         const bool written = file.descriptor() >= 0 &&
                              DXFWriter(*drawing).saveTo(file.descriptor(), "a file in memory") &&
@@ -127,7 +131,16 @@ py::bytes writeDrawing(const std::vector<Layer>& layers, const std::vector<Entit
     return toBytes(bytes);
 }
 
+py::bytes writeDrawing(const std::vector<Layer>& layers, const std::vector<Entity>& entities) {
+    const std::shared_ptr<DXFDocument> drawing = drawingOf(layers, entities);
+    return fileOf([&] { return drawing; });
+}
+
 } // namespace
+
+py::bytes drawingFileOf(const converters::DrawingPath& path) {
+    return fileOf([&] { return converters::drawingOf(path); });
+}
 
 void addDrawingWriter(py::module_& module) {
     module.def("write_drawing", writeDrawing, py::arg("layers"), py::arg("entities"));

@@ -5,6 +5,7 @@
 #include "converters/ScanWriter.h"
 #include "converters/check/PathFindings.h"
 #include "python/native/Conversion.h"
+#include "python/native/DrawingWriting.h"
 #include "python/native/Memory.h"
 #include "python/native/ProgressCall.h"
 
@@ -308,6 +309,9 @@ public:
         return result;
     }
 
+    /// The path as a file that holds its contours as polylines.
+    py::bytes toDxf() const { return drawingFileOf(*m_path); }
+
 private:
     std::shared_ptr<DrawingPath> m_path;
 };
@@ -423,5 +427,6 @@ void addReaders(py::module_& module) {
         .def("piece", &PathModel::piece, py::arg("index"))
         .def("layers", &PathModel::layers)
         .def("left_out", &PathModel::leftOut)
-        .def("summary", &PathModel::summary);
+        .def("summary", &PathModel::summary)
+        .def("to_dxf", &PathModel::toDxf);
 }

@@ -273,6 +273,11 @@ class TestWalk:
             (21, 1),
         ]
 
+    def test_a_contour_is_an_array_of_its_points(self):
+        (contour,) = drawing(line(0, 0, 1, 0)).contours()
+        np.testing.assert_array_equal(np.asarray(contour), contour.points)
+        assert np.asarray(contour, dtype="f4").dtype == np.float32
+
     def test_contours_share_one_array(self):
         first, second = drawing(line(0, 0, 1, 0), line(5, 0, 6, 0)).contours()
         assert first.points.base is second.points.base or np.shares_memory(

@@ -1,6 +1,8 @@
 """The path of drawings."""
 
 import os
+import shutil
+import subprocess
 from pathlib import Path
 
 import numpy as np
@@ -8,6 +10,7 @@ import pytest
 
 from converters import Drawing, DrawingPath, ReadError, read_drawing
 
+EXAMPLES = Path(__file__).parents[2] / "examples"
 SAMPLES = Path(os.environ.get("CONVERTERS_SAMPLE_DIR", "")) / "real" / "drawings"
 
 
@@ -59,6 +62,30 @@ def test_the_points_cannot_be_written_to():
     path = read_drawing(drawing(SQUARE)).path()
     with pytest.raises(ValueError):
         path[0].points[0, 0] = 1
+
+
+def test_a_path_and_its_contours_are_arrays_of_points():
+    path = read_drawing(drawing(f"{SQUARE} {ARC}")).path()
+    for thing in (path, path[1]):
+        array = np.asarray(thing)
+        assert array.dtype == np.float64
+        assert array.shape == (len(thing.points), 3)
+        assert (array == thing.points).all()
+        assert np.shares_memory(array, thing.points)
+        assert np.asarray(thing, dtype="f4").dtype == np.float32
+        copied = np.array(thing)
+        copied[0] = 7
+        assert not (thing.points == 7).any()
+    assert (np.concatenate(path) == path.points).all()
+    assert np.asarray(read_drawing(drawing("")).path()).shape == (0, 3)
+
+
+def test_an_array_is_a_copy_only_where_that_is_allowed():
+    contour = read_drawing(drawing(SQUARE)).path()[0]
+    assert np.shares_memory(contour.__array__(copy=False), contour.points)
+    assert not np.shares_memory(contour.__array__(copy=True), contour.points)
+    with pytest.raises(ValueError, match="copy"):
+        contour.__array__(np.float32, copy=False)
 
 
 def test_what_is_left_out_is_told():
@@ -119,6 +146,59 @@ def test_a_drawing_is_a_container_and_shows_itself(tmp_path):
 def test_a_path_is_drawn():
     pytest.importorskip("matplotlib").use("Agg")
     assert len(read_drawing(drawing(f"{SQUARE} {ARC}")).plot().lines) == 2
+
+
+@pytest.mark.parametrize("name", ["plate", "floor_plan"])
+@pytest.mark.parametrize(
+    "extension, options",
+    [
+        ("ply", {}),
+        ("ply", {"ascii": True}),
+        ("csv", {}),
+        ("csv", {"digits": 5}),
+        ("xyz", {}),
+        ("dxf", {}),
+    ],
+)
+def test_a_path_is_saved_as_the_command_writes_it(tmp_path, name, extension, options):
+    command = os.environ.get("CLOUDCONV") or shutil.which("cloudconv")
+    if command is None:
+        pytest.skip("cloudconv is not built")
+    expected, saved = (tmp_path / f"{part}.{extension}" for part in ("expected", "saved"))
+    arguments = [f"--{option}" for option in options]
+    arguments += [str(value) for value in options.values() if value is not True]
+    subprocess.run([command, EXAMPLES / f"{name}.dxf", expected, "--quiet", *arguments], check=True)
+    read_drawing(EXAMPLES / f"{name}.dxf").path().save(saved, **options)
+    assert saved.read_bytes() == expected.read_bytes()
+    assert len(saved.read_bytes()) > 100
+
+
+def test_a_path_without_contours_is_saved(tmp_path):
+    path = read_drawing(drawing(TEXT)).path()
+    assert path.to_bytes("xyz") == b""
+    assert path.to_bytes("csv") == b"x,y,z,contour\n"
+    assert len(read_drawing(path.to_bytes("dxf")).path()) == 0
+    assert b"element vertex 0\n" in path.to_bytes()
+
+
+def test_a_path_is_saved_as_nothing_else(tmp_path):
+    path = read_drawing(drawing(SQUARE)).path()
+    with pytest.raises(ValueError, match=".stl"):
+        path.save(tmp_path / "a.stl")
+    with pytest.raises(ValueError, match="digits"):
+        path.to_bytes("dxf", digits=0)
+    with pytest.raises(ValueError, match="format"):
+        path.to_bytes("pcd")
+
+
+def test_a_path_becomes_a_data_frame():
+    pytest.importorskip("pandas")
+    frame = read_drawing(drawing(f"{SQUARE} {ARC}")).path().to_dataframe()
+    assert list(frame.columns) == ["x", "y", "z", "contour", "layer"]
+    assert frame.x.tolist()[:5] == [0, 2, 2, 0, 0]
+    assert frame.groupby("contour").layer.first().tolist() == ["cut", "holes"]
+    assert len(frame[frame.contour == 1]) == 5
+    assert len(read_drawing(drawing("")).path().to_dataframe()) == 0
 
 
 @pytest.mark.skipif(not SAMPLES.is_dir(), reason="no drawings of other programs")

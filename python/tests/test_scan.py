@@ -145,6 +145,13 @@ def test_a_cloud_is_a_container():
     assert cloud.intensity.tolist() == [0, 0, 0]
 
 
+def test_the_array_of_a_cloud_is_a_copy():
+    cloud = Cloud([[1, 2, 3]])
+    assert cloud.__array__(np.float64, copy=True).dtype == np.float64
+    with pytest.raises(ValueError, match="copy"):
+        cloud.__array__(copy=False)
+
+
 def test_a_cloud_needs_coordinates():
     with pytest.raises(ValueError, match="no field z"):
         Cloud(np.zeros(2, dtype=[("x", "f4"), ("y", "f4")]))
