@@ -1,5 +1,6 @@
 """Scans: point clouds with all that a PLY file says of each point."""
 
+import math
 import os
 from dataclasses import dataclass
 from pathlib import Path
@@ -12,11 +13,17 @@ from converters import _native
 from converters._arrays import view_or_copy
 from converters._sources import Progress, Source, bytes_of, callback, check
 from converters._writing import TYPES, check_format, format_of, written
+from converters.ply import layout_of
 
 if TYPE_CHECKING:
     from matplotlib.axes import Axes
 
 Records = npt.NDArray[np.void]
+
+#: What a cloud consists of.
+_PARTS = ("points", "width", "height", "report")
+#: What a property may be called although a cloud has an attribute of this name: it is the same.
+_USUAL = ("x", "y", "z", "intensity")
 
 
 @dataclass(frozen=True)
@@ -65,15 +72,19 @@ class Cloud:
     Cloud(2 points: x, y, z, red)
     >>> cloud.x
     array([1., 4.], dtype=float32)
-    >>> cloud["red"]
+    >>> cloud["red"]  # or cloud.red
     array([255,   0], dtype=uint8)
+    >>> cloud["time"] = [0.5, 1.5]
+    >>> cloud[["x", "time"]].tolist()
+    [(1.0, 0.5), (4.0, 1.5)]
     >>> len(cloud[cloud.x > 2])
     1
     >>> np.asarray(cloud)
     array([[1., 2., 3.],
            [4., 5., 6.]], dtype=float32)
 
-    A cloud is a view of its ``points``: changing these changes it.
+    A cloud is a view of its ``points``: changing these changes it. Properties are attributes, too,
+    unless their name is one of the cloud's own, such as ``save``, or begins with an underscore.
     """
 
     points: Records
@@ -97,18 +108,22 @@ class Cloud:
         **properties: npt.ArrayLike,
     ) -> None:
         """
-        :param points: an array of shape (N, 3), of which whole numbers become 32-bit floats where
-            these hold them, else doubles; or a structured array with fields x, y and z and any
-            others, of numbers
-        :param properties: more of each point, one array of shape (N,) for each name
+        :param points: an array of shape (N, 3), or (N, 4) with the intensity, of which whole numbers
+            become 32-bit floats where these hold them, else doubles; masked ones are nan. Or a
+            structured array of shape (N,) with fields x, y and z and any others, of numbers. Of an
+            organised cloud, (rows, columns) in place of N
+        :param width: points in a row; follows from ``points`` or ``height`` when it is not given
+        :param height: rows; follows as ``width`` does
+        :param properties: more of each point, one number for all or an array of shape (N,) for each
+            name, or (rows, columns)
         :raises ValueError: for other shapes, and when width × height is not the number of points
         """
-        records = _records(np.asarray(points), properties)
-        self.points = records
-        self.width = len(records) if width is None else width
-        self.height = (1 if len(records) else 0) if height is None else height
-        if self.width * self.height != len(records):
-            raise ValueError(f"{self.width} × {self.height} is not {len(records)} points")
+        records = _records(points, properties)
+        if len(records) or width is not None or height is not None:
+            self.width, self.height = layout_of(records.shape, width, height)
+        else:
+            self.width, self.height = 0, 0
+        self.points = records.reshape(-1)
         self.report = None
 
     @property
@@ -169,17 +184,69 @@ class Cloud:
     @overload
     def __getitem__(self, index: int) -> np.void: ...
     @overload
+    def __getitem__(self, index: list[str]) -> Records: ...
+    @overload
     def __getitem__(
         self, index: Union[slice, Sequence[int], npt.NDArray[Any]]
     ) -> "Cloud": ...
     def __getitem__(self, index: Any) -> Any:
-        """A property by its name, a point by its number, or a part of the cloud."""
+        """A property by its name, a point by its number, or a part of the cloud. A list of names
+        gives these properties as a structured array, a view.
+
+        :raises KeyError: when there is no property of a name
+        """
+        names = [index] if isinstance(index, str) else _names(index)
+        for name in names:
+            if name not in self.names:
+                raise KeyError(f"the points have no {name!r}; there are {', '.join(self.names)}")
         chosen = self.points[index]
-        if isinstance(index, str) or isinstance(chosen, np.void):
+        if names or isinstance(chosen, np.void):
             return chosen
         part = Cloud(chosen)
         part.report = self.report
         return part
+
+    def __setitem__(self, name: str, values: npt.ArrayLike) -> None:
+        """Sets a property of all points, in place, or adds one, in new ``points``.
+
+        :param values: one number for all or an array of shape (N,), or (rows, columns); a property
+            that is there keeps its type
+        :raises ValueError: for another shape, and for numbers that a property of whole numbers
+            does not hold
+        """
+        if not isinstance(name, str):
+            raise TypeError(f"cloud[{name!r}] cannot be set, but cloud.points[{name!r}] can")
+        if name not in self.names:
+            self.points = _records(self.points, {name: self._flat(name, values)})
+            return
+        column = self.points[name]
+        numbers = self._flat(name, values)
+        with np.errstate(invalid="ignore"):
+            held = numbers.astype(column.dtype)
+        if column.dtype.kind in "biu" and not (held == numbers).all():
+            raise ValueError(f"{name!r} holds {column.dtype}, which not all of the numbers are")
+        column[:] = held
+
+    def __getattr__(self, name: str) -> npt.NDArray[Any]:
+        if name.startswith("_") or "points" not in vars(self) or name not in self.names:
+            raise AttributeError(f"a cloud has no attribute {name!r}")
+        column: npt.NDArray[Any] = self.points[name]
+        return column
+
+    def __setattr__(self, name: str, value: Any) -> None:
+        if name in _PARTS:
+            object.__setattr__(self, name, value)
+            return
+        known = _axis(self.points, name) if name in ("x", "y", "z") else name
+        if known not in self.names or (hasattr(Cloud, name) and name not in _USUAL):
+            raise AttributeError(f"{name!r} cannot be set; cloud[{name!r}] = … adds a property")
+        self[known] = value
+
+    def __dir__(self) -> list[str]:
+        return [*super().__dir__(), *(name for name in self.names if name.isidentifier())]
+
+    def _flat(self, name: str, values: npt.ArrayLike) -> npt.NDArray[Any]:
+        return _property(name, values, (self.height, self.width)).reshape(-1)
 
     def __array__(
         self, dtype: Optional[npt.DTypeLike] = None, copy: Optional[bool] = None
@@ -352,30 +419,65 @@ def _axis(records: Records, name: str) -> str:
     return name if name in names else name.upper()
 
 
-def _records(points: npt.NDArray[Any], properties: dict[str, npt.ArrayLike]) -> Records:
-    """The points with their properties as one structured array."""
-    if points.dtype.names is None:
-        if points.shape == (0,):
-            points = points.reshape(0, 3)
-        if points.ndim != 2 or points.shape[1] != 3:
-            raise ValueError(f"points have shape {points.shape}, expected (N, 3)")
-        if points.dtype.kind not in "biuf":
-            raise TypeError(f"points must be real numbers, not {points.dtype}")
-        kind = points.dtype if points.dtype in (np.float32, np.float64) else _floats_for(points)
-        columns = {name: points[:, axis].astype(kind) for axis, name in enumerate("xyz")}
+def _names(index: Any) -> list[str]:
+    """The names in a list of names; none of any other index."""
+    if isinstance(index, list) and all(isinstance(name, str) for name in index):
+        return index
+    return []
+
+
+def _records(points: npt.ArrayLike, properties: dict[str, npt.ArrayLike]) -> Records:
+    """The points with their properties as one structured array, of shape (N,) or (rows, columns)."""
+    table = points if isinstance(points, np.ma.MaskedArray) else np.asarray(points)
+    if table.dtype.names is None:
+        columns = _columns(table)
+        shape = columns["x"].shape
     elif properties:
-        columns = {name: points[name] for name in points.dtype.names}
+        columns = {name: table[name] for name in table.dtype.names}
+        shape = table.shape
     else:
-        _check_fields(points)
-        return points
-    count = len(points)
+        _check_fields(table)
+        return np.asarray(table)
     for name, values in properties.items():
-        columns[name] = np.broadcast_to(np.asarray(values), (count,))
-    made = np.empty(count, dtype=[(name, column.dtype) for name, column in columns.items()])
+        columns[name] = _property(name, values, shape)
+    made = np.empty(shape, dtype=[(name, column.dtype) for name, column in columns.items()])
     for name, column in columns.items():
         made[name] = column
     _check_fields(made)
     return made
+
+
+def _columns(table: npt.NDArray[Any]) -> dict[str, npt.NDArray[Any]]:
+    """The numbers of points that are no records, by name."""
+    if table.shape == (0,):
+        table = table.reshape(0, 3)
+    if table.ndim not in (2, 3) or table.shape[-1] not in (3, 4):
+        raise ValueError(
+            f"points have shape {table.shape}, expected (N, 3), (N, 4), (rows, columns, 3) or "
+            "(rows, columns, 4)"
+        )
+    if table.dtype.kind not in "biuf":
+        raise TypeError(f"points must be real numbers, not {table.dtype}")
+    if isinstance(table, np.ma.MaskedArray):
+        floats = table.astype(np.result_type(table.dtype, np.float32))
+        table = np.ma.filled(floats, np.nan)  # type: ignore[no-untyped-call]
+    kind = table.dtype if table.dtype in (np.float32, np.float64) else _floats_for(table)
+    names = ("x", "y", "z", "intensity")[: table.shape[-1]]
+    return {name: table[..., axis].astype(kind) for axis, name in enumerate(names)}
+
+
+def _property(name: str, values: npt.ArrayLike, shape: tuple[int, ...]) -> npt.NDArray[Any]:
+    """A number for each of the points, which have this shape."""
+    if not name:
+        raise ValueError("a property has a name")
+    numbers = np.asarray(values)
+    if numbers.dtype.kind not in "biuf":
+        raise TypeError(f"{name!r} must be real numbers, not {numbers.dtype}")
+    if numbers.size == 1:
+        return np.broadcast_to(numbers.reshape(()), shape)
+    if numbers.shape not in (shape, (math.prod(shape),)):
+        raise ValueError(f"{name!r} has shape {numbers.shape} for points of shape {shape}")
+    return numbers.reshape(shape)
 
 
 def _floats_for(numbers: npt.NDArray[Any]) -> "np.dtype[Any]":
@@ -390,5 +492,5 @@ def _check_fields(records: Records) -> None:
     missing = [name for name in "xyz" if name not in names and name.upper() not in names]
     if missing:
         raise ValueError(f"points have no field {', '.join(missing)}")
-    if records.ndim != 1:
-        raise ValueError(f"points have {records.ndim} dimensions, expected 1")
+    if records.ndim not in (1, 2):
+        raise ValueError(f"points have {records.ndim} dimensions, expected 1 or 2")

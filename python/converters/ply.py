@@ -101,7 +101,7 @@ def to_ply(
     """
     given = columns(points, with_intensity=True)
     shape = given.x.shape
-    width, height = _layout(shape, width, height)
+    width, height = layout_of(shape, width, height)
     return _native.to_ply(
         given.x,
         given.y,
@@ -136,10 +136,13 @@ def from_ply(data: ReadableBuffer) -> PlyCloud:
     return PlyCloud(*_native.from_ply(contiguous(data)))
 
 
-def _layout(
+def layout_of(
     shape: tuple[int, ...], width: Optional[int], height: Optional[int]
 ) -> tuple[int, int]:
-    """Width and height of a cloud whose columns have this shape."""
+    """Width and height of a cloud whose columns have this shape.
+
+    :raises ValueError: when those given are not those of so many points
+    """
     count = math.prod(shape)
     if count > _MOST_POINTS:
         raise ValueError(f"{count} points are more than a file can count")

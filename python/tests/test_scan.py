@@ -1,8 +1,10 @@
 """Scans of any program, and clouds."""
 
+import copy
 import io
 import mmap
 import os
+import pickle
 import signal
 import threading
 import time
@@ -145,6 +147,131 @@ def test_a_cloud_is_a_container():
     assert cloud.intensity.tolist() == [0, 0, 0]
 
 
+def test_a_fourth_column_is_the_intensity():
+    cloud = Cloud(np.arange(8.0).reshape(2, 4))
+    assert cloud.names == ("x", "y", "z", "intensity")
+    assert cloud.intensity.tolist() == [3, 7]
+    assert Cloud(np.zeros((2, 4)), intensity=[5, 6]).intensity.tolist() == [5, 6]
+    assert Cloud(np.zeros((0, 4))).names == ("x", "y", "z", "intensity")
+
+
+@pytest.mark.parametrize("columns", [3, 4])
+def test_an_organised_array_has_its_rows(columns):
+    numbers = np.arange(6.0 * columns).reshape(2, 3, columns)
+    cloud = Cloud(numbers, red=np.arange(6, dtype="u1").reshape(2, 3), time=1.5)
+    assert (cloud.width, cloud.height) == (3, 2)
+    assert cloud.grid["x"].tolist() == numbers[..., 0].tolist()
+    assert cloud.grid["red"].tolist() == [[0, 1, 2], [3, 4, 5]]
+    assert cloud["time"].tolist() == [1.5] * 6
+    again = read_scan(cloud.to_bytes())
+    assert (again.width, again.height) == (3, 2)
+    assert (again.points == cloud.points).all()
+    assert len(Cloud(numbers, width=6, height=1)) == 6
+
+
+def test_organised_records_are_taken_where_they_lie():
+    records = np.zeros((2, 3), dtype=[("x", "f4"), ("y", "f4"), ("z", "f4")])
+    cloud = Cloud(records)
+    assert (cloud.width, cloud.height) == (3, 2)
+    records[1, 2]["x"] = 7
+    assert cloud.x.tolist() == [0] * 5 + [7]
+
+
+def test_rows_follow_from_their_width():
+    cloud = Cloud(np.zeros((6, 3)), width=3)
+    assert (cloud.width, cloud.height) == (3, 2)
+
+
+def test_masked_numbers_are_missing():
+    numbers = np.ma.masked_less(np.arange(6.0).reshape(2, 3), 1)
+    assert np.isnan(Cloud(numbers).x).tolist() == [True, False]
+    assert np.isnan(Cloud(np.ma.masked_less(np.arange(6).reshape(2, 3), 1)).x[0])
+
+
+def test_properties_are_set_and_added():
+    cloud = Cloud(np.zeros((2, 3), dtype="f4"), red=np.zeros(2, dtype="u1"))
+    points = cloud.points
+    cloud["red"] = [255, 0]
+    cloud["x"] = 0.5
+    assert cloud.points is points
+    assert points["red"].tolist() == [255, 0] and points["red"].dtype == np.uint8
+    assert cloud.x.tolist() == [0.5, 0.5]
+    cloud["time"] = np.array([1, 2], dtype="i8")
+    assert cloud.names == ("x", "y", "z", "red", "time")
+    assert cloud["time"].dtype == np.int64
+    assert cloud["red"].tolist() == [255, 0]
+    cloud["intensity"] = 0.25
+    assert cloud.intensity.tolist() == [0.25, 0.25]
+    assert read_scan(cloud.to_bytes())["time"].tolist() == [1, 2]
+
+
+def test_an_organised_cloud_takes_a_property_in_rows():
+    cloud = Cloud(np.zeros((2, 3, 3)))
+    cloud["row"] = np.array([[0, 0, 0], [1, 1, 1]])
+    assert cloud["row"].tolist() == [0, 0, 0, 1, 1, 1]
+    assert (cloud.width, cloud.height) == (3, 2)
+
+
+@pytest.mark.parametrize("values", [[300, 0], [-1, 0], [0.5, 0], [np.nan, 0]])
+def test_numbers_that_a_property_does_not_hold_are_refused(values):
+    cloud = Cloud(np.zeros((2, 3)), red=np.array([1, 2], dtype="u1"))
+    with pytest.raises(ValueError, match="'red' holds uint8"):
+        cloud["red"] = values
+    assert cloud["red"].tolist() == [1, 2]
+
+
+@pytest.mark.parametrize(
+    "index, values, error",
+    [
+        ("red", [1, 2, 3], ValueError),
+        ("red", ["a", "b"], TypeError),
+        (0, 1, TypeError),
+        ([True, False], 1, TypeError),
+        ("", 1, ValueError),
+    ],
+)
+def test_other_things_cannot_be_set(index, values, error):
+    cloud = Cloud(np.zeros((2, 3)))
+    with pytest.raises(error):
+        cloud[index] = values
+    assert cloud.names == ("x", "y", "z")
+
+
+def test_properties_are_attributes_unless_the_cloud_has_others_of_the_name():
+    cloud = Cloud([[1, 2, 3]], red=np.array([7], dtype="u1"), save=1.0, width=1, _own=2.0)
+    assert cloud.red.tolist() == [7]
+    assert np.shares_memory(cloud.red, cloud.points)
+    assert callable(cloud.save) and cloud.width == 1
+    assert cloud["save"].tolist() == [1.0]
+    assert "red" in dir(cloud) and "to_dataframe" in dir(cloud)
+    cloud.red = 9
+    assert cloud["red"].tolist() == [9]
+    with pytest.raises(AttributeError, match="'green'"):
+        cloud.green
+    with pytest.raises(AttributeError, match=r"cloud\['green'\]"):
+        cloud.green = 1
+    with pytest.raises(AttributeError):
+        cloud._own
+
+
+def test_a_cloud_is_copied_and_pickled():
+    cloud = Cloud([[1, 2, 3]], red=np.array([7], dtype="u1"))
+    for made in (copy.copy(cloud), copy.deepcopy(cloud), pickle.loads(pickle.dumps(cloud))):
+        assert made.red.tolist() == [7] and made.width == 1
+
+
+def test_several_properties_are_structured_numbers():
+    cloud = Cloud([[1, 2, 3], [4, 5, 6]], red=np.array([7, 8], dtype="u1"))
+    pair = cloud[["x", "red"]]
+    assert pair.dtype.names == ("x", "red")
+    assert pair.tolist() == [(1, 7), (4, 8)]
+    assert np.shares_memory(pair, cloud.points)
+    for names in ("green", ["x", "green"]):
+        with pytest.raises(KeyError, match="no 'green'; there are x, y, z, red"):
+            cloud[names]
+    assert len(cloud[[]]) == 0
+
+
 def test_the_array_of_a_cloud_is_a_copy():
     cloud = Cloud([[1, 2, 3]])
     assert cloud.__array__(np.float64, copy=True).dtype == np.float64
@@ -155,9 +282,10 @@ def test_the_array_of_a_cloud_is_a_copy():
 def test_a_cloud_needs_coordinates():
     with pytest.raises(ValueError, match="no field z"):
         Cloud(np.zeros(2, dtype=[("x", "f4"), ("y", "f4")]))
-    with pytest.raises(ValueError, match="expected"):
-        Cloud([1, 2, 3])
-    with pytest.raises(ValueError, match="is not 2 points"):
+    for shape in ((3,), (2, 2), (2, 5), (2, 2, 2), (1, 2, 2, 3)):
+        with pytest.raises(ValueError, match="expected"):
+            Cloud(np.zeros(shape))
+    with pytest.raises(ValueError, match="is not the 2 points"):
         Cloud([[1, 2, 3], [4, 5, 6]], width=3, height=1)
 
 
