@@ -1,7 +1,7 @@
 """Where files come from and go to, and how reading them is told and fails."""
 
+import errno
 import os
-from pathlib import Path
 from typing import IO, Any, Callable, Optional, Protocol, Union
 
 from converters._buffers import ReadableBuffer, contiguous
@@ -45,10 +45,35 @@ class ReadError(ValueError):
 ReadError.__module__ = "converters"
 
 
+def read_file(path: Union[str, "os.PathLike[str]"]) -> bytes:
+    """The whole file.
+
+    :raises OSError: when that fails
+    """
+    with open(_named(path), "rb") as file:
+        return file.read()
+
+
+def write_file(path: Union[str, "os.PathLike[str]"], contents: bytes) -> None:
+    """Makes or replaces a file.
+
+    :raises OSError: when that fails
+    """
+    with open(_named(path), "wb") as file:
+        file.write(contents)
+
+
+def _named(path: Union[str, "os.PathLike[str]"]) -> str:
+    name = os.fspath(path)
+    if not name:
+        raise FileNotFoundError(errno.ENOENT, "the name of the file is empty", name)
+    return name
+
+
 def bytes_of(source: Source) -> ReadableBuffer:
     """The whole file."""
     if isinstance(source, (str, os.PathLike)):
-        return Path(source).read_bytes()
+        return read_file(source)
     if hasattr(source, "read") and not hasattr(source, "find"):  # an mmap has both
         contents = source.read()
         if isinstance(contents, str):

@@ -2,13 +2,13 @@
 
 import math
 import os
-from pathlib import Path
 from typing import Optional, Union
 
 import numpy as np
 import numpy.typing as npt
 
 from converters import _native
+from converters._sources import write_file
 from converters.drawing import Drawing
 
 Array = npt.NDArray[np.float64]
@@ -186,7 +186,7 @@ class DrawingBuilder:
 
         :raises OSError: when that fails
         """
-        Path(path).write_bytes(self.to_bytes())
+        write_file(path, self.to_bytes())
 
     def drawing(self) -> Drawing:
         """The drawing as it reads, to be followed, checked or shown."""

@@ -3,7 +3,6 @@
 import math
 import os
 from dataclasses import dataclass
-from pathlib import Path
 from typing import TYPE_CHECKING, Any, Iterator, Optional, Sequence, Union, overload
 
 import numpy as np
@@ -11,7 +10,7 @@ import numpy.typing as npt
 
 from converters import _native
 from converters._arrays import view_or_copy
-from converters._sources import Progress, Source, bytes_of, callback, check
+from converters._sources import Progress, Source, bytes_of, callback, check, write_file
 from converters._writing import TYPES, check_format, format_of, written
 from converters.ply import layout_of
 
@@ -296,7 +295,7 @@ class Cloud:
         :raises ValueError: for another extension
         :raises OSError: when the file cannot be written
         """
-        Path(path).write_bytes(self.to_bytes(format_of(path, ascii), digits))
+        write_file(path, self.to_bytes(format_of(path, ascii), digits))
 
     def plot(self, ax: Optional["Axes"] = None, *, by: Optional[str] = None) -> "Axes":
         """Draws the points from above with matplotlib.

@@ -3,7 +3,6 @@
 import os
 from dataclasses import dataclass
 from functools import cached_property
-from pathlib import Path
 from typing import TYPE_CHECKING, Any, Callable, ClassVar, Iterator, Optional, Sequence, Union
 
 import numpy as np
@@ -12,7 +11,7 @@ import numpy.typing as npt
 from converters import _native
 from converters._arrays import view_or_copy
 from converters._buffers import ReadableBuffer, contiguous
-from converters._sources import Progress, Source, bytes_of
+from converters._sources import Progress, Source, bytes_of, read_file, write_file
 from converters.check import Finding, findings_of
 from converters.path import DrawingPath, LeftOut, path_of, path_options
 
@@ -218,7 +217,7 @@ class Drawing:
         :raises OSError: when the file cannot be read
         :raises ValueError: when it is empty
         """
-        return Drawing.from_bytes(Path(path).read_bytes())
+        return Drawing.from_bytes(read_file(path))
 
     @staticmethod
     def from_bytes(data: ReadableBuffer) -> "Drawing":
@@ -367,7 +366,7 @@ class Drawing:
 
     def save(self, path: Union[str, "os.PathLike[str]"]) -> None:
         """Writes the drawing to a file, as it was read."""
-        Path(path).write_bytes(self._data)
+        write_file(path, self._data)
 
     def plot(self, ax: Optional["Axes"] = None) -> "Axes":
         """Draws the path with matplotlib, as :meth:`converters.DrawingPath.plot` does."""

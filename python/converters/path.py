@@ -3,7 +3,6 @@
 import os
 from dataclasses import dataclass
 from functools import cached_property
-from pathlib import Path
 from typing import TYPE_CHECKING, Any, Iterator, Optional, Sequence, Union, overload
 
 import numpy as np
@@ -11,7 +10,7 @@ import numpy.typing as npt
 
 from converters import _native
 from converters._arrays import view_or_copy
-from converters._sources import Progress, callback, check
+from converters._sources import Progress, callback, check, write_file
 from converters._buffers import ReadableBuffer
 from converters._writing import check_format, format_of, written
 
@@ -283,7 +282,7 @@ class DrawingPath(Sequence[PathContour]):
         :raises ValueError: for another extension
         :raises OSError: when the file cannot be written
         """
-        Path(path).write_bytes(self.to_bytes(format_of(path, ascii), digits))
+        write_file(path, self.to_bytes(format_of(path, ascii), digits))
 
     def plot(self, ax: Optional["Axes"] = None) -> "Axes":
         """Draws the contours in the plane of x and y with matplotlib.

@@ -13,7 +13,7 @@ from pathlib import Path
 import numpy as np
 import pytest
 
-from converters import Cloud, ReadError, read_scan
+from converters import Cloud, Drawing, ReadError, new_drawing, read_drawing, read_scan
 
 SAMPLES = Path(os.environ.get("CONVERTERS_SAMPLE_DIR", "")) / "real" / "scans"
 
@@ -85,6 +85,23 @@ def test_an_error_names_its_line():
 def test_a_missing_file_is_an_error_of_the_system(tmp_path):
     with pytest.raises(FileNotFoundError):
         read_scan(tmp_path / "none.ply")
+
+
+@pytest.mark.parametrize("read", [read_scan, read_drawing, Drawing.load])
+def test_an_empty_name_is_said_to_be_one(read):
+    with pytest.raises(FileNotFoundError, match="the name of the file is empty: ''"):
+        read("")
+
+
+def test_nothing_is_written_to_an_empty_name():
+    made = new_drawing()
+    path = made.drawing().path()
+    for save in (made.save, made.drawing().save):
+        with pytest.raises(FileNotFoundError, match="the name of the file is empty"):
+            save("")
+    for save in (path.save, Cloud([[1, 2, 3]]).save):
+        with pytest.raises(ValueError, match="no extension"):
+            save("")
 
 
 def test_a_shift_is_taken_off_before_rounding():
