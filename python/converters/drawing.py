@@ -11,12 +11,15 @@ import numpy.typing as npt
 from converters import _native
 from converters._arrays import view_or_copy
 from converters._buffers import ReadableBuffer, contiguous
-from converters._sources import Progress, Source, bytes_of, read_file, write_file
+from converters._sources import Progress, ReadError, Source, bytes_of, read_file, write_file
 from converters.check import Finding, findings_of
 from converters.path import DrawingPath, LeftOut, path_of, path_options
 
 if TYPE_CHECKING:
     from matplotlib.axes import Axes
+
+#: What the files begin with that are no text.
+_BINARY = b"AutoCAD Binary DXF\r\n\x1a\0"
 
 Coordinates = tuple[float, float, float]
 Array = npt.NDArray[np.float64]
@@ -203,6 +206,9 @@ class Drawing:
     >>> entity.coordinates
     array([[0., 1., 2.],
            [0., 1., 3.]])
+
+    Of a binary one there are the path and what comes of it. Its layers, entities and walk, which are
+    read from text alone, raise :exc:`converters.ReadError`.
     """
 
     def __init__(self, data: ReadableBuffer) -> None:
@@ -229,11 +235,21 @@ class Drawing:
         :raises ValueError: when there are no data at all
         """
         drawing = Drawing(contiguous(data))
-        drawing._model  # refuses what it has to
+        if not drawing._is_binary:
+            drawing._model  # refuses what it has to
         return drawing
+
+    @property
+    def _is_binary(self) -> bool:
+        return self._data.startswith(_BINARY)
 
     @cached_property
     def _model(self) -> _native.DrawingModel:
+        if self._is_binary:
+            raise ReadError(
+                "this is a binary drawing, of which path() is read; layers, entities and the walk "
+                "are read from text alone"
+            )
         return _native.DrawingModel.from_bytes(self._data)
 
     @cached_property
@@ -241,6 +257,8 @@ class Drawing:
         return self.path()
 
     def __repr__(self) -> str:
+        if self._is_binary:
+            return "Drawing(binary)"
         return f"Drawing({_count(self.entities, 'entity', 'entities')}, " + (
             f"{_count(self.layers, 'layer', 'layers')})"
         )
@@ -405,7 +423,7 @@ class Drawing:
 
 
 def read_drawing(source: Source, *, progress: Optional[Progress] = None) -> Drawing:
-    r"""Reads a DXF file of any program, text or binary.
+    r"""Reads a DXF file of any program, text or binary; of a binary one the path is all there is.
 
     >>> lines = "0 SECTION 2 ENTITIES 0 LINE 8 cut 10 0 20 0 11 3 21 4 0 ENDSEC 0 EOF"
     >>> drawing = read_drawing(lines.replace(" ", "\n").encode() + b"\n")

@@ -2,6 +2,7 @@
 
 import os
 import shutil
+import struct
 import subprocess
 from pathlib import Path
 
@@ -86,6 +87,32 @@ def test_an_array_is_a_copy_only_where_that_is_allowed():
     assert not np.shares_memory(contour.__array__(copy=True), contour.points)
     with pytest.raises(ValueError, match="copy"):
         contour.__array__(np.float32, copy=False)
+
+
+#: A line from (0, 0) to (3, 4), binary: groups of a two-byte code and a value.
+BINARY = b"AutoCAD Binary DXF\r\n\x1a\0" + b"".join(
+    struct.pack("<H", code) + (value.encode() + b"\0" if type(value) is str else struct.pack("<d", value))
+    for code, value in [
+        *((0, "SECTION"), (2, "ENTITIES"), (0, "LINE"), (8, "cut")),
+        *((10, 0.0), (20, 0.0), (11, 3.0), (21, 4.0), (0, "ENDSEC"), (0, "EOF")),
+    ]
+)
+
+
+@pytest.mark.parametrize("read", [read_drawing, Drawing.from_bytes])
+def test_a_binary_drawing_says_that_it_has_a_path_alone(read):
+    loaded = read(BINARY)
+    assert repr(loaded) == "Drawing(binary)"
+    assert loaded.path()[0].points.tolist() == [[0, 0, 0], [3, 4, 0]]
+    assert "cut" in loaded.path().layers
+    assert [finding.kind for finding in loaded.check()] == ["no unit"]
+    assert loaded.unit == "" and loaded.left_out == () and bool(loaded)
+    for use in (
+        *(lambda: loaded.entities, lambda: loaded.layers, lambda: len(loaded)),
+        *(loaded.walk, loaded.points, loaded.contours, lambda: list(loaded)),
+    ):
+        with pytest.raises(ReadError, match=r"a binary drawing.*path\(\)"):
+            use()
 
 
 def test_what_is_left_out_is_told():
