@@ -5,8 +5,11 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <algorithm>
+#include <fstream>
+#include <thread>
 
 namespace {
 
@@ -105,6 +108,16 @@ TEST_F(CloudconvPath, FailsWhenNothingIsLeftButNotOfAnEmptyDrawing) {
     expectFailure(file, in("out.ply"),
                   file.string() + ": nothing is left to follow; left out: 1 TEXT (annotation)");
     EXPECT_THAT(converted(drawing({}), ".ply"), HasSubstr("element vertex 0\n"));
+}
+
+TEST_F(CloudconvPath, ReadsANamedPipe) {
+    const fs::path file = drawingFile(inMillimetres(line(0, 0, 1, 0)));
+    const std::string pipe = in("pipe.dxf");
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    std::thread writer([&] { std::ofstream(pipe) << readFile(file); });
+    EXPECT_EQ(run({pipe, in("out.xyz")}).status, 0);
+    writer.join();
+    EXPECT_EQ(readFile(in("out.xyz")), "0 0 0 1\n1 0 0 1\n");
 }
 
 TEST_F(CloudconvPath, ReplacesItsInputOnlyWhenForced) {

@@ -639,6 +639,21 @@ TEST_F(CloudconvPreview, OfHostileFilesIsAPictureOrAFailure) {
     EXPECT_GT(pictures, 5);
 }
 
+TEST_F(CloudconvPreview, ReplacesItsInputOnlyWhenForced) {
+    const std::string bytes = drawing(line(0, 0, 10, 0));
+    const fs::path file = drawingFile(bytes);
+    fs::create_symlink(file, in("link.dxf"));
+    for (const fs::path& name : {file, in("link.dxf")}) {
+        const ProgramResult refused = run({"preview", file, name, "--to=svg"});
+        EXPECT_EQ(refused.status, 2);
+        EXPECT_THAT(refused.errors,
+                    HasSubstr(name.string() + " is the input; --force replaces it"));
+        EXPECT_EQ(readFile(file), bytes);
+    }
+    EXPECT_EQ(run({"preview", file, file, "--to=svg", "--force"}).status, 0);
+    EXPECT_THAT(readFile(file), StartsWith("<?xml"));
+}
+
 TEST_F(CloudconvPreview, OfWrongUsageIsStatus2AndTouchesNothing) {
     const std::string file = drawingFile(drawing(line(0, 0, 10, 0)));
     const std::string picture = in("a.png");

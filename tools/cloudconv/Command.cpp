@@ -44,6 +44,10 @@ void addDistanceOption(CLI::App& command, double& distance) {
         ->check(numberBetween(converters::defaultJoinDistance, std::numeric_limits<double>::max()));
 }
 
+void addForceFlag(CLI::App& command, bool& force) {
+    command.add_flag("--force", force, "replace the input itself")->disable_flag_override();
+}
+
 void addQuietFlag(CLI::App& command, bool& quiet) {
     command.add_flag("-q,--quiet", quiet, "say nothing but failures")->disable_flag_override();
 }

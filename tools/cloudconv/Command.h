@@ -37,5 +37,8 @@ CLI::Validator numberBetween(double least, double most);
 /// Adds --distance: which ends are near misses.
 void addDistanceOption(CLI::App& command, double& distance);
 
+/// Adds --force: that the output may be the input.
+void addForceFlag(CLI::App& command, bool& force);
+
 /// Adds --quiet.
 void addQuietFlag(CLI::App& command, bool& quiet);

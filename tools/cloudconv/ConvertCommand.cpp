@@ -81,7 +81,7 @@ void addOutputOptions(CLI::App& command, ConvertOptions& options) {
     command.add_option("--intensity", options.intensity, "give every point this intensity")
         ->check(
             numberBetween(std::numeric_limits<float>::lowest(), std::numeric_limits<float>::max()));
-    command.add_flag("--force", options.force, "replace the input itself")->disable_flag_override();
+    addForceFlag(command, options.force);
 }
 
 /// The first option of scans that was given; empty when none was.

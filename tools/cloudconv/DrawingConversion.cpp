@@ -11,7 +11,6 @@
 #include "tools/cloudconv/PathFile.h"
 #include "tools/cloudconv/PointOutput.h"
 #include "tools/cloudconv/Progress.h"
-#include "tools/cloudconv/UsageError.h"
 #include "tools/cloudconv/Wording.h"
 
 #include <algorithm>
@@ -163,11 +162,10 @@ void convertDrawing(const ConvertOptions& options, FileFormat to) {
     const std::string name = inputName(options.input);
     Progress progress(options.quiet);
     Notes notes(name);
-    if (InputFile(options.input).isAlso(options.output) && !options.force) {
-        throw UsageError(options.output + " is the input; --force replaces it");
-    }
+    const InputFile input(options.input);
+    checkReplacement(input, options.output, options.force);
     const DrawingPath path =
-        readPathFile(name, readInputFile(options.input, progress), options.path, progress);
+        readPathFile(name, readInputFile(input, progress), options.path, progress);
     if (path.contours.empty() && !path.leftOut.empty()) {
         throw FileError(name, "nothing is left to follow; left out: " + leftOutText(path.leftOut));
     }

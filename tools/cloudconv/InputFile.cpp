@@ -2,6 +2,7 @@
 
 #include "tools/cloudconv/FileError.h"
 #include "tools/cloudconv/Progress.h"
+#include "tools/cloudconv/UsageError.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -54,13 +55,12 @@ std::string inputName(const std::string& path) {
     return path == "-" ? "standard input" : path;
 }
 
-std::vector<unsigned char> readInputFile(const std::string& path, Progress& progress) {
+std::vector<unsigned char> readInputFile(const InputFile& file, Progress& progress) {
     constexpr std::size_t leastRoom = 65536;
     /// So that progress shows.
     constexpr std::size_t mostAtOnce = std::size_t{16} << 20;
-    const InputFile file(path);
     const std::size_t expected = file.expectedSize();
-    progress.begin("reading " + inputName(path), expected);
+    progress.begin("reading " + file.name(), expected);
     // One byte more than expected, so that the end is found without growing.
     std::vector<unsigned char> bytes(expected + 1);
     std::size_t size = 0;
@@ -74,4 +74,14 @@ std::vector<unsigned char> readInputFile(const std::string& path, Progress& prog
     }
     bytes.resize(size);
     return bytes;
+}
+
+std::vector<unsigned char> readInputFile(const std::string& path, Progress& progress) {
+    return readInputFile(InputFile(path), progress);
+}
+
+void checkReplacement(const InputFile& input, const std::string& output, bool force) {
+    if (!force && input.isAlso(output)) {
+        throw UsageError(output + " is the input; --force replaces it");
+    }
 }

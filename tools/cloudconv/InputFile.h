@@ -19,6 +19,9 @@ public:
     InputFile(const InputFile&) = delete;
     InputFile& operator=(const InputFile&) = delete;
 
+    /// For messages.
+    const std::string& name() const { return m_name; }
+
     /// The size of a regular file; 0 for others.
     std::size_t expectedSize() const;
 
@@ -37,7 +40,15 @@ private:
 
 /// Reads a whole file, or what a pipe or device gives until its end.
 ///
-/// @param path      "-" is standard input
 /// @param progress  told that this is done, and how far it is
 /// @throws FileError with the system's reason when that fails
+std::vector<unsigned char> readInputFile(const InputFile& file, Progress& progress);
+
+/// Opens and reads a file.
+///
+/// @param path  "-" is standard input
 std::vector<unsigned char> readInputFile(const std::string& path, Progress& progress);
+
+/// @param force  whether an output may be the input
+/// @throws UsageError when it is, by its name or another, and may not
+void checkReplacement(const InputFile& input, const std::string& output, bool force);

@@ -20,9 +20,11 @@ void preview(const PreviewOptions& options) {
     Progress progress(options.quiet);
     PreviewReport report = {inputName(options.input), titleOf(options.input), progress,
                             Notes(inputName(options.input))};
+    const InputFile input(options.input);
+    checkReplacement(input, options.output, options.force);
     const auto draw = from == FileFormat::Ply ? previewOfScan : previewOfDrawing;
-    writeOutputFile(options.output,
-                    draw(readInputFile(options.input, progress), options, to, report), progress);
+    writeOutputFile(options.output, draw(readInputFile(input, progress), options, to, report),
+                    progress);
     progress.end();
     if (!options.quiet) {
         report.notes.print();

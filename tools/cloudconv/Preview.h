@@ -39,6 +39,8 @@ struct PreviewOptions {
     /// Points that a page shows at most.
     std::optional<std::size_t> pagePoints;
 
+    /// The output may be the input.
+    bool force = false;
     /// Nothing on standard error but failures.
     bool quiet = false;
 };

@@ -129,6 +129,7 @@ void addPreviewCommand(CLI::App& app, Command& chosen) {
     command.add_option("--to", options->to, "format of PICTURE: png, svg, pdf or html")
         ->type_name("FORMAT")
         ->transform(known);
+    addForceFlag(command, options->force);
     addQuietFlag(command, options->quiet);
     command.callback([options, &command, &chosen] {
         options->pathOption = givenPathOption(command);

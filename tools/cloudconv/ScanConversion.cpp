@@ -8,7 +8,6 @@
 #include "tools/cloudconv/OutputFile.h"
 #include "tools/cloudconv/PointOutput.h"
 #include "tools/cloudconv/Progress.h"
-#include "tools/cloudconv/UsageError.h"
 #include "tools/cloudconv/Wording.h"
 
 #include <algorithm>
@@ -38,9 +37,7 @@ public:
     Conversion(const ConvertOptions& options, FileFormat to)
         : m_options(options), m_to(to), m_name(inputName(options.input)), m_input(options.input),
           m_progress(options.quiet), m_notes(m_name), m_reader(source(), readOptions(), size()) {
-        if (m_input.isAlso(options.output) && !options.force) {
-            throw UsageError(options.output + " is the input; --force replaces it");
-        }
+        checkReplacement(m_input, options.output, options.force);
         check(m_reader.open());
     }
 
