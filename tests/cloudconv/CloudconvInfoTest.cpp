@@ -88,6 +88,23 @@ TEST_F(CloudconvInfo, TellsWhatIsLeftOutAndWhichLayersAreHidden) {
     EXPECT_EQ(info["entities"]["LINE"], 2);
 }
 
+TEST_F(CloudconvInfo, SumsUpWhatIsLeftOutOfManyLayers) {
+    std::string entities = line(0, 0, 1, 0);
+    for (int i = 0; i < 20; ++i) {
+        entities += dxf("0 TEXT  8 L" + std::to_string(i) + "  1 a");
+    }
+    fs::path file = drawingFile(drawing(entities));
+    EXPECT_THAT(run({"info", file}).output,
+                HasSubstr("  - kind TEXT, layer L19, number 1, reason annotation\npoints"));
+    entities += dxf("0 MTEXT  8 L0  1 a") + dxf("0 TEXT  8 M  1 a") + dxf("0 TEXT  8 M  1 a");
+    file = drawingFile(drawing(entities));
+    EXPECT_THAT(run({"info", file}).output,
+                HasSubstr("\nleft out:\n"
+                          "  - kind TEXT, layers 21, number 22, reason annotation\n"
+                          "  - kind MTEXT, layers 1, number 1, reason annotation\npoints"));
+    EXPECT_EQ(infoOf(file)["left_out"].size(), 22U);
+}
+
 TEST_F(CloudconvInfo, MeasuresInTheUnitThatIsAskedFor) {
     const Json info = infoOf(drawingFile(inMillimetres(line(0, 0, 50, 0))), {"--unit", "cm"});
     EXPECT_EQ(info["unit_of_path"], "cm");

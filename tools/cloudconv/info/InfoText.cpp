@@ -6,6 +6,8 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <map>
+#include <utility>
 
 namespace {
 
@@ -47,8 +49,31 @@ std::string rowText(const Json& row) {
     return text.empty() ? "none" : text;
 }
 
+/// Lists that are longer are cut.
+constexpr std::size_t mostRows = 20;
+
+/// The entities that are left out, counted by kind and reason, with the number of their layers.
+Json summedUp(const Json& leftOut) {
+    Json sums = Json::array();
+    std::map<std::pair<std::string, std::string>, std::size_t> indices;
+    for (const Json& part : leftOut) {
+        const auto [known, isNew] = indices.emplace(
+            std::pair(part["kind"].get<std::string>(), part["reason"].get<std::string>()),
+            sums.size());
+        if (isNew) {
+            sums.push_back({{"kind", part["kind"]},
+                            {"layers", 0U},
+                            {"number", std::uint64_t(0)},
+                            {"reason", part["reason"]}});
+        }
+        Json& sum = sums[known->second];
+        sum["layers"] = sum["layers"].get<std::size_t>() + 1;
+        sum["number"] = sum["number"].get<std::uint64_t>() + part["number"].get<std::uint64_t>();
+    }
+    return sums;
+}
+
 void appendText(const Json& value, const std::string& indent, std::string& text) {
-    constexpr std::size_t mostRows = 20;
     std::size_t rows = 0;
     for (const auto& [key, part] : value.items()) {
         const std::string start = indent + (value.is_object() ? keyText(key) + ":" : "-");
@@ -77,6 +102,13 @@ void appendText(const Json& value, const std::string& indent, std::string& text)
 
 std::string asText(const nlohmann::ordered_json& description) {
     std::string text;
-    appendText(description, "", text);
+    const auto leftOut = description.find("left_out");
+    if (leftOut == description.end() || leftOut->size() <= mostRows) {
+        appendText(description, "", text);
+    } else {
+        Json shorter = description;
+        shorter["left_out"] = summedUp(*leftOut);
+        appendText(shorter, "", text);
+    }
     return text;
 }
