@@ -16,6 +16,7 @@
 #include <pcl/point_types.h>
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <sstream>
 #include <string>
@@ -296,7 +297,18 @@ public:
     /// @return false, after a message, when the file is refused
     /// @throws what ReadHeader throws
     template <typename PointT>
-    bool DeserializePlyT(const std::vector<unsigned char>& data, pcl::PointCloud<PointT>& output);
+    bool DeserializePlyT(const std::vector<unsigned char>& data, pcl::PointCloud<PointT>& output) {
+        return DeserializePlyT(data, output, {});
+    }
+
+    /// The same, and tells how far it is.
+    ///
+    /// @param progress  called with the part of the points that is made, 0 to 1, once for some
+    ///                  hundred of them; may be empty. What it throws leaves this function, with
+    ///                  `output` untouched.
+    template <typename PointT>
+    bool DeserializePlyT(const std::vector<unsigned char>& data, pcl::PointCloud<PointT>& output,
+                         const std::function<void(double)>& progress);
 
     /// Why ReadHeader, ReadData or DeserializePlyT, whichever was called last, returned false; no
     /// reason when it returned true. Valid until the next call.
@@ -338,7 +350,8 @@ private:
     CONVERTERS_HIDDEN bool ParseValue(std::uint8_t type, converters::detail::PlyAsciiLine& line);
     CONVERTERS_HIDDEN void Store(const unsigned char* value, std::size_t size);
     template <typename PointT>
-    auto MakePoints(const unsigned char* body, std::string_view text) const;
+    auto MakePoints(const unsigned char* body, std::string_view text,
+                    const std::function<void(double)>& progress) const;
 
     std::uint64_t BlockSize() const { return cloud->point_step * vertexCount; }
 
@@ -350,7 +363,8 @@ private:
 
 template <typename PointT>
 bool PLYDeserializer::DeserializePlyT(const std::vector<unsigned char>& data,
-                                      pcl::PointCloud<PointT>& output) {
+                                      pcl::PointCloud<PointT>& output,
+                                      const std::function<void(double)>& progress) {
     m_refusal = {};
     if (data.empty()) {
         m_refusal.reason = "the file is empty";
@@ -371,7 +385,7 @@ bool PLYDeserializer::DeserializePlyT(const std::vector<unsigned char>& data,
         return Fail("Reading Data Failed!");
     }
     cloud->row_step = cloud->point_step * cloud->width;
-    auto points = MakePoints<PointT>(data.data() + bodyStart, text);
+    auto points = MakePoints<PointT>(data.data() + bodyStart, text, progress);
     output.header = cloud->header;
     output.width = cloud->width;
     output.height = cloud->height;
@@ -383,20 +397,30 @@ bool PLYDeserializer::DeserializePlyT(const std::vector<unsigned char>& data,
 /// The points that conversion by pcl::fromPCLPointCloud2 would give; PassBody has accepted the
 /// body. row_step plays no part: records follow one another without gaps.
 template <typename PointT>
-auto PLYDeserializer::MakePoints(const unsigned char* body, std::string_view text) const {
+auto PLYDeserializer::MakePoints(const unsigned char* body, std::string_view text,
+                                 const std::function<void(double)>& progress) const {
     using namespace converters::detail;
     pcl::MsgFieldMap mapping;
     pcl::createMapping<PointT>(cloud->fields, mapping);
     const std::size_t count = std::size_t{cloud->width} * cloud->height;
     const std::size_t recordSize = cloud->point_step;
+    std::size_t made = 0;
+    const auto tell = [&](std::size_t size) {
+        if (progress) {
+            progress(static_cast<double>(made) / static_cast<double>(count));
+        }
+        made += size;
+    };
     if (format != PlyFormat::Ascii) {
         return makePoints<PointT>(count, recordSize, mapping, [&](std::size_t size) {
+            tell(size);
             return std::exchange(body, body + size * recordSize);
         });
     }
     PlyAsciiBody lines(cloud->fields, text);
     std::vector<unsigned char> records(recordSize * std::min(count, pointsPerBlock));
     return makePoints<PointT>(count, recordSize, mapping, [&](std::size_t size) {
+        tell(size);
         lines.read(records.data(), size);
         return static_cast<const unsigned char*>(records.data());
     });

@@ -91,29 +91,36 @@ void DXFDocument::setup() {
 }
 
 std::vector<cv::Point3_<double>> DXFDocument::getPoints() const {
-    return walk(nullptr, nullptr);
+    return walk(nullptr, nullptr, {});
 }
 
 std::vector<cv::Point3_<double>> DXFDocument::getPoints(std::vector<DXFContour>& contours) const {
     contours.clear();
-    return walk(&contours, nullptr);
+    return walk(&contours, nullptr, {});
 }
 
-std::vector<cv::Point3_<double>> DXFDocument::getPoints(std::vector<DXFContour>& contours,
-                                                        std::vector<DXFPiece>& pieces) const {
+std::vector<cv::Point3_<double>>
+DXFDocument::getPoints(std::vector<DXFContour>& contours, std::vector<DXFPiece>& pieces,
+                       const std::function<void(double)>& progress) const {
     contours.clear();
     pieces.clear();
-    return walk(&contours, &pieces);
+    return walk(&contours, &pieces, progress);
 }
 
-std::vector<cv::Point3_<double>> DXFDocument::walk(std::vector<DXFContour>* contours,
-                                                   std::vector<DXFPiece>* pieces) const {
+std::vector<cv::Point3_<double>>
+DXFDocument::walk(std::vector<DXFContour>* contours, std::vector<DXFPiece>* pieces,
+                  const std::function<void(double)>& progress) const {
+    // What the stages take of a drawing of lines.
+    constexpr double sampled = 0.2;
+    constexpr double stitched = 0.7;
     const dxfeditor::Entities& entities = m_entities->slots();
-    dxfeditor::Runs drawing = dxfeditor::runsOf(entities);
+    dxfeditor::Runs drawing = dxfeditor::runsOf(entities, {progress, 0.0, sampled});
     std::vector<cv::Point3_<double>> points = dxfeditor::roomFor(drawing.runs, entities);
     // A statement of its own: at its end the ends are freed, before the points are written.
     const base::Walk order =
-        base::stitch(std::move(drawing.ends), base::JoinDistance(dxfeditor::joinDistance));
-    dxfeditor::append(order, drawing.runs, entities, points, contours, pieces);
+        base::stitch(std::move(drawing.ends), base::JoinDistance(dxfeditor::joinDistance),
+                     {progress, sampled, stitched});
+    dxfeditor::append(order, drawing.runs, entities, points, contours, pieces,
+                      {progress, stitched, 1.0});
     return points;
 }

@@ -9,6 +9,7 @@
 
 #include <opencv2/core/types.hpp>
 
+#include <functional>
 #include <list>
 #include <map>
 #include <memory>
@@ -102,13 +103,17 @@ public:
     ///                  order of the walk. They follow one another without gaps and cover it. In
     ///                  the example above there are two: 11 points of the second line, then 10 of
     ///                  the first.
+    /// @param progress  called with the part of the work that is done, 0 to 1, some hundred times;
+    ///                  may be empty. What it throws leaves this function.
     /// @throws std::bad_alloc as above; `contours` and `pieces` are then incomplete
-    std::vector<cv::Point3_<double>> getPoints(std::vector<DXFContour>& contours,
-                                               std::vector<DXFPiece>& pieces) const;
+    std::vector<cv::Point3_<double>>
+    getPoints(std::vector<DXFContour>& contours, std::vector<DXFPiece>& pieces,
+              const std::function<void(double)>& progress = {}) const;
 
 private:
-    DXFEDITOR_HIDDEN std::vector<cv::Point3_<double>> walk(std::vector<DXFContour>* contours,
-                                                           std::vector<DXFPiece>* pieces) const;
+    DXFEDITOR_HIDDEN std::vector<cv::Point3_<double>>
+    walk(std::vector<DXFContour>* contours, std::vector<DXFPiece>* pieces,
+         const std::function<void(double)>& progress) const;
 
     std::list<std::shared_ptr<DXFLayer>> m_layers;
     std::list<std::shared_ptr<DXFLineType>> m_lineTypes;

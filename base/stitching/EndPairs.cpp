@@ -250,14 +250,16 @@ struct Batch {
 ///       3     32 - 63    96 - 127   64 - 95
 ///
 /// The batch that was added has room for the next ends to locate.
-void addAll(const RankedEnds& ends, EndGrid& grid) {
+void addAll(const RankedEnds& ends, EndGrid& grid, StageProgress progress) {
     Batch batches[3];
     Batch* located = &batches[0];
     Batch* fetched = &batches[1];
     Batch* added = &batches[2];
     // Two rounds more than there are batches, until the last one has been added.
     const std::size_t behind = ends.size() + 2 * Batch::mostEnds;
+    progress.begin(behind);
     for (std::size_t begin = 0; begin < behind; begin += Batch::mostEnds) {
+        progress.reached(begin);
         added->add(grid);
         located->locate(ends, begin, grid);
         fetched->fetch(grid);
@@ -271,9 +273,9 @@ void addAll(const RankedEnds& ends, EndGrid& grid) {
 } // namespace
 
 std::vector<EndOrCrowd> pairEnds(const RankedEnds& ends, const SpatialIndex& index,
-                                 const JoinDistance& distance) {
+                                 const JoinDistance& distance, StageProgress progress) {
     EndGrid grid(ends, index, distance);
-    addAll(ends, grid);
+    addAll(ends, grid, progress);
     return std::move(grid).met();
 }
 

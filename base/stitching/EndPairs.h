@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/StageProgress.h"
 #include "base/stitching/RankedEnds.h"
 #include "base/stitching/RunEnds.h"
 #include "base/stitching/SpatialIndex.h"
@@ -23,8 +24,9 @@ namespace base {
 /// Equal ends of one run, as of a run of one point, are no different: what they meet is a crowd,
 /// else they are a pair.
 ///
+/// @param progress  told of each end
 /// @return by RankedEnd::index(); crowds have no indices yet
 std::vector<EndOrCrowd> pairEnds(const RankedEnds& ends, const SpatialIndex& index,
-                                 const JoinDistance& distance);
+                                 const JoinDistance& distance, StageProgress progress = {});
 
 } // namespace base

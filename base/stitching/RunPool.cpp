@@ -38,11 +38,13 @@ std::vector<RunRank> ranksOf(const std::vector<RunNumber>& numbers) {
 
 } // namespace
 
-RunPool::RunPool(const EndPoints& ends, const JoinDistance& distance)
-    : RunPool(ends, SpatialIndex(checked(ends), distance), distance) {}
+RunPool::RunPool(const EndPoints& ends, const JoinDistance& distance, StageProgress progress)
+    : RunPool(ends, SpatialIndex(checked(ends), distance), distance, progress) {}
 
-RunPool::RunPool(const EndPoints& ends, const SpatialIndex& index, const JoinDistance& distance)
-    : m_numbers(index.runs()), m_met(pairEnds(RankedEnds(ends, m_numbers), index, distance)),
+RunPool::RunPool(const EndPoints& ends, const SpatialIndex& index, const JoinDistance& distance,
+                 StageProgress progress)
+    : m_numbers(index.runs()),
+      m_met(pairEnds(RankedEnds(ends, m_numbers), index, distance, progress)),
       m_ranks(ranksOf(m_numbers)), m_isRemoved(m_numbers.size()),
       m_crowd(treeOf(RankedEnds(ends, m_numbers), distance)) {
     const RankedEnds ranked(ends, m_numbers);

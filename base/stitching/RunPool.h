@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/StageProgress.h"
 #include "base/stitching/EndPairs.h"
 #include "base/stitching/EndPoints.h"
 #include "base/stitching/RankedEnds.h"
@@ -13,8 +14,9 @@ namespace base {
 /// The runs that are still to be stitched, searched by their ends. Begins with all runs.
 class RunPool {
 public:
-    /// @param ends  the ends of all runs
-    RunPool(const EndPoints& ends, const JoinDistance& distance);
+    /// @param ends      the ends of all runs
+    /// @param progress  told of each end that has been compared with the others
+    RunPool(const EndPoints& ends, const JoinDistance& distance, StageProgress progress = {});
 
     RunNumber numberOf(RunRank run) const { return m_numbers[indexOf(run)]; }
     RunRank rankOf(RunNumber run) const { return m_ranks[run]; }
@@ -41,7 +43,8 @@ public:
     RankedEnd lowestAt(RankedEnd end) const;
 
 private:
-    RunPool(const EndPoints& ends, const SpatialIndex& index, const JoinDistance& distance);
+    RunPool(const EndPoints& ends, const SpatialIndex& index, const JoinDistance& distance,
+            StageProgress progress);
     RunEndTree treeOf(const RankedEnds& ends, const JoinDistance& distance) const;
 
     static std::size_t indexOf(RunRank run) { return static_cast<std::size_t>(run); }

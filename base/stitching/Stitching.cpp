@@ -37,16 +37,25 @@ struct Tip {
 
 /// Builds a walk, chain by chain.
 class Stitcher {
+    /// What it takes to find which ends meet, of all.
+    static constexpr double found = 0.6;
+
 public:
-    Stitcher(EndPoints ends, const JoinDistance& distance)
-        : m_ends(std::move(ends)), m_pool(m_ends, distance) {
+    Stitcher(EndPoints ends, const JoinDistance& distance, StageProgress progress)
+        : m_ends(std::move(ends)), m_pool(m_ends, distance, progress.part(0.0, found)),
+          m_progress(progress.part(found, 1.0)) {
         reserveLarge(m_walk, m_ends.size());
+        m_progress.begin(m_ends.size());
     }
 
     Walk walk() &&;
 
 private:
     void addChain(RunRank start);
+    void take(RunRank run) {
+        m_pool.remove(run);
+        m_progress.reached(++m_taken);
+    }
     void join(RunRank joined);
     void extend(Tip& tip, const Piece& piece, RankedEnd joined, RankedEnd other);
     void finishChain(RunRank start);
@@ -60,6 +69,9 @@ private:
     Walk m_walk;
     Tip m_front;
     Tip m_back;
+    StageProgress m_progress;
+    /// Runs that are no longer in the pool.
+    std::size_t m_taken = 0;
 };
 
 Walk Stitcher::walk() && {
@@ -76,7 +88,7 @@ Walk Stitcher::walk() && {
 void Stitcher::addChain(RunRank start) {
     m_front.end = RankedEnd::first(start);
     m_back.end = RankedEnd::last(start);
-    m_pool.remove(start);
+    take(start);
     search(m_front);
     search(m_back);
     for (;;) {
@@ -94,7 +106,7 @@ void Stitcher::join(RunRank joined) {
     const RankedEnd first = RankedEnd::first(joined);
     const RankedEnd last = RankedEnd::last(joined);
     const RunNumber run = m_pool.numberOf(joined);
-    m_pool.remove(joined);
+    take(joined);
     if (m_pool.meet(m_back.end, first)) {
         extend(m_back, {run, Direction::Forwards, Dropped::First, false, false}, first, last);
     } else if (m_pool.meet(m_back.end, last)) {
@@ -133,8 +145,8 @@ void Stitcher::finishChain(RunRank start) {
 
 } // namespace
 
-Walk stitch(EndPoints ends, const JoinDistance& distance) {
-    return Stitcher(std::move(ends), distance).walk();
+Walk stitch(EndPoints ends, const JoinDistance& distance, StageProgress progress) {
+    return Stitcher(std::move(ends), distance, progress).walk();
 }
 
 } // namespace base

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/StageProgress.h"
 #include "base/stitching/EndPoints.h"
 #include "base/stitching/RunEnds.h"
 
@@ -52,6 +53,7 @@ using Walk = std::vector<Piece>;
 ///
 /// @param ends      the first and the last point of each run; freed when the walk is known
 /// @param distance  ends closer than this are one point
-Walk stitch(EndPoints ends, const JoinDistance& distance);
+/// @param progress  told of each end whose neighbours are found, and of each run that has its place
+Walk stitch(EndPoints ends, const JoinDistance& distance, StageProgress progress = {});
 
 } // namespace base

@@ -64,13 +64,10 @@ DxfContents readDxf(const std::string& path, const std::vector<unsigned char>& b
             throw FileError(path, reason);
         }
     }
-    constexpr std::size_t steps = 3;
-    progress.begin("walking " + path, steps);
+    const auto walked = progress.beginParts("walking " + path);
     contents.cutOff = whatIsCutOff(std::string_view(text, bytes.size()));
-    progress.step();
     contents.document->setup();
-    progress.step();
-    contents.points = contents.document->getPoints(contents.contours, contents.pieces);
+    contents.points = contents.document->getPoints(contents.contours, contents.pieces, walked);
     return contents;
 }
 

@@ -34,16 +34,18 @@ std::string listed(const std::vector<std::string>& names) {
     return list;
 }
 
-/// Reading a scan is one step, or making a cloud of a drawing, and making the file another.
-void beginConverting(Report& report) {
-    constexpr std::size_t steps = 2;
-    report.progress.begin("converting " + report.input, steps);
+/// What reading a scan takes of converting it; making the file is the rest.
+constexpr double readingShare = 0.6;
+
+/// @return called with the part that is done, 0 to 1
+std::function<bool(double)> beginConverting(Report& report) {
+    return report.progress.beginParts("converting " + report.input);
 }
 
 PlyContents readScan(const std::vector<unsigned char>& bytes, Report& report) {
-    beginConverting(report);
-    PlyContents contents = readPly(report.input, bytes);
-    report.progress.step();
+    const auto progress = beginConverting(report);
+    PlyContents contents =
+        readPly(report.input, bytes, [&](double done) { progress(readingShare * done); });
     if (contents.cloud.points.empty()) {
         report.notes.add("the file declares no points, nor does " + report.output);
     }
@@ -159,10 +161,10 @@ std::vector<unsigned char> scanToDxf(const std::vector<unsigned char>& bytes,
 std::vector<unsigned char> drawingToPly(const std::vector<unsigned char>& bytes,
                                         const ConvertOptions& options, Report& report) {
     const DxfContents contents = readDrawing(bytes, report);
-    beginConverting(report);
+    const auto progress = beginConverting(report);
     Cloud cloud = cloudOf(contents);
     tellWhatRoundingCosts(contents.points, cloud, report);
-    report.progress.step();
+    progress(readingShare);
     return plyOf(std::move(cloud), options);
 }
 

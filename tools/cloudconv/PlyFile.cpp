@@ -31,10 +31,10 @@ bool isFloat(const std::vector<pcl::PCLPointField>& fields, const std::string& n
 }
 
 bool readInto(PLYDeserializer& reader, const std::vector<unsigned char>& bytes,
-              pcl::PointCloud<pcl::PointXYZI>& cloud) {
+              pcl::PointCloud<pcl::PointXYZI>& cloud, const std::function<void(double)>& progress) {
     // Its warnings of missing fields say less than ours.
     pcl::console::setVerbosityLevel(pcl::console::L_ERROR);
-    return reader.DeserializePlyT(bytes, cloud);
+    return reader.DeserializePlyT(bytes, cloud, progress);
 }
 
 void checkFields(const std::string& path, const std::vector<pcl::PCLPointField>& fields,
@@ -55,14 +55,15 @@ void checkFields(const std::string& path, const std::vector<pcl::PCLPointField>&
 
 } // namespace
 
-PlyContents readPly(const std::string& path, const std::vector<unsigned char>& bytes) {
+PlyContents readPly(const std::string& path, const std::vector<unsigned char>& bytes,
+                    const std::function<void(double)>& progress) {
     if (bytes.empty()) {
         throw FileError(path, "the file is empty");
     }
     PlyContents contents;
     PLYDeserializer reader;
     try {
-        if (!readInto(reader, bytes, contents.cloud)) {
+        if (!readInto(reader, bytes, contents.cloud, progress)) {
             throw FileError(path, reader.refusal().messages.front());
         }
     } catch (const std::logic_error&) {

@@ -4,6 +4,7 @@
 #include <pcl/point_types.h>
 
 #include <cmath>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -28,9 +29,11 @@ inline bool hasPlace(const pcl::PointXYZI& point) {
 /// is empty only when it is a PLY file and declares so; and one whose x, y or z is missing or not
 /// of type float is refused, where the library would leave the coordinate 0.
 ///
-/// @param path  the file's name, for messages
+/// @param path      the file's name, for messages
+/// @param progress  called with the part that is done, 0 to 1
 /// @throws FileError for an empty file, and with what the library logs of any other
-PlyContents readPly(const std::string& path, const std::vector<unsigned char>& bytes);
+PlyContents readPly(const std::string& path, const std::vector<unsigned char>& bytes,
+                    const std::function<void(double)>& progress);
 
 /// Makes a PLY file. A cloud without points gives a header that declares the same properties as
 /// any other and no vertices.

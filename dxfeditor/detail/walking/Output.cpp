@@ -41,7 +41,8 @@ std::vector<Point> roomFor(const std::vector<Run>& runs, const Entities& entitie
 
 void append(const base::Walk& walk, const std::vector<Run>& runs, const Entities& entities,
             std::vector<Point>& points, std::vector<DXFContour>* contours,
-            std::vector<DXFPiece>* pieces) {
+            std::vector<DXFPiece>* pieces, base::StageProgress progress) {
+    progress.begin(points.capacity());
     std::size_t start = points.size();
     std::size_t firstPiece = 0;
     if (pieces != nullptr) {
@@ -55,6 +56,7 @@ void append(const base::Walk& walk, const std::vector<Run>& runs, const Entities
         }
         const base::Piece& piece = walk[i];
         const std::size_t begin = points.size();
+        progress.reached(begin);
         runs[piece.run].appendTo(points, entities, piece.direction, piece.dropped);
         if (pieces != nullptr) {
             pieces->push_back({begin, points.size(), runs[piece.run].entity(),

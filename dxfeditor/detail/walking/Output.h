@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/StageProgress.h"
 #include "base/stitching/Stitching.h"
 #include "dxfeditor/DXFContour.h"
 #include "dxfeditor/DXFPiece.h"
@@ -18,8 +19,9 @@ std::vector<Run::Point> roomFor(const std::vector<Run>& runs, const Entities& en
 ///
 /// @param contours  receives one contour for each chain; may be null
 /// @param pieces    receives one piece for each run; may be null
+/// @param progress  told of the points of each run
 void append(const base::Walk& walk, const std::vector<Run>& runs, const Entities& entities,
             std::vector<Run::Point>& points, std::vector<DXFContour>* contours,
-            std::vector<DXFPiece>* pieces);
+            std::vector<DXFPiece>* pieces, base::StageProgress progress = {});
 
 } // namespace dxfeditor

@@ -380,14 +380,16 @@ void Run::appendTo(std::vector<Point>& points, const Entities& entities, Directi
     visitShape(entities, [&](const auto& shape) { appendPart(shape, count, part, points); });
 }
 
-Runs runsOf(const Entities& entities) {
+Runs runsOf(const Entities& entities, base::StageProgress progress) {
     if (entities.size() > base::maximumRuns) {
         throw std::bad_alloc();
     }
     Runs runs;
     base::reserveLarge(runs.runs, entities.size());
     runs.ends.reserve(entities.size());
+    progress.begin(entities.size());
     for (std::size_t i = 0; i < entities.size(); ++i) {
+        progress.reached(i);
         const auto add = [&](const auto& entity) {
             auto points = pointsOf(entity);
             const std::size_t size = points.size();

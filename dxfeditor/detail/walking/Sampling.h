@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/Prefetch.h"
+#include "base/StageProgress.h"
 #include "base/stitching/Stitching.h"
 #include "dxfeditor/DXFPolyline.h"
 #include "dxfeditor/detail/walking/Spaces.h"
@@ -104,7 +105,8 @@ struct Runs {
 
 /// An entity that is empty, that is of none of the known kinds or not of the class that its type
 /// code names, or that has no points gives no run.
+/// @param progress  told of each entity
 /// @throws std::bad_alloc when there are more entities than runs can be stitched
-Runs runsOf(const Entities& entities);
+Runs runsOf(const Entities& entities, base::StageProgress progress = {});
 
 } // namespace dxfeditor

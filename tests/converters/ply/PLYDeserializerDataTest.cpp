@@ -6,8 +6,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
+#include <stdexcept>
 
 namespace {
 
@@ -29,6 +31,41 @@ const LogMessage wrongSize =
 
 const LogMessage bigEndian =
     message(2, "ReadData", "Error parsing ply, Binary Big Endian not implemented\n");
+
+TEST(PLYDeserializerProgress, IsToldWhileThePointsAreMade) {
+    constexpr std::size_t count = 10'000;
+    std::string lines;
+    for (std::size_t i = 0; i < count; ++i) {
+        lines += std::to_string(i) + '\n';
+    }
+    const std::string header =
+        " 1.0\nelement vertex " + std::to_string(count) + "\nproperty float x\nend_header\n";
+    for (const std::vector<unsigned char>& data :
+         {bytesOf("ply\nformat ascii" + header + lines),
+          bytesOf("ply\nformat binary_little_endian" + header + std::string(4 * count, '\0'))}) {
+        std::vector<double> told;
+        PLYDeserializer reader;
+        pcl::PointCloud<pcl::PointXYZ> cloud;
+        pcl::PointCloud<pcl::PointXYZ> same;
+        ASSERT_TRUE(
+            reader.DeserializePlyT(data, cloud, [&told](double done) { told.push_back(done); }));
+        ASSERT_TRUE(reader.DeserializePlyT(data, same));
+        EXPECT_EQ(cloud.back().x, same.back().x);
+        EXPECT_EQ(cloud.size(), count);
+        EXPECT_TRUE(std::is_sorted(told.begin(), told.end()));
+        EXPECT_GT(told.size(), 20U);
+        EXPECT_EQ(told.front(), 0.0);
+        EXPECT_GT(told.back(), 0.95);
+        EXPECT_LE(told.back(), 1.0);
+        const auto stop = [](double done) {
+            if (done > 0.5) {
+                throw std::runtime_error("enough");
+            }
+        };
+        EXPECT_THROW(reader.DeserializePlyT(data, same, stop), std::runtime_error);
+        EXPECT_EQ(same.size(), count);
+    }
+}
 
 class PLYDeserializerData : public testing::Test {
 protected:

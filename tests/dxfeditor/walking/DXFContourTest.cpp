@@ -8,8 +8,10 @@
 #include "tests/support/PlainExtraction.h"
 #include "tests/support/SamePoints.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <limits>
 #include <memory>
 #include <random>
@@ -54,6 +56,48 @@ Pieces piecesOf(const DXFDocument& document) {
 
 void addLine(DXFDocument& document, double x1, double y1, double x2, double y2) {
     document.addEntity(std::make_shared<DXFLine>(Point(x1, y1, 0), Point(x2, y2, 0)));
+}
+
+/// What getPoints() tells of how far it is; expects that it gives the same.
+std::vector<double> progressOf(const DXFDocument& document) {
+    std::vector<double> told;
+    Contours contours;
+    Pieces pieces;
+    const auto tell = [&told](double done) { told.push_back(done); };
+    EXPECT_TRUE(samePoints(document.getPoints(contours, pieces, tell), document.getPoints()));
+    EXPECT_EQ(pieces, piecesOf(document));
+    return told;
+}
+
+void expectSteps(const std::vector<double>& told) {
+    EXPECT_TRUE(std::is_sorted(told.begin(), told.end()));
+    const auto isIn = [](double begin, double end) {
+        return [=](double done) { return begin <= done && done < end; };
+    };
+    for (int i = 0; i < 10; ++i) {
+        EXPECT_GT(std::count_if(told.begin(), told.end(), isIn(i / 10.0, (i + 1) / 10.0)), 5) << i;
+    }
+    EXPECT_LE(told.back(), 1.0);
+    EXPECT_LT(told.size(), 2000U);
+}
+
+TEST(DXFProgressTest, IsToldInSmallStepsHoweverRunsAreJoined) {
+    DXFDocument apart;
+    DXFDocument joined;
+    for (int i = 0; i < 10'000; ++i) {
+        addLine(apart, 2 * i, 0, 2 * i + 1, 0);
+        addLine(joined, i, 0, i + 1, 0);
+    }
+    expectSteps(progressOf(apart));
+    expectSteps(progressOf(joined));
+}
+
+TEST(DXFProgressTest, OfLittleStaysBetweenNothingAndAll) {
+    DXFDocument document;
+    progressOf(document);
+    addLine(document, 0, 0, 1, 0);
+    EXPECT_THAT(progressOf(document),
+                ::testing::Each(::testing::AllOf(::testing::Ge(0.0), ::testing::Le(1.0))));
 }
 
 TEST(DXFContourTest, AnEmptyDrawingHasNone) {

@@ -79,7 +79,7 @@ Json elementsOf(const PlyInventory& inventory) {
     return elements;
 }
 
-void describeCloud(const PlyContents& contents, Json& description) {
+void describeCloud(const PlyContents& contents, Json& description, Progress& progress) {
     CoordinateRanges bounds;
     Range intensity;
     std::size_t missing = 0;
@@ -87,6 +87,7 @@ void describeCloud(const PlyContents& contents, Json& description) {
         bounds.add(shortest(point.x), shortest(point.y), shortest(point.z));
         intensity.add(shortest(point.intensity));
         missing += hasPlace(point) ? 0 : 1;
+        progress.step();
     }
     const std::size_t points = contents.cloud.size();
     description["points"] = points;
@@ -101,8 +102,6 @@ void describeCloud(const PlyContents& contents, Json& description) {
 }
 
 Json describePly(const std::string& name, const Bytes& bytes, Progress& progress) {
-    constexpr std::size_t steps = 3;
-    progress.begin("describing " + name, steps);
     const PlyInventory inventory = plyInventoryOf(textOf(bytes));
     if (!inventory.isPly) {
         throw FileError(name, bytes.empty() ? "the file is empty" : "not a PLY file");
@@ -113,10 +112,10 @@ Json describePly(const std::string& name, const Bytes& bytes, Progress& progress
                         {"encoding", inventory.format.empty() ? Json() : Json(inventory.format)},
                         {"readable", true}};
     try {
-        progress.step();
-        const PlyContents contents = readPly(name, bytes);
-        progress.step();
-        describeCloud(contents, description);
+        const PlyContents contents =
+            readPly(name, bytes, progress.beginParts("reading points of " + name));
+        progress.begin("describing " + name, contents.cloud.size());
+        describeCloud(contents, description, progress);
     } catch (const FileError& error) {
         description["readable"] = false;
         description["reason"] = error.reason();

@@ -31,10 +31,8 @@ void checkOptions(const PreviewOptions& options, PictureFormat format) {
 }
 
 PreviewScan plainScanOf(const Bytes& bytes, PreviewReport& report) {
-    constexpr std::size_t steps = 2;
-    report.progress.begin("reading points of " + report.input, steps);
-    PlyContents contents = readPly(report.input, bytes);
-    report.progress.step();
+    PlyContents contents = readPly(report.input, bytes,
+                                   report.progress.beginParts("reading points of " + report.input));
     PreviewScan scan;
     scan.cloud = std::move(contents.cloud);
     scan.hasIntensity = contents.hasIntensity;
