@@ -4,7 +4,9 @@
 #
 # The fresh system is made once, by debootstrap, and kept as an archive in the folder CACHE. One of
 # this machine's kind serves both processors: packages of the other one are installed beside its
-# own and run under emulation. Exits with 77 where a fresh system cannot be made.
+# own and run under emulation. Those that cannot be installed beside its own, Python and development
+# files, are checked in a root of nothing but that processor's packages. Exits with 77 where a fresh
+# system cannot be made.
 set -euo pipefail
 architecture=$1 cache=$2 consumer=$3
 project=$(cd "$(dirname "$0")/../.." && pwd)
@@ -62,6 +64,37 @@ install() {
     --no-install-recommends "${@:2}" "$file"
 }
 
+# apt_alone ARGUMENT...: apt-get for a system that has nothing yet, and only packages of the other
+# processor.
+apt_alone() {
+  local state=$root/tmp/apt
+  mkdir -p "$state"/{etc/apt.conf.d,etc/preferences.d,lists/partial,cache/archives/partial}
+  touch "$state/status"
+  echo "deb $mirror bookworm main" >"$state/etc/sources.list"
+  cat >"$state/apt.conf" <<END
+APT::Architecture "$architecture";
+APT::Architectures { "$architecture"; };
+APT::Install-Recommends "false";
+Dir::State "$state";
+Dir::State::status "$state/status";
+Dir::Cache "$state/cache";
+Dir::Etc "$state/etc";
+Dir::Etc::trustedparts "/etc/apt/trusted.gpg.d";
+END
+  APT_CONFIG=$state/apt.conf quiet apt-get --yes "$@"
+}
+# unpack_alone ROOT PACKAGE...: unpacks packages, and all that they depend on, into such a system. No
+# script of theirs is run: nothing here could.
+unpack_alone() {
+  local file
+  apt_alone install --download-only "${@:2}"
+  mkdir -p "$1"/usr/{bin,lib,sbin}
+  ln -s usr/bin usr/lib usr/sbin "$1"
+  for file in "$root"/tmp/apt/cache/archives/*.deb "${@:2}"; do
+    dpkg-deb --fsys-tarfile "$file" | tar -C "$1" -x --keep-directory-symlink
+  done
+}
+
 "$project/scripts/package.sh" $([ "$architecture" = "$native" ] || echo --aarch64)
 cp "$project"/build/packages/*_"$architecture".deb "$root/tmp"
 quiet chroot "$root" apt-get update
@@ -80,9 +113,10 @@ printf '%s\n' ply 'format ascii 1.0' 'element vertex 3' 'property float x' 'prop
 "${in_root[@]}" "$at/usr/bin/cloudconv" "$at/tmp/binary.ply" "$at/tmp/text.ply" --ascii
 diff <(tail -n 3 "$root/tmp/scan.ply") <(tail -n 3 "$root/tmp/text.ply")
 [ -s "$root/usr/share/man/man1/cloudconv.1" ]
+"${in_root[@]}" "$at/usr/bin/cloudconv" preview "$at/tmp/scan.ply" "$at/tmp/page.html"
+grep -q '</html>' "$root/tmp/page.html"
 
-# The Python package: a scan there and back. Of the other processor, Python itself cannot be installed
-# beside this one's.
+# The Python package: a scan there and back.
 package=$(find "$root/tmp" -name 'python3-converters_*.deb')
 [ "$(dpkg-deb --field "$package" Architecture)" = "$architecture" ]
 version=$(dpkg-deb --field "$package" Version)
@@ -97,22 +131,33 @@ machine=$([ "$architecture" = arm64 ] && echo aarch64 || echo x86_64)
 file "$root/tmp/python/$modules/_native.cpython-311-$machine-linux-gnu.so" |
   grep -q "shared object, $([ "$architecture" = arm64 ] && echo 'ARM aarch64' || echo x86-64)"
 [ -s "$root/tmp/python/usr/share/doc/python3-converters/copyright" ]
-if [ "$architecture" = "$native" ]; then
-  install python3-converters
-  chroot "$root" python3 -c '
-import converters, importlib.metadata
-cloud = converters.read_scan("/tmp/scan.ply")
+there_and_back='
+import converters, importlib.metadata, platform, sys
+cloud = converters.read_scan(sys.argv[1])
 assert converters.from_ply(cloud.to_bytes()).xyz.shape == (3, 3)
 assert importlib.metadata.version("converters") == converters.__version__
-assert converters.__file__.startswith("/usr/lib/python3/"), converters.__file__
+assert converters.__file__.startswith(sys.argv[2] + "/usr/lib/python3/"), converters.__file__
+assert platform.machine() == sys.argv[3], platform.machine()
 '
+if [ "$architecture" = "$native" ]; then
+  install python3-converters
+  chroot "$root" python3 -c "$there_and_back" /tmp/scan.ply '' "$machine"
   [ -d "$root/$modules/__pycache__" ]
   quiet chroot "$root" apt-get remove -y python3-converters
   [ ! -e "$root/$modules" ]
 fi
 
-# Development files: that their dependencies can be met, the other processor's cannot be installed
-# beside this one's.
+# Development files: that their dependencies can be met. And of the other processor Python, which
+# cannot be installed beside this one's either.
 if [ "$architecture" = "$native" ]; then
   install libconverters-dev --simulate
+else
+  apt_alone update
+  apt_alone install --simulate "$root"/tmp/*_"$architecture".deb
+  alone=$root/tmp/alone
+  unpack_alone "$alone" "$root"/tmp/{libconverters1,cloudconv,python3-converters}_*.deb
+  # Where scripts of packages would have made links to.
+  libraries=$alone/usr/lib/aarch64-linux-gnu
+  qemu-aarch64 -L "$alone" -E "LD_LIBRARY_PATH=$libraries/blas:$libraries/lapack" \
+    "$alone/usr/bin/python3" -c "$there_and_back" "$root/tmp/scan.ply" "$alone" "$machine"
 fi
