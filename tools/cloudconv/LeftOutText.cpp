@@ -54,13 +54,33 @@ private:
     std::map<std::string, std::size_t> m_indices;
 };
 
-/// A group for each reason, and, if asked for, for each layer that is a reason.
-std::vector<Group> groupsOf(const std::vector<LeftOut>& leftOut, bool byLayer) {
+/// The reasons that are so many layers that naming each would hide the rest.
+std::set<LeftOutReason> reasonsOfManyLayers(const std::vector<LeftOut>& leftOut) {
+    constexpr std::size_t mostLayers = 5;
+    std::map<LeftOutReason, std::set<std::string>> layers;
+    std::set<LeftOutReason> reasons;
+    for (const LeftOut& entry : leftOut) {
+        if (isForItsLayer(entry.reason)) {
+            layers[entry.reason].insert(entry.layer);
+        }
+    }
+    for (const auto& [reason, names] : layers) {
+        if (names.size() > mostLayers) {
+            reasons.insert(reason);
+        }
+    }
+    return reasons;
+}
+
+/// A group for each reason, and for each layer that is one.
+std::vector<Group> groupsOf(const std::vector<LeftOut>& leftOut) {
+    const std::set<LeftOutReason> summedUp = reasonsOfManyLayers(leftOut);
     std::vector<Group> groups;
     std::map<std::pair<LeftOutReason, std::string>, std::size_t> indices;
     for (const LeftOut& entry : leftOut) {
-        const std::string layer = byLayer && isForItsLayer(entry.reason) ? entry.layer : "";
-        const auto [known, isNew] = indices.emplace(std::pair(entry.reason, layer), groups.size());
+        const bool isNamed = isForItsLayer(entry.reason) && summedUp.count(entry.reason) == 0;
+        const auto [known, isNew] = indices.emplace(
+            std::pair(entry.reason, isNamed ? entry.layer : std::string()), groups.size());
         if (isNew) {
             groups.emplace_back(entry.reason);
         }
@@ -72,13 +92,8 @@ std::vector<Group> groupsOf(const std::vector<LeftOut>& leftOut, bool byLayer) {
 } // namespace
 
 std::string leftOutText(const std::vector<LeftOut>& leftOut) {
-    constexpr std::size_t mostGroups = 20;
-    std::vector<Group> groups = groupsOf(leftOut, true);
-    if (groups.size() > mostGroups) {
-        groups = groupsOf(leftOut, false);
-    }
     std::string text;
-    for (const Group& group : groups) {
+    for (const Group& group : groupsOf(leftOut)) {
         text += (text.empty() ? "" : "; ") + group.text();
     }
     return text;
