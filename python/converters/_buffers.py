@@ -27,9 +27,11 @@ class Columns(NamedTuple):
 def columns(points: npt.ArrayLike, *, with_intensity: bool) -> Columns:
     """Views of the numbers in ``points``; only numbers that are no floats are converted.
 
-    :param points: a structured array with the fields x, y and z (and intensity), of one or two
+    :param points: a cloud; a structured array with the fields x, y and z (and intensity), of one or two
         dimensions; or numbers whose last axis holds x, y, z (and intensity)
     """
+    # Clouds have their records for here; as an array they would be coordinates alone.
+    points = getattr(points, "_xyzi", points)
     table = points if isinstance(points, np.ma.MaskedArray) else np.asarray(points)
     if table.dtype.names is not None:
         found = {name: table[name] for name in table.dtype.names}

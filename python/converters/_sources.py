@@ -79,7 +79,11 @@ def bytes_of(source: Source) -> ReadableBuffer:
         if isinstance(contents, str):
             raise TypeError("the file is open as a text; open it in binary mode")
         return contents
-    return contiguous(source)  # type: ignore[arg-type]
+    try:
+        return contiguous(source)  # type: ignore[arg-type]
+    except TypeError:
+        kind = type(source).__name__
+        raise TypeError(f"expected a path, the bytes of a file or an open file, not {kind}") from None
 
 
 def check(failure: Optional[tuple[str, int]]) -> None:

@@ -110,20 +110,20 @@ class Cloud:
         :param points: an array of shape (N, 3), or (N, 4) with the intensity, of which whole numbers
             become 32-bit floats where these hold them, else doubles; masked ones are nan. Or a
             structured array of shape (N,) with fields x, y and z and any others, of numbers. Of an
-            organised cloud, (rows, columns) in place of N
+            organised cloud, (rows, columns) in place of N. Or a cloud, with all that it has
         :param width: points in a row; follows from ``points`` or ``height`` when it is not given
         :param height: rows; follows as ``width`` does
         :param properties: more of each point, one number for all or an array of shape (N,) for each
             name, or (rows, columns)
         :raises ValueError: for other shapes, and when width × height is not the number of points
         """
-        records = _records(points, properties)
+        records = _records(points.grid if isinstance(points, Cloud) else points, properties)
         if len(records) or width is not None or height is not None:
             self.width, self.height = layout_of(records.shape, width, height)
         else:
             self.width, self.height = 0, 0
         self.points = records.reshape(-1)
-        self.report = None
+        self.report = points.report if isinstance(points, Cloud) else None
 
     @property
     def x(self) -> npt.NDArray[Any]:
@@ -142,7 +142,7 @@ class Cloud:
 
     @property
     def xyz(self) -> npt.NDArray[Any]:
-        """The coordinates, a new array of shape (N, 3)."""
+        """The coordinates, a new array of shape (N, 3). Setting it sets x, y and z."""
         return np.stack([self.x, self.y, self.z], axis=1)
 
     @property
@@ -189,8 +189,9 @@ class Cloud:
         self, index: Union[slice, Sequence[int], npt.NDArray[Any]]
     ) -> "Cloud": ...
     def __getitem__(self, index: Any) -> Any:
-        """A property by its name, a point by its number, or a part of the cloud. A list of names
-        gives these properties as a structured array, a view.
+        """A property by its name, a point by its number, or a part of the cloud, of which a mask of
+        shape (N,) or (rows, columns) may be given. A list of names gives these properties as a
+        structured array, a view.
 
         :raises KeyError: when there is no property of a name
         """
@@ -198,6 +199,8 @@ class Cloud:
         for name in names:
             if name not in self.names:
                 raise KeyError(f"the points have no {name!r}; there are {', '.join(self.names)}")
+        if isinstance(index, np.ndarray) and index.shape == (self.height, self.width):
+            index = index.reshape(-1) if index.dtype == np.bool_ else index
         chosen = self.points[index]
         if names or isinstance(chosen, np.void):
             return chosen
@@ -236,13 +239,41 @@ class Cloud:
         if name in _PARTS:
             object.__setattr__(self, name, value)
             return
+        if name == "xyz":
+            self._set_xyz(np.asarray(value))
+            return
         known = _axis(self.points, name) if name in ("x", "y", "z") else name
-        if known not in self.names or (hasattr(Cloud, name) and name not in _USUAL):
+        if name not in _USUAL and hasattr(Cloud, name):
+            raise AttributeError(f"{name!r} cannot be set")
+        if known not in self.names:
             raise AttributeError(f"{name!r} cannot be set; cloud[{name!r}] = … adds a property")
         self[known] = value
 
     def __dir__(self) -> list[str]:
         return [*super().__dir__(), *(name for name in self.names if name.isidentifier())]
+
+    def _set_xyz(self, table: npt.NDArray[Any]) -> None:
+        if table.shape != (len(self), 3):
+            raise ValueError(f"coordinates have shape {table.shape}, expected ({len(self)}, 3)")
+        for axis, name in enumerate("xyz"):
+            self[_axis(self.points, name)] = table[:, axis]
+
+    @property
+    def _xyzi(self) -> Records:
+        """What the library's functions take of the cloud, of shape (height, width): a view."""
+        names = {name: _axis(self.points, name) for name in "xyz"}
+        for name in self._intensity_names():
+            names.setdefault("intensity", name)
+        fields: Any = self.points.dtype.fields
+        dtype = np.dtype(
+            {
+                "names": list(names),
+                "formats": [fields[name][0] for name in names.values()],
+                "offsets": [fields[name][1] for name in names.values()],
+                "itemsize": self.points.itemsize,
+            }
+        )
+        return self.grid.view(dtype)
 
     def _flat(self, name: str, values: npt.ArrayLike) -> npt.NDArray[Any]:
         return _property(name, values, (self.height, self.width)).reshape(-1)

@@ -239,6 +239,10 @@ class Drawing:
             drawing._model  # refuses what it has to
         return drawing
 
+    def __reduce__(self) -> tuple[Any, ...]:
+        # Of the file's bytes all is made again.
+        return Drawing, (self._data,)
+
     @property
     def _is_binary(self) -> bool:
         return self._data.startswith(_BINARY)

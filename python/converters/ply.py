@@ -42,6 +42,10 @@ class PlyCloud:
     empty_scene: bool
     """Whether the file declares no points at all. That includes data that are not PLY."""
 
+    @property
+    def _xyzi(self) -> npt.NDArray[np.void]:
+        return self.grid
+
     def __len__(self) -> int:
         return len(self.points)
 
@@ -86,8 +90,8 @@ def to_ply(
 
     :param points: an array of shape (N, 3) or (N, 4), the fourth number being the intensity, or
         (rows, columns, 3) or (rows, columns, 4) for an organised cloud; or a structured array of
-        one or two dimensions with the fields x, y, z and, if wanted, intensity. nan marks a missing
-        point; masked numbers are written as nan.
+        one or two dimensions with the fields x, y, z and, if wanted, intensity; or a cloud, with its
+        rows and intensity. nan marks a missing point; masked numbers are written as nan.
     :param intensity: one number for all points, or one for each; used instead of the intensity in
         ``points``. Without either it is 0.
     :param ascii: text of six significant digits instead of little-endian binary

@@ -1,6 +1,8 @@
 """The path of drawings."""
 
+import copy
 import os
+import pickle
 import shutil
 import struct
 import subprocess
@@ -168,6 +170,13 @@ def test_a_drawing_is_a_container_and_shows_itself(tmp_path):
     loaded.save(tmp_path / "a.dxf")
     assert len(Drawing.load(tmp_path / "a.dxf").path()) == 1
     assert len(read_drawing(tmp_path / "a.dxf").path()) == 1
+
+
+def test_a_drawing_goes_to_other_processes():
+    loaded = read_drawing(drawing(SQUARE))
+    for made in (pickle.loads(pickle.dumps(loaded)), copy.deepcopy(loaded)):
+        assert made.path()[0].points.tolist() == loaded.path()[0].points.tolist()
+        assert len(made) == 1
 
 
 def test_a_path_is_drawn():

@@ -13,7 +13,18 @@ from pathlib import Path
 import numpy as np
 import pytest
 
-from converters import Cloud, Drawing, ReadError, new_drawing, read_drawing, read_scan
+from converters import (
+    Cloud,
+    Drawing,
+    ReadError,
+    from_dxf,
+    from_ply,
+    new_drawing,
+    read_drawing,
+    read_scan,
+    to_dxf,
+    to_ply,
+)
 
 SAMPLES = Path(os.environ.get("CONVERTERS_SAMPLE_DIR", "")) / "real" / "scans"
 
@@ -269,6 +280,57 @@ def test_properties_are_attributes_unless_the_cloud_has_others_of_the_name():
         cloud.green = 1
     with pytest.raises(AttributeError):
         cloud._own
+
+
+def test_a_cloud_of_a_cloud_has_all_that_is_known_of_it():
+    cloud = Cloud(np.arange(24.0).reshape(2, 3, 4), red=np.arange(6, dtype="u1"))
+    again = Cloud(cloud, time=1.0)
+    assert again.names == ("x", "y", "z", "intensity", "red", "time")
+    assert (again.width, again.height) == (3, 2)
+    assert Cloud(cloud, width=6, height=1).red.tolist() == cloud.red.tolist()
+    assert Cloud(read_scan(REFLECTANCE)).intensity.tolist() == [7, 8]
+    again["x"] = 0
+    assert cloud.x[1] == 4
+
+
+def test_the_library_writes_all_that_it_can_of_a_cloud():
+    cloud = Cloud(np.arange(24.0).reshape(2, 3, 4))
+    made = from_ply(to_ply(cloud))
+    assert (made.width, made.height) == (3, 2)
+    assert made.xyz.tolist() == cloud.xyz.tolist()
+    assert made.intensity.tolist() == cloud.intensity.tolist()
+    assert from_ply(to_ply(made)).points.tolist() == made.points.tolist()
+    assert from_ply(to_ply(read_scan(REFLECTANCE))).intensity.tolist() == [7, 8]
+    assert from_ply(to_ply(Cloud([[1, 2, 3]]), intensity=5)).intensity.tolist() == [5]
+    upper = Cloud(np.ones(2, dtype=[("X", "f4"), ("Y", "f8"), ("Z", "i4")]))
+    assert from_ply(to_ply(upper)).xyz.tolist() == [[1, 1, 1]] * 2
+    assert from_dxf(to_dxf(cloud)).shape == (6, 3)
+
+
+def test_an_organised_cloud_takes_a_mask_in_rows():
+    cloud = Cloud(np.arange(18.0).reshape(2, 3, 3))
+    assert cloud[cloud.grid["x"] > 8].x.tolist() == [9, 12, 15]
+    with pytest.raises(IndexError):
+        cloud[np.ones((3, 2), dtype=bool)]
+
+
+def test_coordinates_are_set_together():
+    cloud = Cloud([[1, 2, 3], [4, 5, 6]], intensity=7.0)
+    cloud.xyz = cloud.xyz[:, ::-1] * 2
+    assert cloud.xyz.tolist() == [[6, 4, 2], [12, 10, 8]]
+    assert cloud.intensity.tolist() == [7, 7]
+    for wrong in ([1, 2, 3], np.zeros((3, 3)), np.zeros((2, 4))):
+        with pytest.raises(ValueError, match=r"expected \(2, 3\)"):
+            cloud.xyz = wrong
+    with pytest.raises(AttributeError, match="'bounds' cannot be set$"):
+        cloud.bounds = 1
+
+
+@pytest.mark.parametrize("read", [read_scan, read_drawing])
+@pytest.mark.parametrize("source", [5, None, ["a.ply"]])
+def test_other_sources_are_refused_in_words(read, source):
+    with pytest.raises(TypeError, match="a path, the bytes of a file or an open file, not"):
+        read(source)
 
 
 def test_a_cloud_is_copied_and_pickled():
