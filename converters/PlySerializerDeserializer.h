@@ -303,6 +303,8 @@ public:
 
     /// The same, and tells how far it is.
     ///
+    /// @param data      the file
+    /// @param output    as above
     /// @param progress  called with the part of the points that is made, 0 to 1, once for some
     ///                  hundred of them; may be empty. What it throws leaves this function, with
     ///                  `output` untouched.
