@@ -4,6 +4,6 @@
 
 #include <string>
 
-/// A description as lines for people. Long lists are cut; what is left out of a drawing is summed up
-/// by kind and reason before.
+/// A description as lines for people. Long lists are cut; what is left out of a drawing is summed
+/// up by kind and reason before.
 std::string asText(const nlohmann::ordered_json& description);

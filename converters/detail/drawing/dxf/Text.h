@@ -20,7 +20,8 @@ public:
 
 private:
     bool m_isUtf8;
-    /// Where it is not UTF-8: empty where nothing says it, and what is valid UTF-8 is taken as such.
+    /// Where it is not UTF-8: empty where nothing says it, and what is valid UTF-8 is taken as
+    /// such.
     std::string m_codePage;
     /// As iconv calls it; none before it is needed: of most drawings no name is anything but ASCII,
     /// and to ask iconv takes longer than to read a small one.
