@@ -1,20 +1,24 @@
 #!/usr/bin/env python3
 """Compares the path of drawings with what other readers make of them.
 
-path.py PATH_DUMP random           with reference.py, on random drawings with everything
-path.py PATH_DUMP ezdxf            with ezdxf's own flattening, on those that it reads rightly
-path.py PATH_DUMP gdal             with GDAL's, the same
+path.py PATH_DUMP random COUNT     with reference.py, on random drawings with everything
+path.py PATH_DUMP readers COUNT    with it, ezdxf and GDAL, on small random drawings, by entity
+path.py PATH_DUMP spoiled COUNT    the same with paths that are wrong: each has to be found
+path.py PATH_DUMP programs COUNT FOLDER
+                                   with itself, on random drawings and those of a folder as other
+                                   programs would have written them
 path.py PATH_DUMP odd              with ezdxf's, on unusual drawings by hand
 path.py PATH_DUMP samples FOLDER   with reference.py, on the drawings of a folder
 
-CONVERTERS_TEST_EFFORT=N in the environment takes N times as many random drawings; without, those
-for ezdxf and gdal are skipped, since either may read one of them wrongly.
+CONVERTERS_TEST_EFFORT=N in the environment takes N times as many random drawings.
 CONVERTERS_TEST_SEED=N begins with drawing N. What is found wrong is kept in
 /tmp/path-findings. Exit status 77: something that is needed is not installed.
 """
 
+import copy
+import gc
+import io
 import json
-import math
 import os
 import pathlib
 import random
@@ -24,6 +28,9 @@ import sys
 import tempfile
 import time
 from collections import Counter, defaultdict
+
+# Small matrices: more threads only wait for each other.
+os.environ.setdefault("OPENBLAS_NUM_THREADS", "1")
 
 try:
     import ezdxf
@@ -36,8 +43,11 @@ except ImportError as missing:
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
 # pylint: disable=wrong-import-position
+import beside
 import comparison
+import corruptions
 import odd_drawings
+import programs
 import random_drawings
 import readers
 import reference
@@ -45,6 +55,8 @@ import reference
 EFFORT = float(os.environ.get("CONVERTERS_TEST_EFFORT", "1"))
 SEED = int(os.environ.get("CONVERTERS_TEST_SEED", "0"))
 KEPT = pathlib.Path("/tmp/path-findings")
+# Entities of model space by reader, and those passed over, by reader and reason.
+COMPARED, PASSED_OVER = Counter(), Counter()
 # By the number of $INSUNITS.
 METRES = [0, 0.0254, 0.3048, 1609.344, 1e-3, 1e-2, 1, 1e3, 2.54e-8, 2.54e-5, 0.9144, 1e-10, 1e-9,
           1e-6, 0.1, 10, 100, 1e9, 149597870700, 9460730472580800, 3.0856775814913673e16,
@@ -191,48 +203,23 @@ def random_findings(dump, seed, file):
     return with_reference(dump, file, doc, maker.size, random.Random(seed))
 
 
-# What the two read rightly; the others are in README.md beside this file.
-EZDXF_KINDS = [kind for kind in random_drawings.CURVES if kind != "FITTED"]
-EZDXF_SPLINES = ["clamped", "rational", "repeated knots", "fit points, tangents"]
-GDAL_KINDS = ["POINT", "LINE", "ARC", "CIRCLE", "ELLIPSE", "LWPOLYLINE", "POLYLINE", "POLYLINE3D"]
-
-
-def foreign_findings(dump, seed, file, kinds, splines, release, runs_of):
-    maker = random_drawings.Maker(seed, only=kinds, plain=True, splines=splines,
-                                  release=release, nested=False)
+def small_drawing(seed, file):
+    """Beside all readers at once: (drawing, path_dump's options)."""
+    maker = random_drawings.Maker(seed, small=True)
     maker.make().saveas(file)
-    doc = ezdxf.readfile(file)
-    tolerance = 1e-3 * maker.size
-    options = ["--tolerance", repr(tolerance), "--join", "0"]
+    drawing = beside.Drawing(file, 2e-3 * maker.size)
+    return drawing, ["--tolerance", repr(drawing.tolerance), "--join", "0"]
+
+
+def readers_findings(dump, seed, file):
+    drawing, options = small_drawing(seed, file)
     json_of_path = dump.path_of(file, options)
     if not json_of_path["success"]:
         return ["refused: " + json_of_path["reason"]], options
-    path = comparison.Path(json_of_path)
-    ours = path.runs_by(lambda entity: entity[1] or entity[0])
-    theirs, deviation = runs_of(doc, file, tolerance / 10)
-    # Where scales are large, what is a deviation in a block is a larger one in the drawing.
-    spread = np.abs(path.points).max(initial=maker.size)
-    rounding = 1e-7 * spread
-    return comparison.compare(ours, theirs, deviation(spread) + rounding,
-                              tolerance + deviation(spread) + rounding, 0.01), options
-
-
-def ezdxf_findings(dump, seed, file):
-    def runs_of(doc, _, distance):
-        # It looks at the middles of chords only: ask for more than is needed.
-        return readers.ezdxf_runs(doc, distance / 10), lambda _: 3 * distance
-    release = random.Random(seed).choice(random_drawings.RELEASES)
-    return foreign_findings(dump, seed, file, EZDXF_KINDS, EZDXF_SPLINES, release, runs_of)
-
-
-def gdal_findings(dump, seed, file):
-    degrees = 0.5
-
-    def runs_of(_, drawing, __):
-        # Half a step's chord leaves an arc by this part of its radius.
-        part = 1 - math.cos(math.radians(degrees) / 2)
-        return readers.gdal_runs(drawing, degrees), lambda spread: 10 * part * spread
-    return foreign_findings(dump, seed, file, GDAL_KINDS, None, "R2010", runs_of)
+    findings = drawing.findings(comparison.Path(json_of_path))
+    COMPARED.update(drawing.compared)
+    PASSED_OVER.update(drawing.passed_over)
+    return findings, options
 
 
 def keep(file, seed, options, findings):
@@ -248,7 +235,7 @@ def keep(file, seed, options, findings):
 
 def run_random(dump, count, findings_of, name):
     failed = 0
-    began = time.time()
+    began = time.process_time()
     with tempfile.TemporaryDirectory() as folder:
         file = os.path.join(folder, "drawing.dxf")
         for seed in range(SEED, SEED + count):
@@ -256,7 +243,103 @@ def run_random(dump, count, findings_of, name):
             if findings:
                 failed += 1
                 keep(file, f"{name}-{seed}", getattr(options, "words", options), findings)
-    print(f"{count} drawings, {failed} with findings, {time.time() - began:.0f} s")
+    print(f"{count} drawings, {failed} with findings, {time.process_time() - began:.0f} s")
+    return 1 if failed else 0
+
+
+def run_readers(dump, count):
+    status = run_random(dump, count, readers_findings, "readers")
+    for reader, number in COMPARED.items():
+        reasons = {why: n for (who, why), n in PASSED_OVER.items() if who == reader}
+        print(f"beside {reader}: {number} entities; passed over: {reasons}")
+    # A rule that passes over most of the drawings compares nothing.
+    few = [reader for reader, number in COMPARED.items() if number < COMPARED["reference"] * 0.7]
+    print(f"too few beside {few}" if few else "enough beside each")
+    return 1 if few else status
+
+
+def spoiled(seed, json_of_path, drawing, spoil):
+    """(a path with one entity spoiled, the key of that entity in model space), or None."""
+    path = comparison.Path(copy.deepcopy(json_of_path))
+    entities = path.dump["entities"]
+    drawn = [index for index in sorted(set(path.pieces[:, 4]))
+             if all((entities[index][1] or entities[index][0]) in expected
+                    for expected in drawing.expected.values())]
+    if not drawn:
+        return None
+    entity = random.Random(seed).choice(drawn)
+    key = entities[entity][1] or entities[entity][0]
+    return (path, key) if spoil(path, entity, drawing.tolerance) else None
+
+
+def run_spoiled(dump, count):
+    """Each reader has to find each corruption."""
+    failed = 0
+    tried = Counter()
+    with tempfile.TemporaryDirectory() as folder:
+        file = os.path.join(folder, "drawing.dxf")
+        for seed in range(SEED, SEED + count):
+            drawing, options = small_drawing(seed, file)
+            json_of_path = dump.path_of(file, options)
+            for spoil in corruptions.CORRUPTIONS:
+                path, key = spoiled(seed, json_of_path, drawing, spoil) or (None, None)
+                found = drawing.findings(path) if path else []
+                for reader in drawing.fine_readers(key) if path else []:
+                    tried[spoil.__name__, reader] += 1
+                    if not any(what.startswith(f"{reader}: {key:X},") for what in found):
+                        failed += 1
+                        print(f"drawing {seed}: {spoil.__name__} of {key:X} not found by {reader}")
+    few = [f"{spoil.__name__}, {reader}" for spoil in corruptions.CORRUPTIONS
+           for reader in drawing.runs if tried[spoil.__name__, reader] < count // 20]
+    print(f"{sum(tried.values())} comparisons with spoiled paths, {failed} without a finding; "
+          f"too few: {few}")
+    return 1 if failed or few else 0
+
+
+def shown_by(json_of_path):
+    """What a path says of what is drawn, apart from handles and from what is left out."""
+    names = ("success", "reason", "points", "pieces", "arcs", "ellipticArcs", "splines", "length")
+    layers = [layer["name"].casefold() for layer in json_of_path.get("layers", [])]
+    contours = [(contour["points"], contour["closed"], contour["colour"], layers[contour["layer"]])
+                for contour in json_of_path.get("contours", [])]
+    return {"contours": contours, **{name: json_of_path.get(name) for name in names}}
+
+
+def program_findings(dump, text, seed, file):
+    """Of a text of one byte a character and of the same as another program would write it."""
+    options = ["--tolerance", "0.01", "--join", "0"]
+    names, other = programs.rewritten(text, random.Random(seed))
+    paths = []
+    for content in (text, other):
+        pathlib.Path(file).write_bytes(content.encode("latin-1"))
+        paths.append(shown_by(dump.path_of(file, options)))
+    return [f"{name} after {names}" for name in paths[0] if paths[0][name] != paths[1][name]]
+
+
+def texts_of(folder, count):
+    """(name, text) of the drawings of a folder, if it is there, and of random ones."""
+    for drawing in sorted(pathlib.Path(folder).glob("**/*.dxf")):
+        text = drawing.read_bytes().decode("latin-1")
+        for seed in range(10 if not text.startswith("AutoCAD Binary") else 0):
+            yield f"{drawing.name}-{seed}", text
+    for seed in range(SEED, SEED + count):
+        stream = io.StringIO()
+        doc = random_drawings.Maker(seed, small=True).make()
+        doc.write(stream)
+        yield seed, doc.encode(stream.getvalue()).decode("latin-1")
+
+
+def run_programs(dump, count, folder):
+    failed = total = 0
+    with tempfile.TemporaryDirectory() as temporary:
+        file = os.path.join(temporary, "drawing.dxf")
+        for name, text in texts_of(folder, count):
+            total += 1
+            findings = program_findings(dump, text, str(name), file)
+            if findings:
+                failed += 1
+                keep(file, f"program-{name}", ["--tolerance", "0.01", "--join", "0"], findings)
+    print(f"{total} drawings, {failed} with findings")
     return 1 if failed else 0
 
 
@@ -276,7 +359,7 @@ def odd_findings(dump, file, text):
     if not json_of_path["success"]:
         return ["refused: " + json_of_path["reason"]]
     ours = comparison.Path(json_of_path).runs_by(lambda entity: "all")
-    runs = readers.ezdxf_runs(read_tolerantly(file), tolerance / 100).values()
+    runs = readers.ezdxf_runs(read_tolerantly(file), tolerance / 100).points.values()
     theirs = {"all": [run for some in runs for run in some]}
     rounding = 1e-9 * np.abs(np.concatenate(theirs["all"])).max()
     return comparison.compare(ours, theirs, tolerance / 10 + rounding, 1.1 * tolerance + rounding)
@@ -328,17 +411,17 @@ def main():
         return run_odd(dump)
     if mode == "samples":
         return run_samples(dump, sys.argv[3])
-    if mode == "gdal" and readers.gdal is None:
-        print("skipped: python3-gdal is not installed")
-        return 77
-    if mode != "random" and "CONVERTERS_TEST_EFFORT" not in os.environ:
-        # What they read otherwise than the format has it is not known to the last drawing.
-        print(f"skipped: compared with {mode} when CONVERTERS_TEST_EFFORT is set")
-        return 77
-    counts = {"random": (40, random_findings), "ezdxf": (25, ezdxf_findings),
-              "gdal": (25, gdal_findings)}
-    count, findings_of = counts[mode]
-    return run_random(dump, max(1, round(count * EFFORT)), findings_of, mode)
+    if mode == "programs":
+        return run_programs(dump, max(1, round(int(sys.argv[3]) * EFFORT)), sys.argv[4])
+    count = max(1, round(int(sys.argv[3]) * EFFORT))
+    if mode != "random" and readers.gdal is None:
+        print("without GDAL: python3-gdal is not installed")
+    if mode == "random":
+        return run_random(dump, count, random_findings, mode)
+    # ezdxf makes a hundred thousand objects a drawing, few of them in cycles.
+    gc.freeze()
+    gc.set_threshold(200_000, 50, 50)
+    return run_readers(dump, count) if mode == "readers" else run_spoiled(dump, count)
 
 
 if __name__ == "__main__":

@@ -356,6 +356,11 @@ TEST(ReadPathEntities, GroupsThatProgramsAddAreNotTaken) {
               "(1, 2) (3, 4)\n");
     EXPECT_EQ(describe(pathOf(drawingOf("0 LINE  10 1  20 2  11 3  21 4  1001 ACAD  10 8  20 8"))),
               "(1, 2) (3, 4)\n");
+    EXPECT_EQ(describe(pathOf(drawingOf(
+                  "0 POLYLINE  66 1  0 VERTEX  10 1  20 2  102 {OTHER  10 9  42 1  70 16  102 }  "
+                  "0 VERTEX  102 {OTHER  70 16  102 }  10 3  20 4  1001 ACAD  10 8  20 8  0 "
+                  "SEQEND"))),
+              "(1, 2) (3, 4)\n");
 }
 
 TEST(ReadPathEntities, NamesMayHaveBlanksAndSmallLetters) {

@@ -277,7 +277,8 @@ void EntityParser<Groups>::readPolyline() {
 template <typename Groups>
 void EntityParser<Groups>::readVertex() {
     PolylineVertex& vertex = m_vertices.emplace_back();
-    while (m_objects.nextGroup()) {
+    bool goesOn = true;
+    while (goesOn && m_objects.nextGroup()) {
         switch (m_groups.code()) {
         case 10:
             vertex.x = m_groups.real();
@@ -293,6 +294,12 @@ void EntityParser<Groups>::readVertex() {
             break;
         case 70:
             vertex.flags = m_groups.integer();
+            break;
+        case applicationData:
+            goesOn = skipApplicationData();
+            break;
+        case applicationName:
+            goesOn = skipRest();
             break;
         default:
             break;
