@@ -86,7 +86,7 @@ class Drawing:
                              for layer, runs in some.items()} for some in (ours, theirs))
         points = np.concatenate([run for some in (ours, theirs) for runs in some.values()
                                  for run in runs])
-        rounding = 1e-9 * np.abs(points).max()
+        rounding = 1e-12 * np.abs(points).max()
         return comparison.compare(ours, theirs, self.deviation(reader, points) + rounding,
                                   self.tolerance + rounding, 0.002)
 

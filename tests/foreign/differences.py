@@ -86,6 +86,8 @@ def of_gdal(entity, inserts):
         return "invisible"
     if kind == "ARC" and not -360 < entity.dxf.end_angle - entity.dxf.start_angle <= 360:
         return "angles more than a turn apart"
+    if kind in ("LEADER", "MLINE", "DIMENSION"):
+        return "lines of annotation"
     if kind == "SPLINE":
         return "a spline"
     if kind in ("LWPOLYLINE", "POLYLINE") and any(abs(bulge) > 1 for bulge in bulges_of(entity)):

@@ -13,8 +13,10 @@ from ezdxf.math import ConstructionArc
 
 RELEASES = ["R12", "R2000", "R2004", "R2007", "R2010", "R2013", "R2018"]
 CURVES = ["POINT", "LINE", "ARC", "CIRCLE", "ELLIPSE", "LWPOLYLINE", "POLYLINE", "POLYLINE3D",
-          "FITTED", "SPLINE"]
-OTHERS = ["TEXT", "MTEXT", "SOLID", "3DFACE", "XLINE", "RAY", "HATCH", "MESH", "ATTDEF"]
+          "FITTED", "FITTED3D", "SPLINE"]
+OTHERS = ["TEXT", "MTEXT", "SOLID", "3DFACE", "XLINE", "RAY", "HATCH", "MESH", "ATTDEF", "POLYMESH",
+          "POLYFACE", "DIMENSION", "LEADER", "3DSOLID", "REGION", "MLINE", "IMAGE", "WIPEOUT",
+          "TRACE"]
 SPLINES = ["clamped", "rational", "uniform", "closed", "rational closed", "repeated knots",
            "fit points", "fit points, tangents", "fit and control points"]
 LAYERS = ["0", "walls", "Umri\u00df", "cut lines", "off", "frozen", "off and frozen"]
@@ -30,7 +32,12 @@ class Maker:
         self.small = small
         self.release = self.random.choice(RELEASES)
         self.size = 10 ** self.random.uniform(-0.5, 3)
-        self.offset = self.random.choice([0, 0, 0, 1e3, 4e5]) * self.random.uniform(-1, 1)
+        # Maps lie far from the origin.
+        self.offset = self.random.choice([0, 0, 0, 1e3, 4e5, 6e6]) * self.random.uniform(-1, 1)
+        self.round = 0.15
+        if self.random.random() < 0.1:
+            self.size = 10 ** self.random.uniform(-6, 7)
+            self.offset = self.round = 0
         self.doc = ezdxf.new(self.release, setup=False)
         if small:
             self.forget_header()
@@ -38,7 +45,9 @@ class Maker:
         self.left = 12 if small else MOST_ENTITIES
 
     def make(self):
-        self.doc.header["$INSUNITS"] = self.random.choice([0, 1, 2, 4, 4, 4, 5, 6, 14, 21])
+        self.doc.header["$INSUNITS"] = self.random.choice([0, 1, 2, 4, 4, 4, 5, 6, 14, 21,
+                                                           self.random.randint(3, 24)])
+        self.doc.header["$MEASUREMENT"] = self.random.randint(0, 1)
         for name in LAYERS[1:]:
             layer = self.doc.layers.add(name, color=self.random.randint(1, 255))
             if "off" in name:
@@ -47,10 +56,11 @@ class Maker:
                 layer.freeze()
         names = []
         for i in range(self.random.choice([0, 0, 1, 2] if self.small else [0, 1, 2, 4, 6])):
-            name = f"block {i}"
+            name = self.random.choice([f"block {i}", f"*U{i + 1}", f"*D{i + 901}", f"Bl\u00f6ck-{i}"])
+            if i == 0 and self.random.random() < 0.8:
+                self.offset = 0
             base = self.point() if self.random.random() < 0.5 else (0, 0, 0)
             block = self.doc.blocks.new(name, base_point=base)
-            self.offset = 0
             count = self.random.randint(0, 2 if self.small else 5)
             self.weights[name] = self.fill(block, count, names)
             names.append(name)
@@ -74,8 +84,8 @@ class Maker:
         return self.size * 10 ** self.random.uniform(-2, 0)
 
     def coordinate(self):
-        if self.random.random() < 0.15:
-            return float(self.random.randint(-3, 3))
+        if self.random.random() < self.round:
+            return float(self.random.randint(-3, 3)) + round(self.offset)
         return self.random.uniform(-self.size, self.size) + self.offset
 
     def point(self, flat=None):
@@ -138,7 +148,7 @@ class Maker:
                   "CIRCLE": self.add_circle, "ELLIPSE": self.add_ellipse,
                   "LWPOLYLINE": self.add_lwpolyline, "POLYLINE": self.add_polyline,
                   "POLYLINE3D": self.add_polyline3d, "FITTED": self.add_fitted,
-                  "SPLINE": self.add_spline}
+                  "FITTED3D": self.add_fitted3d, "SPLINE": self.add_spline}
         if self.release == "R12" and kind in ("ELLIPSE", "LWPOLYLINE", "SPLINE"):
             kind = "POLYLINE"
         makers[kind](layout)
@@ -248,6 +258,15 @@ class Maker:
             polyline.append_vertex((self.coordinate(), self.coordinate()),
                                    {"flags": 8 if spline else 0})
 
+    def add_fitted3d(self, layout):
+        polyline = layout.add_polyline3d([], dxfattribs=self.attributes(solid=False))
+        polyline.dxf.flags |= 4 | self.random.choice([0, 1])
+        for _ in range(self.random.randint(2, 8)):
+            flags = 32 | self.random.choice([16, 8, 8])
+            polyline.append_vertex(self.point(flat=False), {"flags": flags})
+        for _ in range(2):
+            polyline.append_vertex(self.point(flat=False), {"flags": 40})
+
     def control_points(self, least):
         return [self.point(flat=False) for _ in range(self.random.randint(least, least + 8))]
 
@@ -310,8 +329,32 @@ class Maker:
             layout.add_solid([(0, 0), (1, 0), (0, 1), (1, 1)], attributes)
         elif kind == "3DFACE":
             layout.add_3dface([(0, 0, 0), (1, 0, 0), (1, 1, 0), (0, 1, 0)], attributes)
-        elif self.release == "R12":
-            layout.add_text("another", dxfattribs=attributes)
+        elif kind == "TRACE":
+            layout.add_trace([(0, 0), (1, 0), (0, 1), (1, 1)], attributes)
+        elif kind == "POLYMESH":
+            layout.add_polymesh((3, 4), attributes)
+        elif kind == "POLYFACE":
+            face = layout.add_polyface(attributes)
+            face.append_face([(0, 0, 0), (1, 0, 0), (1, 1, 1)])
+        elif kind == "DIMENSION" and layout is self.doc.modelspace():
+            layout.add_linear_dim(self.point(), self.point(), self.point(),
+                                  dxfattribs=attributes).render()
+        elif self.release != "R12":
+            self.newer_other(layout, kind, attributes)
+
+    def newer_other(self, layout, kind, attributes):
+        """What R12 has not."""
+        if kind in ("3DSOLID", "REGION"):
+            layout.new_entity(kind, attributes)
+        elif kind == "MLINE":
+            layout.add_mline([self.point(), self.point()], dxfattribs=attributes)
+        elif kind == "LEADER":
+            layout.add_leader([self.point(), self.point()], dxfattribs=attributes)
+        elif kind == "WIPEOUT":
+            layout.add_wipeout([(0, 0), (9, 9)], attributes)
+        elif kind == "IMAGE":
+            picture = self.doc.add_image_def("a.png", (640, 480))
+            layout.add_image(picture, (0, 0), (4, 3), dxfattribs=attributes)
         elif kind == "MTEXT":
             layout.add_mtext("a text", attributes)
         elif kind == "XLINE":

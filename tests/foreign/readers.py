@@ -95,7 +95,8 @@ def flattened(entity, distance):
     if kind == "SPLINE":
         # make_path() gives Bezier curves, which other degrees than 3 and weights are not. It looks
         # at the middles of chords alone: ask for more.
-        return [_array(entity.flattening(distance / 4, 8))]
+        # Weights make bends that four points to a knot span miss.
+        return [_array(entity.flattening(distance / 4, 32 if len(entity.weights) else 8))]
     if kind == "ELLIPSE":
         run = _flattened_ellipse(entity, distance)
         if len(run):
