@@ -59,14 +59,14 @@ class Drawing:
     def deviation(self, reader, points):
         """The most that a reader's chords leave their curves."""
         if reader == "GDAL":
-            return SAGITTA * np.ptp(points, axis=0).max()
+            return SAGITTA * np.linalg.norm(np.ptp(points, axis=0))
         # ezdxf looks at the middles of chords alone; those of the reference are asked twice.
-        return self.tolerance * (0.75 if reader == "ezdxf" else 0.25)
+        return self.tolerance * (1.0 if reader == "ezdxf" else 0.25)
 
     def fine_readers(self, key):
         """The readers whose chords leave the curves of an entity by less than the tolerance."""
         return [reader for reader, runs in self.runs.items()
-                if self.deviation(reader, np.concatenate(runs.all_of(key))) < self.tolerance]
+                if self.deviation(reader, np.concatenate(runs.all_of(key))) <= self.tolerance]
 
     def findings(self, path):
         """What is different in a path, in words."""

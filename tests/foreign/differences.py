@@ -52,6 +52,8 @@ def of_ezdxf(entity, inserts):
     kind = entity.dxftype()
     if kind == "SPLINE":
         return ezdxf_of_spline(entity, inserts)
+    if kind == "ELLIPSE" and abs(entity.dxf.ratio) < 0.05 and any(map(stretched, inserts)):
+        return "a flat ellipse in a stretched block"
     if kind == "POLYLINE" and entity.dxf.flags & 4 and \
             any(vertex.dxf.flags & 16 for vertex in entity.vertices):
         return "the frame of a polyline"

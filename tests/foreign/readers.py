@@ -96,7 +96,7 @@ def flattened(entity, distance):
         # make_path() gives Bezier curves, which other degrees than 3 and weights are not. It looks
         # at the middles of chords alone: ask for more.
         # Weights make bends that four points to a knot span miss.
-        return [_array(entity.flattening(distance / 4, 32 if len(entity.weights) else 8))]
+        return [_array(entity.flattening(distance / 4, 32 if len(entity.weights) else 16))]
     if kind == "ELLIPSE":
         run = _flattened_ellipse(entity, distance)
         if len(run):
