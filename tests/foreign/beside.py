@@ -1,6 +1,6 @@
 """A drawing's path beside the reference, ezdxf and GDAL at once, by the entities of model space."""
 
-from collections import Counter, defaultdict
+from collections import Counter
 
 import ezdxf
 import numpy as np
@@ -24,37 +24,30 @@ class Drawing:
         self.entities = {int(entity.dxf.handle, 16): entity for entity in self.doc.modelspace()}
         self.compared = Counter()  # entities, by reader
         self.passed_over = Counter()  # entities, by reader and reason
-        self.runs = {"reference": self._reference_runs(),
-                     "ezdxf": readers.ezdxf_runs(self.doc, tolerance / 4,
-                                                 self._taken("ezdxf", differences.of_ezdxf))}
+        # The entities that each reader reads rightly, by their keys.
+        self.expected = {"reference": set(self.entities)}
+        self.runs = {"reference": self._reference_runs()}
+        rightly = self._read_rightly("ezdxf", differences.of_ezdxf)
+        self.runs["ezdxf"] = readers.ezdxf_runs(self.doc, tolerance / 4, rightly)
         if readers.gdal is not None:
-            self._taken("GDAL", differences.of_gdal)
+            self._read_rightly("GDAL", differences.of_gdal)
             self.runs["GDAL"] = readers.gdal_runs(file, STEP)
-        self.expected = {name: {key for key in self.entities if self._counts(name, key)}
-                         for name in self.runs}
 
     def _reference_runs(self):
         runs = readers.Runs()
-        self.drawn = reference.Reference(self.doc, self.tolerance / 4)
-        for strand in self.drawn.strands:
+        for strand in reference.Reference(self.doc, self.tolerance / 4).strands:
             runs.add(strand.insert or strand.handle, strand.layer, [strand.points])
         return runs
 
-    def _taken(self, reader, rule):
+    def _read_rightly(self, reader, rule):
         """The entities that a reader reads rightly."""
-        taken = []
-        self.unequal = getattr(self, "unequal", defaultdict(set))
+        self.expected[reader] = set()
         for key, entity in self.entities.items():
             reasons = differences.reasons(entity, rule)
             self.passed_over.update((reader, reason) for reason in reasons)
-            if reasons:
-                self.unequal[reader].add(key)
-            else:
-                taken.append(entity)
-        return taken
-
-    def _counts(self, reader, key):
-        return key not in self.unequal[reader]
+            if not reasons:
+                self.expected[reader].add(key)
+        return [self.entities[key] for key in self.expected[reader]]
 
     def deviation(self, reader, points):
         """The most that a reader's chords leave their curves."""
@@ -71,7 +64,8 @@ class Drawing:
     def findings(self, path):
         """What is different in a path, in words."""
         ours = ours_of(path, self.runs["reference"])
-        findings = [f"{key:X} is no entity of model space" for key in ours.keys - self.entities.keys()]
+        findings = [f"{key:X} is no entity of model space"
+                    for key in ours.keys - self.entities.keys()]
         for reader, runs in self.runs.items():
             keys = self.expected[reader] & (ours.keys | runs.keys)
             self.compared[reader] += len(keys)
