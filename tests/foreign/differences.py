@@ -48,11 +48,18 @@ def places_of(entity):
     return {tuple(vertex.dxf.location)[:2] for vertex in entity.vertices}
 
 
+def far(ellipse, inserts):
+    """Whether it lies a thousand times its size from the origin, in its block or where that is."""
+    places = [ellipse.dxf.center] + [insert.dxf.insert for insert in inserts]
+    return max(place.magnitude for place in places) > 1000 * ellipse.dxf.major_axis.magnitude
+
+
 def of_ezdxf(entity, inserts):
     kind = entity.dxftype()
     if kind == "SPLINE":
         return ezdxf_of_spline(entity, inserts)
-    if kind == "ELLIPSE" and abs(entity.dxf.ratio) < 0.05 and any(map(stretched, inserts)):
+    if kind == "ELLIPSE" and abs(entity.dxf.ratio) < 0.05 and any(map(stretched, inserts)) and \
+            far(entity, inserts):
         return "a flat ellipse in a stretched block"
     if kind == "POLYLINE" and entity.dxf.flags & 4 and \
             any(vertex.dxf.flags & 16 for vertex in entity.vertices):
