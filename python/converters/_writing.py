@@ -9,6 +9,7 @@ import numpy as np
 import numpy.typing as npt
 
 from converters import _native
+from converters._sources import write_file
 
 #: NumPy's types, by the library's numbers for the types of PLY.
 TYPES = {1: "i1", 2: "u1", 3: "i2", 4: "u2", 5: "i4", 6: "u4", 7: "f4", 8: "f8"}
@@ -23,7 +24,29 @@ _MOST_DIGITS = 17
 _FORMATS = {".ply": "ply", ".csv": "csv", ".xyz": "xyz", ".dxf": "dxf"}
 
 
-def format_of(path: Union[str, "os.PathLike[str]"], ascii: bool) -> str:
+class Savable:
+    """What can be a file, by its ``to_bytes``."""
+
+    def to_bytes(self, format: str = "ply", digits: Optional[int] = None) -> bytes:
+        raise NotImplementedError
+
+    def save(
+        self,
+        path: Union[str, "os.PathLike[str]"],
+        *,
+        ascii: bool = False,
+        digits: Optional[int] = None,
+    ) -> None:
+        """Writes a file, .ply, .csv, .xyz or .dxf, as ``to_bytes`` tells.
+
+        :param ascii: PLY as text
+        :raises ValueError: for another extension
+        :raises OSError: when the file cannot be written
+        """
+        write_file(path, self.to_bytes(_format_of(path, ascii), digits))
+
+
+def _format_of(path: Union[str, "os.PathLike[str]"], ascii: bool) -> str:
     """The format that a file's extension says.
 
     :param ascii: PLY as text

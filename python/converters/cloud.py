@@ -1,7 +1,6 @@
 """Scans: point clouds with all that a PLY file says of each point."""
 
 import math
-import os
 from dataclasses import dataclass
 from typing import TYPE_CHECKING, Any, Iterator, Optional, Sequence, Union, overload
 
@@ -10,8 +9,8 @@ import numpy.typing as npt
 
 from converters import _native
 from converters._arrays import view_or_copy
-from converters._sources import Progress, Source, bytes_of, callback, check, write_file
-from converters._writing import TYPES, check_format, format_of, written
+from converters._sources import Progress, Source, bytes_of, callback, check
+from converters._writing import TYPES, Savable, check_format, written
 from converters.ply import layout_of
 
 if TYPE_CHECKING:
@@ -63,7 +62,7 @@ class ScanReport:
     """Points with a coordinate that is nan or infinite."""
 
 
-class Cloud:
+class Cloud(Savable):
     """A point cloud: a sequence of points, each with x, y, z and whatever else is known of it.
 
     >>> cloud = Cloud([[1, 2, 3], [4, 5, 6]], red=np.array([255, 0], dtype="u1"))
@@ -312,21 +311,6 @@ class Cloud:
         return written(
             self.points, format, digits, width=self.width, height=self.height, comments=comments
         )
-
-    def save(
-        self,
-        path: Union[str, "os.PathLike[str]"],
-        *,
-        ascii: bool = False,
-        digits: Optional[int] = None,
-    ) -> None:
-        """Writes the cloud to a file: .ply, .csv, .xyz or .dxf.
-
-        :param ascii: PLY as text
-        :raises ValueError: for another extension
-        :raises OSError: when the file cannot be written
-        """
-        write_file(path, self.to_bytes(format_of(path, ascii), digits))
 
     def plot(self, ax: Optional["Axes"] = None, *, by: Optional[str] = None) -> "Axes":
         """Draws the points from above with matplotlib.

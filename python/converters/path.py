@@ -1,6 +1,5 @@
 """The path of a drawing: contours to follow with a tool."""
 
-import os
 from dataclasses import dataclass
 from functools import cached_property
 from typing import TYPE_CHECKING, Any, Iterator, Optional, Sequence, Union, overload
@@ -10,9 +9,9 @@ import numpy.typing as npt
 
 from converters import _native
 from converters._arrays import view_or_copy
-from converters._sources import Progress, callback, check, write_file
+from converters._sources import Progress, callback, check
 from converters._buffers import ReadableBuffer
-from converters._writing import check_format, format_of, written
+from converters._writing import Savable, check_format, written
 
 if TYPE_CHECKING:
     from matplotlib.axes import Axes
@@ -129,7 +128,7 @@ class PathContour:
         return tuple(self._path._piece(index) for index in range(*self._pieces))
 
 
-class DrawingPath(Sequence[PathContour]):
+class DrawingPath(Savable, Sequence[PathContour]):
     """The contours of a drawing, in the order in which they are walked. As an array it is the points
     of all.
 
@@ -268,21 +267,6 @@ class DrawingPath(Sequence[PathContour]):
             records[name] = self.points[:, axis]
         records[number] = self._contour_numbers
         return written(records, format, digits, width=len(records), height=min(len(records), 1))
-
-    def save(
-        self,
-        path: Union[str, "os.PathLike[str]"],
-        *,
-        ascii: bool = False,
-        digits: Optional[int] = None,
-    ) -> None:
-        """Writes the path to a file, .ply, .csv, .xyz or .dxf, as :meth:`to_bytes` tells.
-
-        :param ascii: PLY as text
-        :raises ValueError: for another extension
-        :raises OSError: when the file cannot be written
-        """
-        write_file(path, self.to_bytes(format_of(path, ascii), digits))
 
     def plot(self, ax: Optional["Axes"] = None) -> "Axes":
         """Draws the contours in the plane of x and y with matplotlib.

@@ -26,6 +26,23 @@ TEST(FileReader, GivesEveryByteOfAFile) {
     EXPECT_TRUE(std::string(vector.begin(), vector.end()) == bytes);
 }
 
+TEST(FileReader, GivesFilesOfAnySize) {
+    const TemporaryDirectory directory;
+    const std::string path = directory.file("file");
+    // Small ones are read in smaller portions: as many bytes as one has, one more and one less, and
+    // several portions.
+    for (const std::size_t size : {0, 1, 4095, 4096, 4680, 4681, 4682, 9362, 9363, 37449, 262144}) {
+        std::string bytes(size, 'a');
+        for (std::size_t i = 0; i < size; ++i) {
+            bytes[i] = static_cast<char>('a' + i % 23);
+        }
+        std::ofstream(path, std::ios::binary) << bytes;
+        std::string text = "before";
+        ASSERT_TRUE(base::readFile(path, text)) << size;
+        ASSERT_TRUE(text == bytes) << size;
+    }
+}
+
 TEST(FileReader, GivesFilesThatTellNoSize) {
     std::string text;
     EXPECT_TRUE(base::readFile("/proc/self/status", text));
