@@ -170,22 +170,23 @@ void RunEndTree::findLevelsInReach(std::size_t leaf) {
     }
 }
 
-/// One search: the point, and the lowest end found so far.
+/// One search: how far, from which point, and the lowest end found so far.
 struct RunEndTree::Search {
     const RunEndTree& tree;
+    const JoinDistance& distance;
     const Point point;
     NumberedEnd best{};
 
     bool isOutOfReach(const Node& node) const {
-        return !tree.m_distance.meet(point, {nearest(point.x, node.low.x, node.high.x),
-                                             nearest(point.y, node.low.y, node.high.y),
-                                             nearest(point.z, node.low.z, node.high.z)});
+        return !distance.meet(point, {nearest(point.x, node.low.x, node.high.x),
+                                      nearest(point.y, node.low.y, node.high.y),
+                                      nearest(point.z, node.low.z, node.high.z)});
     }
 
     bool isInReach(const Node& node) const {
-        return tree.m_distance.meet(point, {farthest(point.x, node.low.x, node.high.x),
-                                            farthest(point.y, node.low.y, node.high.y),
-                                            farthest(point.z, node.low.z, node.high.z)});
+        return distance.meet(point, {farthest(point.x, node.low.x, node.high.x),
+                                     farthest(point.y, node.low.y, node.high.y),
+                                     farthest(point.z, node.low.z, node.high.z)});
     }
 
     void visit(std::size_t index) {
@@ -208,15 +209,15 @@ struct RunEndTree::Search {
         const std::size_t end = std::min(begin + endsPerLeaf, tree.m_ends.size());
         for (std::size_t i = begin; i < end; ++i) {
             const End& candidate = tree.m_ends[i];
-            if (candidate.number < best && tree.m_distance.meet(point, candidate.point)) {
+            if (candidate.number < best && distance.meet(point, candidate.point)) {
                 best = candidate.number;
             }
         }
     }
 };
 
-NumberedEnd RunEndTree::lowestAt(Index end) const {
-    Search search{*this, m_ends[end].point};
+NumberedEnd RunEndTree::lowestWithin(const JoinDistance& distance, Index end) const {
+    Search search{*this, distance, m_ends[end].point};
     std::size_t node = leafNode(end / endsPerLeaf);
     search.visit(node);
     for (std::uint32_t level = m_nodes[node].levelsInReach; level > 0; --level) {

@@ -47,7 +47,11 @@ public:
     bool meet(Index a, Index b) const { return m_distance.meet(m_ends[a].point, m_ends[b].point); }
 
     /// The lowest end that meets this one, or none.
-    NumberedEnd lowestAt(Index end) const;
+    NumberedEnd lowestAt(Index end) const { return lowestWithin(m_distance, end); }
+
+    /// The lowest end that is closer to this one than a distance, which is no more than that of
+    /// the tree, or none.
+    NumberedEnd lowestWithin(const JoinDistance& distance, Index end) const;
 
     /// Removes an end; of one that has been removed nothing is left to remove.
     void remove(Index end);

@@ -95,4 +95,9 @@ RankedEnd RunPool::lowestAt(RankedEnd end) const {
     return met.end();
 }
 
+RankedEnd RunPool::lowestWithin(const JoinDistance& distance, RankedEnd end) const {
+    const NumberedEnd lowest = m_crowd.lowestWithin(distance, metBy(end).indexInCrowd());
+    return lowest.exists() ? rankedOf(lowest) : RankedEnd();
+}
+
 } // namespace base

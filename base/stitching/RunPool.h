@@ -42,6 +42,13 @@ public:
     /// with the lowest number that has one. No end when there is none.
     RankedEnd lowestAt(RankedEnd end) const;
 
+    /// Whether an end meets more than one other, so that there may be a choice.
+    bool isCrowded(RankedEnd end) const { return metBy(end).isCrowd(); }
+
+    /// The same of the ends that are closer to a crowded end than a distance, which is no more than
+    /// that of the pool.
+    RankedEnd lowestWithin(const JoinDistance& distance, RankedEnd end) const;
+
 private:
     RunPool(const EndPoints& ends, const SpatialIndex& index, const JoinDistance& distance,
             StageProgress progress);

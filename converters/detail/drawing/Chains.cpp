@@ -24,6 +24,9 @@ enum class Role : std::uint8_t { alone, closed, open, dot };
 /// it: it would be mostly gap.
 constexpr double leastClosedLength = 4;
 
+/// Ends closer than this part of the distance are nearly equal: they differ by rounding.
+constexpr double nearlyEqual = 0.01;
+
 constexpr std::uint32_t entitiesPerReport = 1 << 14;
 
 Role roleOf(const Entity& entity, const EntityCurves::Extent& extent, double joinDistance) {
@@ -71,6 +74,7 @@ public:
     /// @param runs  those that are dots come first: they join wherever they are
     ChainBuilder(const Runs& runs, std::size_t dots, double joinDistance)
         : m_runs(runs), m_dots(dots), m_leastLength(leastClosedLength * joinDistance),
+          m_nearly(joinDistanceOf(nearlyEqual * joinDistance)),
           m_pool(runs.ends, joinDistanceOf(joinDistance)) {}
 
     /// Whether the run is in a chain already.
@@ -90,11 +94,14 @@ private:
             .ends[end.isLast() ? base::NumberedEnd::last(run) : base::NumberedEnd::first(run)];
     }
     bool closes(RankedEnd front, RankedEnd back) const;
+    bool goesOnNearer(RankedEnd tip) const;
+    RankedEnd nextAt(RankedEnd tip) const;
     std::optional<Joined> extend(RankedEnd& tip);
 
     const Runs& m_runs;
     std::size_t m_dots;
     double m_leastLength;
+    base::JoinDistance m_nearly;
     base::RunPool m_pool;
     /// Of the chain that grows.
     double m_length = 0;
@@ -136,21 +143,46 @@ void ChainBuilder::append(RunNumber run, std::vector<ChainLink>& links) {
 
 /// Whether a chain with these ends is back at its start.
 bool ChainBuilder::closes(RankedEnd front, RankedEnd back) const {
-    return m_pool.meet(back, front) &&
-           (m_length > m_leastLength || pointOf(back) == pointOf(front));
+    if (!m_pool.meet(back, front)) {
+        return false;
+    }
+    if (m_length <= m_leastLength) {
+        return pointOf(back) == pointOf(front);
+    }
+    return (!goesOnNearer(back) && !goesOnNearer(front)) ||
+           m_nearly.meet(pointOf(back), pointOf(front));
 }
 
-/// Joins the first run that has an end at the tip of the chain, by its first end when both are
-/// there. Of dots, which stand before all others, the tip stays where it is.
+/// Whether the chain goes on here with a run so short that it may be what fills the gap.
+bool ChainBuilder::goesOnNearer(RankedEnd tip) const {
+    const RankedEnd next = m_pool.isCrowded(tip) ? m_pool.lowestWithin(m_nearly, tip) : RankedEnd();
+    return next.exists() && m_runs.lengths[m_pool.numberOf(next.run())] <= m_leastLength;
+}
+
+/// The end that comes next at the tip of a chain: the lowest of those that are nearly equal, else
+/// of all that meet it.
+RankedEnd ChainBuilder::nextAt(RankedEnd tip) const {
+    const RankedEnd lowest = m_pool.lowestAt(tip);
+    const bool isDot = lowest.exists() && m_pool.numberOf(lowest.run()) < m_dots;
+    if (!lowest.exists() || isDot || !m_pool.isCrowded(tip) ||
+        m_nearly.meet(pointOf(lowest), pointOf(tip))) {
+        return lowest;
+    }
+    const RankedEnd nearer = m_pool.lowestWithin(m_nearly, tip);
+    return nearer.exists() ? nearer : lowest;
+}
+
+/// Joins the run that comes next at the tip of the chain, by its first end when both are there. Of
+/// dots, which stand before all others, the tip stays where it is.
 std::optional<ChainBuilder::Joined> ChainBuilder::extend(RankedEnd& tip) {
-    const RankedEnd met = m_pool.lowestAt(tip);
+    const RankedEnd met = nextAt(tip);
     if (!met.exists()) {
         return std::nullopt;
     }
     const RunRank rank = met.run();
     const RunNumber run = m_pool.numberOf(rank);
     m_pool.remove(rank);
-    const bool reversed = !m_pool.meet(tip, RankedEnd::first(rank));
+    const bool reversed = met.isLast();
     if (run >= m_dots) {
         tip = reversed ? RankedEnd::first(rank) : RankedEnd::last(rank);
         m_length += m_runs.lengths[run];

@@ -27,6 +27,10 @@ struct ChainLink {
 /// next, until none has or the contour is back at its start; then the same from its start
 /// backwards. Contours are in the order of their first entities.
 ///
+/// Ends that are nearly equal come before those that are only in reach. Otherwise contours of
+/// entities shorter than the join distance, as small drawings in large units have them, would be
+/// walked back and forth.
+///
 /// An entity that is closed by itself, and a POINT, is a contour of its own. One that is nothing
 /// but a dot belongs to a contour that has an end of an entity there.
 ///

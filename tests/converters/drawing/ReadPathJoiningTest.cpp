@@ -140,6 +140,48 @@ TEST(ReadPathJoining, ATinyContourIsClosedWhenItsEndsAreEqual) {
               "closed (0, 0) (0.0009, 0) (0.0009, 0.0009) (0, 0)\n");
 }
 
+TEST(ReadPathJoining, EqualEndsComeBeforeNearOnes) {
+    EXPECT_EQ(joined({"0 0 1 0", "1.0005 0 2 0", "1 0 2 1"}),
+              "(0, 0) (1, 0) (2, 1)\n(1.0005, 0) (2, 0)\n");
+    // Where all are near by rounding, the first one.
+    EXPECT_EQ(joined({"0 0 1 0", "1.000001 0 2 0", "1 0 2 1"}),
+              "(0, 0) (1, 0) (2, 0)\n(1, 0) (2, 1)\n");
+}
+
+/// A ring of so many lines, in a mixed order and direction.
+std::vector<std::string> mixedRing(int corners, double radius) {
+    const auto corner = [&](int i) {
+        const double angle = 2 * 3.14159265358979 * (i % corners) / corners;
+        return std::to_string(radius * std::cos(angle)) + " " +
+               std::to_string(radius * std::sin(angle));
+    };
+    std::vector<std::string> ring;
+    for (int i = 0; i < corners; ++i) {
+        const int side = i * 7 % corners;
+        ring.push_back(i % 2 == 0 ? corner(side) + " " + corner(side + 1)
+                                  : corner(side + 1) + " " + corner(side));
+    }
+    return ring;
+}
+
+TEST(ReadPathJoining, LinesShorterThanTheDistanceAreWalkedOnceInWhateverOrder) {
+    for (const int corners : {60, 180, 330}) {
+        const std::vector<std::string> ring = mixedRing(corners, 0.025);
+        PathOptions exact;
+        exact.joinDistance = 0;
+        const DrawingPath expected = pathOf(drawingOf(lines(ring)), exact);
+        const DrawingPath path = pathOf(drawingOf(lines(ring)));
+        ASSERT_EQ(path.contours.size(), 1U) << corners;
+        EXPECT_TRUE(path.contours[0].closed);
+        EXPECT_EQ(path.points, expected.points) << corners;
+    }
+}
+
+TEST(ReadPathJoining, AContourWithAGapIsClosedThoughALongLineBeginsThere) {
+    EXPECT_EQ(joined({"0 0 1 0", "1 0 1 1", "1 1 0 0.0005", "0 0.0005 -5 0"}),
+              "closed (0, 0) (1, 0) (1, 1) (0, 0)\n(0, 0.0005) (-5, 0)\n");
+}
+
 TEST(ReadPathJoining, PointsAreContoursOfTheirOwn) {
     EXPECT_EQ(describe(pathOf(
                   drawingOf(lines({"0 0 1 0"}) + "  0 POINT  10 1  20 0  " + lines({"1 0 1 1"})))),
