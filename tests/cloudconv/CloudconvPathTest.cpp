@@ -148,6 +148,32 @@ TEST_F(CloudconvPath, ReadsBinaryDrawings) {
     EXPECT_EQ(xyzOf(bytes), "0 0 0 1\n2 2 0 1\n");
 }
 
+TEST_F(CloudconvPath, SaysInPrintableWordsWhatAnOptionTakes) {
+    const auto whyNot = [&](const Texts& options) {
+        Texts arguments = {drawingFile(inMillimetres(line(0, 0, 1, 0))), in("out.ply")};
+        arguments.insert(arguments.end(), options.begin(), options.end());
+        const ProgramResult refused = run(arguments);
+        EXPECT_EQ(refused.status, 2);
+        return refused.errors;
+    };
+    const std::string help = ": see \"cloudconv convert --help\"\n";
+    EXPECT_EQ(whyNot({"--order", "best"}),
+              "cloudconv: --order: \"best\" is none of drawn, inside-first, nearest" + help);
+    EXPECT_EQ(whyNot({"--axes", "z"}), "cloudconv: --axes: \"z\" is none of drawing, plain" + help);
+    EXPECT_EQ(whyNot({"--unit", "mile"}),
+              "cloudconv: --unit: \"mile\" is none of cm, ft, in, m, mm" + help);
+    EXPECT_EQ(whyNot({"--to", "doc"}),
+              "cloudconv: --to: \"doc\" is none of csv, dxf, ply, xyz" + help);
+    EXPECT_EQ(whyNot({"--max-points", "0"}),
+              "cloudconv: --max-points: \"0\" is not a number from 1 to 1e+15" + help);
+}
+
+TEST_F(CloudconvPath, TakesChoicesInWhateverCase) {
+    const std::string drawing = inMillimetres(line(0, 0, 10, 0));
+    EXPECT_EQ(xyzOf(drawing, {"--unit", "CM", "--axes", "Plain", "--order", "Inside-First"}),
+              "0 0 0 1\n1 0 0 1\n");
+}
+
 TEST_F(CloudconvPath, RefusesOptionsThatMakeNoSense) {
     const std::string file = drawingFile(inMillimetres(line(0, 0, 1, 0)));
     for (const Texts& options :

@@ -7,19 +7,15 @@
 #include <limits>
 
 void addInputFormatOption(CLI::App& command, std::optional<FileFormat>& format) {
-    CLI::CheckedTransformer known(inputFormatNames(), CLI::ignore_case);
-    known.description("");
     command.add_option("--from", format, "format of the input: ply or dxf")
         ->type_name("FORMAT")
-        ->transform(known);
+        ->transform(oneOf(inputFormatNames()));
 }
 
 void addOutputFormatOption(CLI::App& command, std::optional<FileFormat>& format) {
-    CLI::CheckedTransformer known(outputFormatNames(), CLI::ignore_case);
-    known.description("");
     command.add_option("--to", format, "format of the output: ply, dxf, csv or xyz")
         ->type_name("FORMAT")
-        ->transform(known);
+        ->transform(oneOf(outputFormatNames()));
 }
 
 CLI::Validator numberBetween(double least, double most) {

@@ -4,7 +4,6 @@
 
 #include <array>
 #include <limits>
-#include <map>
 #include <string>
 
 namespace {
@@ -19,15 +18,8 @@ constexpr std::array<const char*, 12> pathOptions = {
     "--tolerance",    "--step",   "--join",        "--unit", "--scale", "--layer",
     "--except-layer", "--hidden", "--paper-space", "--axes", "--order", "--max-points"};
 
-/// A choice by name.
-template <typename Value>
-CLI::CheckedTransformer oneOf(const std::map<std::string, Value>& names) {
-    CLI::CheckedTransformer known(names, CLI::ignore_case);
-    known.description("");
-    return known;
-}
-
 void addLengths(CLI::App& command, converters::PathOptions& options) {
+    constexpr double mostPoints = 1e15;
     constexpr double least = std::numeric_limits<double>::min();
     constexpr double most = std::numeric_limits<double>::max();
     command
@@ -51,7 +43,7 @@ void addLengths(CLI::App& command, converters::PathOptions& options) {
     command
         .add_option("--max-points", options.maximumPoints,
                     "more points are refused, before memory is asked for")
-        ->check(CLI::PositiveNumber)
+        ->check(numberBetween(1, mostPoints))
         ->capture_default_str()
         ->group(group);
 }

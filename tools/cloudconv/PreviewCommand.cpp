@@ -61,9 +61,7 @@ template <typename Value>
 void addNamedOption(CLI::App& command, const std::string& name, std::optional<Value>& value,
                     const std::string& description, const std::string& typeName,
                     const std::map<std::string, Value>& names) {
-    CLI::CheckedTransformer known(names, CLI::ignore_case);
-    known.description("");
-    command.add_option(name, value, description)->type_name(typeName)->transform(known);
+    command.add_option(name, value, description)->type_name(typeName)->transform(oneOf(names));
 }
 
 void addDrawingOptions(CLI::App& command, PreviewOptions& options) {
@@ -124,11 +122,9 @@ void addPreviewCommand(CLI::App& app, Command& chosen) {
     addPathOptions(command, options->path);
     addPlainFlag(command, options->plain);
     addInputFormatOption(command, options->from);
-    CLI::CheckedTransformer known(pictureFormatNames(), CLI::ignore_case);
-    known.description("");
     command.add_option("--to", options->to, "format of PICTURE: png, svg, pdf or html")
         ->type_name("FORMAT")
-        ->transform(known);
+        ->transform(oneOf(pictureFormatNames()));
     addForceFlag(command, options->force);
     addQuietFlag(command, options->quiet);
     command.callback([options, &command, &chosen] {
