@@ -138,7 +138,7 @@ TEST(SamplingTest, LinesAreTheirEndsUnlessThereIsAStep) {
 
 TEST(SamplingTest, CirclesGetTheLeastNumberOfEvenChords) {
     const Curve curve = circle({3, 4, 5}, 10);
-    for (const double tolerance : {1e-4, 0.01, 0.5}) {
+    for (const double tolerance : {1e-4, 0.01, 0.1}) {
         const Points points = sampled(curve, {tolerance});
         const double chords = static_cast<double>(points.size() - 1);
         EXPECT_LE(10 * (1 - std::cos(pi / chords)), tolerance);
@@ -148,11 +148,42 @@ TEST(SamplingTest, CirclesGetTheLeastNumberOfEvenChords) {
     EXPECT_EQ(sampled(circle({0, 0, 0}, 5 / pi), {0.1, 0.1}).size(), 101U);
 }
 
-TEST(SamplingTest, NoChordOfACircleSpansMoreThanAQuarter) {
-    EXPECT_EQ(sampled(circle({0, 0, 0}, 1), {1e6}).size(), 5U);
-    EXPECT_EQ(sampled(*circularArc({0, 0, 0}, 1, 10, 190), {infinity}).size(), 3U);
-    EXPECT_EQ(sampled(*circularArc({0, 0, 0}, 1, 10, 80), {infinity}).size(), 2U);
-    EXPECT_EQ(sampled(*ellipse({0, 0, 0}, {2, 0, 0}, 0.9, {0, 0, 1}, 0, fullTurn), {9}).size(), 5U);
+TEST(SamplingTest, ACircleHasSixteenChordsAtLeast) {
+    EXPECT_EQ(sampled(circle({0, 0, 0}, 1), {1e6}).size(), 17U);
+    EXPECT_EQ(sampled(circle({0, 0, 0}, 1e-9), {0.01}).size(), 17U);
+    EXPECT_EQ(sampled(*circularArc({0, 0, 0}, 1, 10, 190), {infinity}).size(), 9U);
+    EXPECT_EQ(sampled(*circularArc({0, 0, 0}, 1, 10, 30), {infinity}).size(), 2U);
+}
+
+double lengthOfChords(const Points& points) {
+    double length = 0;
+    for (std::size_t i = 1; i < points.size(); ++i) {
+        length += distance(points[i - 1], points[i]);
+    }
+    return length;
+}
+
+TEST(SamplingTest, ChordsKeepTheLengthOfACurveHoweverLargeTheTolerance) {
+    RandomCurves random(11);
+    double length = 0;
+    double chords = 0;
+    for (int i = 0; i < 1000; ++i) {
+        const Curve curve = random.curve();
+        const double exact = lengthOf(curve);
+        const double sum = lengthOfChords(sampled(curve, {random.within(0.1, 5)}));
+        ASSERT_GE(sum + 1e-9, 0.95 * exact) << i;
+        length += exact;
+        chords += sum;
+    }
+    EXPECT_GE(chords, 0.99 * length);
+}
+
+TEST(SamplingTest, FlatEllipsesNeedNoMorePointsThanCircles) {
+    for (const double ratio : {0.5, 0.1, 1e-3, 1e-6, 1e-9}) {
+        const Curve curve = *ellipse({0, 0, 0}, {2, 0, 0}, ratio, {0, 0, 1}, 0, fullTurn);
+        EXPECT_LE(sampled(curve, {1}).size(), 21U) << ratio;
+        EXPECT_GE(lengthOfChords(sampled(curve, {1})), 0.99 * lengthOf(curve)) << ratio;
+    }
 }
 
 TEST(SamplingTest, FlatArcsKeepTheirPlaceHoweverFarTheirCentre) {

@@ -1,3 +1,7 @@
+// Chords that leave a curve by d are together shorter than it by about d / 3 times the angle that
+// it turns through: those over the angle a of a circle of radius r leave it by r a^2 / 8, and are
+// r a^3 / 24 shorter. So what keeps the length of a curve is a tolerance, too.
+
 #include "converters/detail/drawing/sampling/Sampling.h"
 
 #include "converters/detail/drawing/geometry/Angle.h"
@@ -13,6 +17,9 @@
 namespace converters::drawing {
 
 namespace {
+
+/// The part of its length that a curve may lose to its chords; a circle gets sixteen at least.
+constexpr double mostShortened = 0.0065;
 
 /// The least whole number not below a value, but for rounding: 10 for 1 / 0.1. At least 1;
 /// tooManyPoints for more than the maximum.
@@ -30,12 +37,56 @@ std::size_t countChords(const Line& line, const SamplingLimits& limits) {
     return chordsFor(lengthOf(line) / limits.step, limits);
 }
 
+/// What keeps the length of a curve that turns through an angle; at least a hundredth of the
+/// tolerance, beside which the curve is nothing.
+double toleranceFor(double length, double angle, double tolerance) {
+    constexpr double least = 0.01;
+    const double keepsLength = 3 * mostShortened * length;
+    return tolerance * angle > keepsLength ? std::max(keepsLength / angle, least * tolerance)
+                                           : tolerance;
+}
+
+/// The same of all of an ellipse: it is at least as long as a circle around the minor axis.
+double toleranceFor(const EllipticArc& arc, double tolerance) {
+    const double squares = arc.first.dot(arc.first) + arc.second.dot(arc.second);
+    const double area = lengthOf(arc.first.cross(arc.second));
+    const double major =
+        std::sqrt(0.5 * (squares + std::sqrt(std::max(squares * squares - 4 * area * area, 0.0))));
+    return area > 0 ? toleranceFor(area / major, 1, tolerance) : tolerance;
+}
+
+/// The same of a spline, by the polygon of its control points. Between two legs it turns by an
+/// angle a little larger than the distance of their directions.
+double toleranceFor(const BSpline& spline, double tolerance) {
+    const std::vector<Point>& points = spline.controlPoints;
+    double length = 0;
+    double angle = 0;
+    Vector before(0, 0, 0);
+    for (std::size_t i = 1; i < points.size(); ++i) {
+        const Vector leg = points[i] - points[i - 1];
+        const double legLength = lengthOf(leg);
+        if (legLength > 0) {
+            const Vector direction = leg * (1 / legLength);
+            angle += length > 0 ? lengthOf(direction - before) : 0;
+            length += legLength;
+            before = direction;
+        }
+    }
+    return length > 0 ? toleranceFor(length, angle, tolerance) : tolerance;
+}
+
+template <typename CurveKind>
+SamplingLimits limitsFor(const CurveKind& curve, SamplingLimits limits) {
+    limits.tolerance = toleranceFor(curve, limits.tolerance);
+    return limits;
+}
+
 // A chord over the angle a leaves its circle by r (1 - cos(a / 2)) = 2 r sin^2(a / 4).
 std::size_t countChords(const EllipticArc& circular, const SamplingLimits& limits) {
     const double radius = lengthOf(circular.first);
-    const double sine = std::sqrt(0.5 * limits.tolerance / radius);
-    const double byTolerance = 4 * std::asin(std::min(sine, 1.0));
-    const double longest = std::min({byTolerance, limits.step / radius, pi / 2});
+    const double tolerance = std::min(limits.tolerance, 3 * mostShortened * radius);
+    const double byTolerance = 4 * std::asin(std::sqrt(0.5 * tolerance / radius));
+    const double longest = std::min(byTolerance, limits.step / radius);
     return chordsFor(std::fabs(circular.sweep) / longest, limits);
 }
 
@@ -102,9 +153,10 @@ bool walk(const Curve& curve, const SamplingLimits& limits, PointSink& sink) {
     }
     if (const EllipticArc* const arc = std::get_if<EllipticArc>(&curve)) {
         return isCircular(*arc) ? walkCircle(*arc, countChords(*arc, limits), sink)
-                                : walkEllipse(*arc, limits, sink);
+                                : walkEllipse(*arc, limitsFor(*arc, limits), sink);
     }
-    return walkSpline(std::get<BSpline>(curve), limits, sink);
+    const BSpline& spline = std::get<BSpline>(curve);
+    return walkSpline(spline, limitsFor(spline, limits), sink);
 }
 
 } // namespace

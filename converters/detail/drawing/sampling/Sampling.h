@@ -11,8 +11,10 @@
 /// No point of a curve is farther than the tolerance from its chord, and no point of a chord from
 /// its curve: that is proven for each chord by a bound, not tried on a few points.
 ///
-/// - Circular arcs are divided evenly, with the least number of chords; no chord spans more than a
-///   quarter of a turn, however large the tolerance.
+/// Nor are the chords of a curve together more than a hundredth shorter than it, however large the
+/// tolerance: holes and fillets that are small beside it keep their shape.
+///
+/// - Circular arcs are divided evenly, with the least number of chords.
 /// - Ellipses are walked chord by chord, each as long as the exact distance of an elliptic arc
 ///   from its chord allows, with points at the ends of the major axis.
 /// - Splines are walked the same way: between parameters a and b, the curve leaves its chord by at
