@@ -119,11 +119,12 @@ def length_of(runs):
 
 
 def shortening(runs, sagitta):
-    """By how much chords may be shorter than what they leave by the sagitta at most."""
+    """By how much chords may be shorter than what they leave by the sagitta at most: of a path by no
+    more than a hundredth."""
     length = length_of(runs)
     count = sum(len(run) - 1 for run in runs)
     # 8/3 sagitta^2 / chord for each, for small sagittas.
-    return 4 * (sagitta * count) ** 2 / length if length else sagitta
+    return min(4 * (sagitta * count) ** 2 / length, 0.01 * length) if length else sagitta
 
 
 def compare(ours, theirs, on_curve, within, length_part=0.01):
