@@ -73,7 +73,8 @@ class ChainBuilder {
 public:
     /// @param runs  those that are dots come first: they join wherever they are
     ChainBuilder(const Runs& runs, std::size_t dots, double joinDistance)
-        : m_runs(runs), m_dots(dots), m_leastLength(leastClosedLength * joinDistance),
+        : m_runs(runs), m_dots(dots), m_joinDistance(joinDistance),
+          m_leastLength(leastClosedLength * joinDistance),
           m_nearly(joinDistanceOf(nearlyEqual * joinDistance)),
           m_pool(runs.ends, joinDistanceOf(joinDistance)) {}
 
@@ -93,6 +94,12 @@ private:
         return m_runs
             .ends[end.isLast() ? base::NumberedEnd::last(run) : base::NumberedEnd::first(run)];
     }
+    bool isShort(RankedEnd end) const {
+        return m_runs.lengths[m_pool.numberOf(end.run())] <= m_joinDistance;
+    }
+    bool areNearlyEqual(RankedEnd a, RankedEnd b) const {
+        return m_nearly.meet(pointOf(a), pointOf(b));
+    }
     bool closes(RankedEnd front, RankedEnd back) const;
     bool goesOnNearer(RankedEnd tip) const;
     RankedEnd nextAt(RankedEnd tip) const;
@@ -100,6 +107,7 @@ private:
 
     const Runs& m_runs;
     std::size_t m_dots;
+    double m_joinDistance;
     double m_leastLength;
     base::JoinDistance m_nearly;
     base::RunPool m_pool;
@@ -149,8 +157,9 @@ bool ChainBuilder::closes(RankedEnd front, RankedEnd back) const {
     if (m_length <= m_leastLength) {
         return pointOf(back) == pointOf(front);
     }
-    return (!goesOnNearer(back) && !goesOnNearer(front)) ||
-           m_nearly.meet(pointOf(back), pointOf(front));
+    const bool mayHaveGap =
+        !(isShort(back) && isShort(front)) && !goesOnNearer(back) && !goesOnNearer(front);
+    return mayHaveGap || areNearlyEqual(back, front);
 }
 
 /// Whether the chain goes on here with a run so short that it may be what fills the gap.
@@ -160,16 +169,20 @@ bool ChainBuilder::goesOnNearer(RankedEnd tip) const {
 }
 
 /// The end that comes next at the tip of a chain: the lowest of those that are nearly equal, else
-/// of all that meet it.
+/// of all that meet it. Between two runs that are shorter than the distance a gap would be as long
+/// as they are.
 RankedEnd ChainBuilder::nextAt(RankedEnd tip) const {
     const RankedEnd lowest = m_pool.lowestAt(tip);
-    const bool isDot = lowest.exists() && m_pool.numberOf(lowest.run()) < m_dots;
-    if (!lowest.exists() || isDot || !m_pool.isCrowded(tip) ||
-        m_nearly.meet(pointOf(lowest), pointOf(tip))) {
+    if (!lowest.exists() || m_pool.numberOf(lowest.run()) < m_dots) {
         return lowest;
     }
-    const RankedEnd nearer = m_pool.lowestWithin(m_nearly, tip);
-    return nearer.exists() ? nearer : lowest;
+    const bool areShort = isShort(tip) && isShort(lowest);
+    const bool isCrowded = m_pool.isCrowded(tip);
+    if ((!areShort && !isCrowded) || areNearlyEqual(lowest, tip)) {
+        return lowest;
+    }
+    const RankedEnd nearer = isCrowded ? m_pool.lowestWithin(m_nearly, tip) : RankedEnd();
+    return nearer.exists() || areShort ? nearer : lowest;
 }
 
 /// Joins the run that comes next at the tip of the chain, by its first end when both are there. Of

@@ -29,7 +29,7 @@ struct ChainLink {
 ///
 /// Ends that are nearly equal come before those that are only in reach. Otherwise contours of
 /// entities shorter than the join distance, as small drawings in large units have them, would be
-/// walked back and forth.
+/// walked back and forth. Two such entities join no others.
 ///
 /// An entity that is closed by itself, and a POINT, is a contour of its own. One that is nothing
 /// but a dot belongs to a contour that has an end of an entity there.

@@ -177,6 +177,14 @@ TEST(ReadPathJoining, LinesShorterThanTheDistanceAreWalkedOnceInWhateverOrder) {
     }
 }
 
+TEST(ReadPathJoining, LinesShorterThanTheDistanceJoinOnlyEqualEnds) {
+    const std::vector<std::string> loose = {"0 0 0.0004 0", "0 0.0005 0.0004 0.0005"};
+    EXPECT_EQ(joined(loose), "(0, 0) (0.0004, 0)\n(0, 0.0005) (0.0004, 0.0005)\n");
+    // Beside a longer one a gap is nothing.
+    EXPECT_EQ(joined({"0 0 1 0", "1.0005 0 1.0009 0", "1.0012 0 2 0"}),
+              "(0, 0) (1, 0) (1.0009, 0) (2, 0)\n");
+}
+
 TEST(ReadPathJoining, AContourWithAGapIsClosedThoughALongLineBeginsThere) {
     EXPECT_EQ(joined({"0 0 1 0", "1 0 1 1", "1 1 0 0.0005", "0 0.0005 -5 0"}),
               "closed (0, 0) (1, 0) (1, 1) (0, 0)\n(0, 0.0005) (-5, 0)\n");
