@@ -293,13 +293,14 @@ constexpr double defaultJoinDistance = 0.001;
 /// How a drawing becomes a path. Lengths are in units of the result.
 struct PathOptions {
     /// The most that a chord may leave its curve; above 0. By default 0.01 mm, or 0.01 where no
-    /// unit is known.
+    /// unit is known. However large it is, chords keep the length of a curve to a hundredth.
     std::optional<double> tolerance;
     /// The most between neighbouring points, of straight lines, too; above 0. By default without
     /// limit.
     std::optional<double> step;
-    /// Ends of entities closer than this are one point; 0 joins equal ends only. By default
-    /// defaultJoinDistance, 0.001, units of the drawing.
+    /// Ends of entities closer than this are one point; 0 joins equal ends only, and so do two
+    /// entities that are shorter than this. By default defaultJoinDistance, 0.001, units of the
+    /// drawing.
     std::optional<double> joinDistance;
     /// The unit of the result; none: that of the drawing.
     LengthUnit unit = LengthUnit::none;
