@@ -13,7 +13,9 @@ target_compile_options(
             -Werror
             # A fused multiply-add rounds once where two operations round twice: results would
             # depend on the processor.
-            -ffp-contract=off)
+            -ffp-contract=off
+            # Nobody asks errno about a root, and setting it keeps loops from being vectorised.
+            -fno-math-errno)
 target_compile_definitions(converters_compiler_settings
                            INTERFACE $<$<CONFIG:Debug>:_GLIBCXX_ASSERTIONS>)
 

@@ -3,6 +3,7 @@
 #include "converters/detail/drawing/geometry/Angle.h"
 #include "converters/detail/drawing/geometry/CurveOperations.h"
 #include "converters/detail/drawing/geometry/EllipticArcs.h"
+#include "converters/detail/drawing/sampling/EvenSteps.h"
 #include "converters/detail/drawing/sampling/SplineChord.h"
 #include "converters/detail/drawing/sampling/SplineCorners.h"
 #include "tests/converters/drawing/support/RandomCurves.h"
@@ -98,6 +99,49 @@ TEST(SamplingTest, NoPointOfACurveOrAChordIsFartherThanTheToleranceFromTheOther)
                   limits.tolerance + 0.1 * longestChord(exact))
             << i;
     }
+}
+
+TEST(SamplingTest, FineStepsKeepTheToleranceAndTheStepToo) {
+    RandomCurves random(9);
+    for (int i = 0; i < 40; ++i) {
+        Curve curve = random.curve();
+        if (BSpline* const spline = std::get_if<BSpline>(&curve)) {
+            spline->weights.clear();
+        }
+        SamplingLimits limits{std::pow(10, random.within(-3.5, -2))};
+        limits.step = random.oneIn(2) ? infinity : random.within(0.05, 0.5);
+        const Points points = sampled(curve, limits);
+        ASSERT_LE(farthestFrom(points, dense(curve)), limits.tolerance * (1 + 1e-9)) << i;
+        ASSERT_LE(longestChord(points), limits.step * (1 + 1e-9)) << i;
+    }
+}
+
+TEST(EvenStepsTest, HaveEqualSharesAndEndWhereTheNodesDo) {
+    EvenSteps steps;
+    steps.begin(10);
+    steps.add(11, 1);
+    steps.add(11.5, 4);
+    steps.add(20, 3);
+    EXPECT_EQ(steps.total(), 8);
+    EXPECT_EQ(steps.start(), 10);
+    EXPECT_EQ(steps.end(), 20);
+    for (const std::size_t number : {std::size_t{8}, 3 * EvenSteps::atATime, std::size_t{1}}) {
+        std::vector<double> ends;
+        EXPECT_TRUE(steps.divide(number, [&](const double* some, std::size_t count) {
+            ends.insert(ends.end(), some, some + count);
+            return true;
+        }));
+        ASSERT_EQ(ends.size(), number);
+        EXPECT_EQ(ends.back(), 20);
+        for (std::size_t i = 0; i < number; ++i) {
+            const double sum = 8 * static_cast<double>(i + 1) / static_cast<double>(number);
+            const double at = sum <= 1   ? 10 + sum
+                              : sum <= 5 ? 11 + (sum - 1) / 8
+                                         : 11.5 + (sum - 5) / 3 * 8.5;
+            EXPECT_NEAR(ends[i], at, 1e-13);
+        }
+    }
+    EXPECT_FALSE(steps.divide(8, [](const double*, std::size_t) { return false; }));
 }
 
 TEST(SamplingTest, PointsLieOnTheCurve) {

@@ -5,6 +5,7 @@
 #include "converters/detail/drawing/geometry/SplineSpans.h"
 #include "converters/detail/drawing/sampling/SplineChord.h"
 #include "converters/detail/drawing/sampling/SplineCorners.h"
+#include "converters/detail/drawing/sampling/SplineSteps.h"
 #include "converters/detail/drawing/sampling/StepSearch.h"
 
 #include <algorithm>
@@ -86,6 +87,21 @@ private:
     }
 
     bool walkTo(double corner, bool isEnd) {
+        if (!m_curves.isPlain() || !m_steps.divide(m_here, corner)) {
+            return walkByTrying(corner, isEnd);
+        }
+        return m_steps.visit([&](const SplinePlace& place, bool fits) {
+            const bool isLast = place.parameter == corner;
+            if (!fits) {
+                m_guess = 0.5 * (place.parameter - m_here.parameter);
+                return walkByTrying(place.parameter, isEnd && isLast);
+            }
+            m_here = isLast ? placeAt(corner) : place;
+            return isEnd && isLast ? takeEnd() : take(m_here.point);
+        });
+    }
+
+    bool walkByTrying(double corner, bool isEnd) {
         while (m_here.parameter < corner) {
             const std::optional<SplinePlace> place = next(corner);
             if (!place) {
@@ -154,6 +170,7 @@ private:
     double m_leastStep = 0;
     double m_longestStep = 0;
     double m_guess = 0;
+    SplineSteps m_steps{m_curves, m_limits};
 };
 
 } // namespace
