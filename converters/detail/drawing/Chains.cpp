@@ -61,6 +61,12 @@ struct Runs {
     std::vector<std::uint32_t> drawn;
     std::vector<double> lengths;
 
+    void reserve(std::size_t runs) {
+        ends.reserve(runs);
+        base::reserveLarge(drawn, runs);
+        base::reserveLarge(lengths, runs);
+    }
+
     void add(std::uint32_t index, const EntityCurves::Extent& extent) {
         ends.add(endAt(extent.start), endAt(extent.end));
         drawn.push_back(index);
@@ -253,6 +259,7 @@ void Joiner::sortByRole(const LayerTable& layers, LeftOutTable& leftOut, const P
     const KindNumbers kinds(m_drawing.kindNames);
     std::vector<DrawnEntity>& drawn = m_expansion.drawn;
     base::reserveLarge(m_roles, drawn.size());
+    m_open.reserve(drawn.size());
     std::uint32_t kept = 0;
     for (std::size_t i = 0; i < drawn.size(); ++i) {
         const Entity& entity = m_drawing.entities[drawn[i].entity];

@@ -1,6 +1,7 @@
 #include "converters/detail/drawing/PathWriter.h"
 
 #include "base/LargePages.h"
+#include "converters/detail/drawing/BlockSamples.h"
 #include "converters/detail/drawing/Refusal.h"
 #include "converters/detail/drawing/dxf/EntityCurves.h"
 #include "converters/detail/drawing/dxf/Saturating.h"
@@ -29,7 +30,8 @@ struct ContourState {
 ///
 ///     begin(start)         a contour begins
 ///     entity(drawn)        an entity of it, whose curves follow
-///     curve(curve)         a curve with extent, from the end of the one before
+///     curve(curve, link)   a curve with extent, from the end of the one before; that of a link,
+///                          or null
 ///     end(closed, start)   the contour ends, at its start where it is closed
 template <typename Sink>
 class ContourWalk {
@@ -43,7 +45,7 @@ public:
 
 private:
     void begin(const Point& start);
-    void follow(Curve&& curve);
+    void follow(Curve&& curve, const ChainLink& link);
     void bridge(const Point& to);
 
     const JoinedDrawing& m_joined;
@@ -79,7 +81,7 @@ void ContourWalk<Sink>::follow(const ChainLink& link) {
             m_sink.entity(entity, placement);
         }
         if (curve) {
-            follow(std::move(*curve));
+            follow(std::move(*curve), link);
         }
     }
     if (link.endsChain) {
@@ -92,36 +94,62 @@ void ContourWalk<Sink>::follow(const ChainLink& link) {
 }
 
 template <typename Sink>
-void ContourWalk<Sink>::follow(Curve&& curve) {
+void ContourWalk<Sink>::follow(Curve&& curve, const ChainLink& link) {
     if (isDot(curve)) {
         return;
     }
     bridge(startOf(curve));
     m_state.last = endOf(curve);
-    m_sink.curve(std::move(curve));
+    m_sink.curve(std::move(curve), &link);
 }
 
 /// Leads to where the next curve starts, if that is not here.
 template <typename Sink>
 void ContourWalk<Sink>::bridge(const Point& to) {
     if (m_state.last != to && distance(m_state.last, to) > m_tolerance) {
-        m_sink.curve(Line{m_state.last, to});
+        m_sink.curve(Line{m_state.last, to}, nullptr);
     }
 }
+
+/// The points of curves that blocks draw again and again.
+class SamplesOfBlocks {
+public:
+    SamplesOfBlocks(const JoinedDrawing& joined, const SamplingLimits& limits)
+        : m_joined(joined), m_samples(joined.drawing, limits) {}
+
+    /// @param link  null for what is of no entity
+    /// @return null for most curves
+    const BlockSamples::Samples* find(const ChainLink* link) {
+        if (link == nullptr || link->reversed || !placementOf(*link).isBlock) {
+            return nullptr;
+        }
+        return m_samples.find(m_joined.expansion.drawn[link->drawn].entity, placementOf(*link).map);
+    }
+
+    const Placement& placementOf(const ChainLink& link) const {
+        return m_joined.expansion.placements[m_joined.expansion.drawn[link.drawn].placement];
+    }
+
+private:
+    const JoinedDrawing& m_joined;
+    BlockSamples m_samples;
+};
 
 /// Counts what contours will take.
 class Counter {
 public:
     /// @param path  what is written already
-    Counter(const SamplingLimits& limits, const DrawingPath& path)
+    Counter(const SamplingLimits& limits, SamplesOfBlocks& samples, const DrawingPath& path)
         : points(path.points.size()), contours(path.contours.size()), pieces(path.pieces.size()),
           entities(path.entities.size()), arcs(path.arcs.size()),
-          ellipticArcs(path.ellipticArcs.size()), splines(path.splines.size()), m_limits(limits) {}
+          ellipticArcs(path.ellipticArcs.size()), splines(path.splines.size()), m_limits(limits),
+          m_samples(samples) {}
 
     void begin(const Point&) { addPoints(1); }
     void entity(const Entity&, const Placement&) { ++entities; }
-    void curve(const Curve& curve) {
-        addPoints(countPoints(curve, m_limits));
+    void curve(const Curve& curve, const ChainLink* link) {
+        const BlockSamples::Samples* const samples = m_samples.find(link);
+        addPoints(samples != nullptr ? samples->points.size() : countPoints(curve, m_limits));
         ++pieces;
         ++m_piecesOfContour;
         if (const auto* const arc = std::get_if<EllipticArc>(&curve)) {
@@ -163,6 +191,7 @@ private:
     }
 
     const SamplingLimits& m_limits;
+    SamplesOfBlocks& m_samples;
     std::size_t m_piecesOfContour = 0;
 };
 
@@ -195,14 +224,14 @@ class Writer {
 public:
     /// @param mostPoints  how many points there is room for
     Writer(const LayerTable& layers, const SamplingLimits& limits, std::size_t mostPoints,
-           DrawingPath& path)
-        : m_layers(layers), m_limits(limits), m_path(path) {
+           SamplesOfBlocks& samples, DrawingPath& path)
+        : m_layers(layers), m_limits(limits), m_samples(samples), m_path(path) {
         m_limits.maximumPoints = mostPoints;
     }
 
     void begin(const Point& start);
     void entity(const Entity& entity, const Placement& placement);
-    void curve(Curve&& curve);
+    void curve(Curve&& curve, const ChainLink* link);
     void end(bool closed, const Point& start);
 
     /// Whether there was no room for a curve. What came since is to be taken back.
@@ -235,12 +264,14 @@ private:
     std::uint32_t keep(Curve&& curve, PathCurveKind& kind);
 
     bool append(const Curve& curve);
+    bool append(const BlockSamples::Samples& samples, const Affine& map, const Point& end);
 
     void extendBounds();
 
     const LayerTable& m_layers;
     /// For all points together.
     SamplingLimits m_limits;
+    SamplesOfBlocks& m_samples;
     DrawingPath& m_path;
     PathContour m_contour{};
     bool m_isFull = false;
@@ -324,11 +355,29 @@ bool Writer::append(const Curve& curve) {
     return appendPoints(curve, limits, m_path.points);
 }
 
-void Writer::curve(Curve&& curve) {
+/// Appends the points that a curve of a block has where that was drawn before.
+/// @return false where there is no room
+bool Writer::append(const BlockSamples::Samples& samples, const Affine& map, const Point& end) {
+    const std::size_t first = m_path.points.size();
+    if (samples.points.size() > m_limits.maximumPoints - first) {
+        return false;
+    }
+    m_path.points.resize(first + samples.points.size());
+    std::transform(samples.points.begin(), samples.points.end(),
+                   m_path.points.begin() + static_cast<std::ptrdiff_t>(first),
+                   [map](const Point& point) { return map(point); });
+    m_path.points.back() = end;
+    return true;
+}
+
+void Writer::curve(Curve&& curve, const ChainLink* link) {
     PathPiece piece{};
     piece.firstPoint = m_path.points.size() - 1;
-    m_contour.length += lengthOf(curve);
-    m_isFull = m_isFull || !append(curve);
+    const BlockSamples::Samples* const samples = m_samples.find(link);
+    m_contour.length += samples != nullptr ? samples->length : lengthOf(curve);
+    m_isFull = m_isFull || !(samples != nullptr
+                                 ? append(*samples, m_samples.placementOf(*link).map, endOf(curve))
+                                 : append(curve));
     piece.lastPoint = m_path.points.size() - 1;
     piece.entity = static_cast<std::uint32_t>(m_path.entities.size() - 1);
     piece.curve = keep(std::move(curve), piece.kind);
@@ -390,13 +439,19 @@ std::size_t followLinks(const std::vector<ChainLink>& links, std::size_t from,
 
 /// Room for what so many entities mostly become: memory that is not touched costs nothing, moving
 /// what has grown does.
-void reserveFor(std::size_t entities, const SamplingLimits& limits, std::size_t mostPoints,
-                DrawingPath& path) {
+void reserveFor(const std::vector<ChainLink>& links, const SamplingLimits& limits,
+                std::size_t mostPoints, DrawingPath& path) {
+    const std::size_t entities = links.size();
     const std::size_t pointsOfOne = std::isinf(limits.step) ? 64 : 192;
     constexpr std::size_t piecesOfOne = 4;
+    constexpr std::size_t arcsOfOne = 2;
+    const auto contours = static_cast<std::size_t>(std::count_if(
+        links.begin(), links.end(), [](const ChainLink& link) { return link.endsChain; }));
     base::reserveLarge(path.points, std::min(entities * pointsOfOne, mostPoints));
     base::reserveLarge(path.pieces, std::min(entities * piecesOfOne, mostPoints));
+    base::reserveLarge(path.arcs, std::min(entities * arcsOfOne, mostPoints));
     base::reserveLarge(path.entities, std::min(entities, mostPoints));
+    base::reserveLarge(path.contours, std::min(contours, mostPoints));
 }
 
 } // namespace
@@ -409,8 +464,9 @@ void writeContours(const JoinedDrawing& joined, const PathSettings& settings, Dr
     const SamplingLimits& limits = settings.limits;
     const std::vector<ChainLink>& links = joined.links;
     const std::size_t room = std::min(limits.maximumPoints, freely);
-    reserveFor(links.size(), limits, room, path);
-    Writer writer(joined.layers, limits, room, path);
+    reserveFor(links, limits, room, path);
+    SamplesOfBlocks samples(joined, limits);
+    Writer writer(joined.layers, limits, room, samples, path);
     ContourWalk<Writer> walk(joined, limits.tolerance, writer);
     const Progress first = progress.part(0, endOfCounting);
     const std::size_t written = followLinks(links, 0, first, [&](const ChainLink& link) {
@@ -426,7 +482,7 @@ void writeContours(const JoinedDrawing& joined, const PathSettings& settings, Dr
     if (written == links.size()) {
         return;
     }
-    Counter counter(limits, path);
+    Counter counter(limits, samples, path);
     ContourWalk<Counter> counting(joined, limits.tolerance, counter);
     counting.state() = walk.state();
     followLinks(links, written, first, [&](const ChainLink& link) {

@@ -7,6 +7,8 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <sstream>
+#include <vector>
 
 namespace {
 
@@ -303,6 +305,107 @@ TEST(ReadPathBlocks, WhoseBasePointIsNoNumberAreBroken) {
         EXPECT_TRUE(path.points.empty());
         EXPECT_EQ(leftOut(path), "1 POINT on 0: broken\n");
     }
+}
+
+/// An INSERT of the block "a", and where it draws a point of that.
+struct Placed {
+    double x;
+    double y;
+    Point scale;
+    double degrees;
+
+    std::string text() const {
+        std::ostringstream text;
+        text << "0 INSERT  2 a  10 " << x << "  20 " << y << "  41 " << scale.x << "  42 "
+             << scale.y << "  43 " << scale.z << "  50 " << degrees << "  ";
+        return text.str();
+    }
+    Point operator()(const Point& point) const {
+        const double angle = degrees / 180 * 3.14159265358979323846;
+        const double u = scale.x * point.x;
+        const double v = scale.y * point.y;
+        return {x + std::cos(angle) * u - std::sin(angle) * v,
+                y + std::sin(angle) * u + std::cos(angle) * v, scale.z * point.z};
+    }
+    /// The x within the block of a point that it draws.
+    double xOf(const Point& point) const {
+        const double angle = degrees / 180 * 3.14159265358979323846;
+        return (std::cos(angle) * (point.x - x) + std::sin(angle) * (point.y - y)) / scale.x;
+    }
+};
+
+double lengthOf(const Point& way) {
+    return std::sqrt(way.dot(way));
+}
+
+double distanceFromLine(const Point& point, const Point& from, const Point& to) {
+    const Point way = to - from;
+    const Point across = (point - from).cross(way);
+    return lengthOf(across) / lengthOf(way);
+}
+
+// The spline is x, x^2, z x for x from -1 to 1; flat ones keep their points where z is stretched.
+TEST(ReadPathBlocks, DrawCurvesFinelyEnoughWhereverTheyAreDrawnAgain) {
+    const std::vector<Placed> places = {{0, 0, {1, 1, 1}, 0},    {10, 5, {1, 1, 1}, 30},
+                                        {-7, 3, {-1, 1, 1}, 77}, {100, 0, {1, -1, -1}, 200},
+                                        {5, 5, {5, 5, 5}, 10},   {5, 50, {1, 1, 3}, 45},
+                                        {3, 9, {1, 4, 1}, 60},   {0, 70, {0.1, 0.1, 0.1}, 5},
+                                        {1, 1, {5, 5, 5}, 90},   {1e6, 1e6, {1, 1, 1}, 123.4}};
+    for (const double z : {0.0, 1.0}) {
+        std::ostringstream spline;
+        spline << "0 SPLINE  71 2  40 0  40 0  40 0  40 1  40 1  40 1  10 -1  20 1  30 " << -z
+               << "  10 0  20 -1  30 0  10 1  20 1  30 " << z;
+        std::string inserts;
+        for (const Placed& place : places) {
+            inserts += place.text();
+        }
+        converters::PathOptions options;
+        options.tolerance = 1e-4;
+        const DrawingPath path = pathOf(drawing(block("a", spline.str()), inserts), options);
+        ASSERT_EQ(path.contours.size(), places.size());
+        for (std::size_t i = 0; i < places.size(); ++i) {
+            const Placed& place = places[i];
+            const double rounding = 1e-15 * std::abs(place.x) + 1e-12;
+            const auto pointOf = [&](double x) { return place({x, x * x, z * x}); };
+            const auto end = path.contours[i].endPoint - 1;
+            for (auto k = path.contours[i].firstPoint; k < end; ++k) {
+                const Point& from = path.points[k];
+                const Point& to = path.points[k + 1];
+                const double x0 = place.xOf(from);
+                const double x1 = place.xOf(to);
+                ASSERT_LT(x0, x1);
+                ASSERT_LE(lengthOf(pointOf(x0) - from), rounding);
+                // The farthest point of a parabola from its chord.
+                ASSERT_LE(distanceFromLine(pointOf(0.5 * (x0 + x1)), from, to),
+                          *options.tolerance + rounding);
+            }
+            EXPECT_LE(lengthOf(path.points[end] - place({1, 1, z})), rounding);
+            double length = 0;
+            for (double x = -1; x < 1; x += 0x1p-10) {
+                length += lengthOf(pointOf(x + 0x1p-10) - pointOf(x));
+            }
+            EXPECT_NEAR(path.contours[i].length, length, 1e-6 * length + rounding);
+        }
+    }
+}
+
+TEST(ReadPathBlocks, OfManyPointsAreAllowedUpToTheMaximum) {
+    std::string inserts;
+    for (int i = 0; i < 60; ++i) {
+        inserts += Placed{3.0 * i, 0, {1, 1, 1}, 7.0 * i}.text();
+    }
+    const std::string text =
+        drawing(block("a", "0 ELLIPSE  10 0  20 0  11 1  21 0  40 0.5  41 0  42 6.283185307179586"),
+                inserts);
+    converters::PathOptions options;
+    options.tolerance = 1e-9;
+    // More than are written without counting them first.
+    const std::size_t number = pathOf(text, options).points.size();
+    EXPECT_GT(number, std::size_t{1} << 21);
+    options.maximumPoints = number;
+    EXPECT_EQ(pathOf(text, options).points.size(), number);
+    options.maximumPoints = number - 1;
+    EXPECT_EQ(refusalOf(text, options), "more than " + std::to_string(number - 1) + " points");
 }
 
 } // namespace

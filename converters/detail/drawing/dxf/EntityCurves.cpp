@@ -14,24 +14,46 @@ Point pointAt(const double* numbers) {
     return {numbers[0], numbers[1], numbers[2]};
 }
 
+bool isDot(const Line& line) {
+    return line.start == line.end;
+}
+bool isDot(const EllipticArc& arc) {
+    return arc.first == Vector(0, 0, 0) && arc.second == Vector(0, 0, 0);
+}
+bool isDot(const BSpline& spline) {
+    const std::vector<Point>& points = spline.controlPoints;
+    return std::all_of(points.begin(), points.end(),
+                       [&](const Point& point) { return point == points.front(); });
+}
+
 /// Whether what starts here, and is so long at most, has coordinates to calculate with.
 bool isInReach(const Point& start, double length) {
     constexpr double farthest = 1e150;
     return length <= farthest && lengthOf(start) <= farthest;
 }
 
+double roughLength(const Line& line) {
+    return lengthOf(line);
+}
+double roughLength(const EllipticArc& arc) {
+    return std::abs(arc.sweep) * std::max(lengthOf(arc.first), lengthOf(arc.second));
+}
+double roughLength(const BSpline& spline) {
+    double length = 0;
+    for (std::size_t i = 1; i < spline.controlPoints.size(); ++i) {
+        length += distance(spline.controlPoints[i - 1], spline.controlPoints[i]);
+    }
+    return length;
+}
 double roughLength(const Curve& curve) {
-    if (const auto* const arc = std::get_if<EllipticArc>(&curve)) {
-        return std::abs(arc->sweep) * std::max(lengthOf(arc->first), lengthOf(arc->second));
-    }
-    if (const auto* const spline = std::get_if<BSpline>(&curve)) {
-        double length = 0;
-        for (std::size_t i = 1; i < spline->controlPoints.size(); ++i) {
-            length += distance(spline->controlPoints[i - 1], spline->controlPoints[i]);
-        }
-        return length;
-    }
-    return lengthOf(curve);
+    return std::visit([](const auto& each) { return roughLength(each); }, curve);
+}
+
+template <typename OneCurve>
+EntityCurves::Extent extentOf(const OneCurve& curve) {
+    const Point start = startOf(curve);
+    const double length = roughLength(curve);
+    return {start, endOf(curve), length, isInReach(start, length) && isFinite(curve), isDot(curve)};
 }
 
 } // namespace
@@ -152,11 +174,10 @@ EntityCurves::Extent EntityCurves::extent() const {
         const double length = distance(from, to);
         return {from, to, length, isInReach(from, length), from == to};
     }
-    const Curve curve = only();
-    const Point from = startOf(curve);
-    const double length = roughLength(curve);
-    return {from, endOf(curve), length, isInReach(from, length) && drawing::isFinite(curve),
-            drawing::isDot(curve)};
+    if (m_entity.kind == EntityKind::spline && m_map->isIdentity()) {
+        return extentOf(m_drawing.splines[m_entity.data]);
+    }
+    return std::visit([](const auto& curve) { return extentOf(curve); }, only());
 }
 
 EntityCurves::Extent EntityCurves::polylineExtent() const {
@@ -179,15 +200,7 @@ EntityCurves::Extent EntityCurves::polylineExtent() const {
 }
 
 bool isDot(const Curve& curve) {
-    if (const auto* const line = std::get_if<Line>(&curve)) {
-        return line->start == line->end;
-    }
-    if (const auto* const arc = std::get_if<EllipticArc>(&curve)) {
-        return arc->first == Vector(0, 0, 0) && arc->second == Vector(0, 0, 0);
-    }
-    const std::vector<Point>& points = std::get<BSpline>(curve).controlPoints;
-    return std::all_of(points.begin(), points.end(),
-                       [&](const Point& point) { return point == points.front(); });
+    return std::visit([](const auto& each) { return isDot(each); }, curve);
 }
 
 } // namespace converters::drawing

@@ -365,6 +365,14 @@ bool EntityParser<Groups>::readSplineNumber(SplineDefinition& definition) {
         }
         return true;
     }
+    if (code == 72 || code == 73) {
+        // A hint only: counts lie.
+        constexpr std::int64_t mostBelieved = 256;
+        const auto number =
+            static_cast<std::size_t>(std::clamp<std::int64_t>(m_groups.integer(), 0, mostBelieved));
+        code == 72 ? definition.knots.reserve(number) : definition.controlPoints.reserve(number);
+        return true;
+    }
     if (code == 40 || code == 41) {
         (code == 40 ? definition.knots : definition.weights).push_back(m_groups.real());
         return true;

@@ -145,20 +145,20 @@ Curve reversed(Curve curve) {
                       std::move(curve));
 }
 
-bool isFinite(const Curve& curve) {
-    if (const Line* const line = std::get_if<Line>(&curve)) {
-        return isFinite(line->start) && isFinite(line->end);
-    }
-    if (const EllipticArc* const arc = std::get_if<EllipticArc>(&curve)) {
-        const Point centre = arc->centre;
-        // The sum is finite only when all of these are, and every point of the arc.
-        const double reach = lengthOf(centre) + lengthOf(arc->first) + lengthOf(arc->second);
-        return std::isfinite(reach + arc->from + arc->sweep) && isFinite(arc->start) &&
-               isFinite(arc->end);
-    }
-    const BSpline& spline = std::get<BSpline>(curve);
+bool isFinite(const Line& line) {
+    return isFinite(line.start) && isFinite(line.end);
+}
+bool isFinite(const EllipticArc& arc) {
+    // The sum is finite only when all of these are, and every point of the arc.
+    const double reach = lengthOf(arc.centre) + lengthOf(arc.first) + lengthOf(arc.second);
+    return std::isfinite(reach + arc.from + arc.sweep) && isFinite(arc.start) && isFinite(arc.end);
+}
+bool isFinite(const BSpline& spline) {
     return std::all_of(spline.controlPoints.begin(), spline.controlPoints.end(),
                        [](const Point& point) { return isFinite(point); });
+}
+bool isFinite(const Curve& curve) {
+    return std::visit([](const auto& each) { return isFinite(each); }, curve);
 }
 
 } // namespace converters::drawing

@@ -54,6 +54,9 @@ double lengthOf(const BSpline& spline);
 double lengthOf(const Curve& curve);
 
 /// Whether a curve is finite: all coordinates, and those between its ends.
+bool isFinite(const Line& line);
+bool isFinite(const EllipticArc& arc);
+bool isFinite(const BSpline& spline);
 bool isFinite(const Curve& curve);
 
 } // namespace converters::drawing
