@@ -20,6 +20,9 @@
 /// - Splines are walked the same way: between parameters a and b, the curve leaves its chord by at
 ///   most (b - a)^2 / 8 times the largest second derivative across the chord. There are points at
 ///   knots as multiple as the degree, and at cusps.
+/// - Where an ellipse or a spline without weights needs a good many chords, all of them are planned
+///   at once by how much it bends, and measured by the same bounds; only what turns out too long is
+///   walked.
 namespace converters::drawing {
 
 /// How finely curves are sampled.
