@@ -24,6 +24,7 @@
 #include <fstream>
 #include <functional>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -54,36 +55,50 @@ double statusOf(const std::string& name) {
     return 0;
 }
 
-/// The least time of some rounds, each in a child process; `work` returns the number of points.
-Cost costOf(int rounds, const std::function<std::size_t()>& work) {
-    Cost least;
+/// What some work costs in a child process; `work` returns the number of points.
+Cost costOf(const std::function<std::size_t()>& work) {
+    Cost cost;
+    int ends[2];
+    if (pipe(ends) != 0) {
+        return cost;
+    }
+    const pid_t child = fork();
+    if (child == 0) {
+        malloc_trim(0);
+        std::ofstream("/proc/self/clear_refs") << 5;
+        const double memory = statusOf("VmRSS");
+        const double start = cpuSeconds();
+        cost.points = static_cast<double>(work());
+        cost.seconds = cpuSeconds() - start;
+        cost.kibibytes = statusOf("VmHWM") - memory;
+        _exit(write(ends[1], &cost, sizeof cost) == sizeof cost ? 0 : 1);
+    }
+    close(ends[1]);
+    Cost told;
+    const bool isTold = read(ends[0], &told, sizeof told) == sizeof told;
+    close(ends[0]);
+    waitpid(child, nullptr, 0);
+    return isTold ? told : cost;
+}
+
+/// Work of a kind, and the least that it cost.
+struct Measured {
+    const char* name;
+    std::function<std::size_t()> work;
+    Cost least{};
+};
+
+/// One round of each after the other: a machine that is slow for a second is so for all.
+void measureInTurns(int rounds, std::vector<Measured>& all) {
     for (int round = 0; round < rounds; ++round) {
-        int ends[2];
-        if (pipe(ends) != 0) {
-            return least;
-        }
-        const pid_t child = fork();
-        if (child == 0) {
-            malloc_trim(0);
-            std::ofstream("/proc/self/clear_refs") << 5;
-            const double memory = statusOf("VmRSS");
-            const double start = cpuSeconds();
-            Cost cost;
-            cost.points = static_cast<double>(work());
-            cost.seconds = cpuSeconds() - start;
-            cost.kibibytes = statusOf("VmHWM") - memory;
-            _exit(write(ends[1], &cost, sizeof cost) == sizeof cost ? 0 : 1);
-        }
-        close(ends[1]);
-        Cost cost;
-        const bool isMeasured = read(ends[0], &cost, sizeof cost) == sizeof cost;
-        close(ends[0]);
-        waitpid(child, nullptr, 0);
-        if (isMeasured && (least.seconds < 0 || cost.seconds < least.seconds)) {
-            least = cost;
+        for (Measured& each : all) {
+            const Cost cost = costOf(each.work);
+            if (cost.seconds >= 0 &&
+                (each.least.seconds < 0 || cost.seconds < each.least.seconds)) {
+                each.least = cost;
+            }
         }
     }
-    return least;
 }
 
 std::size_t readPath(const std::string& file, const converters::PathOptions& options) {
@@ -168,16 +183,21 @@ void measure(int rounds, const std::string& name, const std::string& file, const
              bool hasWalk) {
     converters::PathOptions options;
     options.tolerance = tolerance;
+    converters::PathOptions inSteps = options;
+    inSteps.step = walkStep;
+    std::vector<Measured> all = {{"readPath", [&] { return readPath(file, options); }},
+                                 {"GDAL", [&] { return readWithGdal(file); }}};
+    if (hasWalk) {
+        all.push_back({"readPath, step", [&] { return readPath(file, inSteps); }});
+        all.push_back({"fromDxf", [&] { return walk(file); }});
+    }
+    measureInTurns(rounds, all);
     static bool isFirst = true;
     std::printf("%s\n  {\"drawing\": \"%s\"", isFirst ? "" : ",", name.c_str());
     isFirst = false;
-    print("readPath", costOf(rounds, [&] { return readPath(file, options); }));
-    if (hasWalk) {
-        options.step = walkStep;
-        print("readPath, step", costOf(rounds, [&] { return readPath(file, options); }));
-        print("fromDxf", costOf(rounds, [&] { return walk(file); }));
+    for (const Measured& each : all) {
+        print(each.name, each.least);
     }
-    print("GDAL", costOf(std::min(rounds, 3), [&] { return readWithGdal(file); }));
     print("ogr2ogr", costOfProgram("ogr2ogr -f Memory out '" + file + "' 2>/dev/null"));
     print("ezdxf", costOfProgram("/usr/bin/python3 '" + ezdxf + "' '" + file + "' 2>/dev/null"));
     std::printf("}");
