@@ -259,7 +259,9 @@ void Joiner::sortByRole(const LayerTable& layers, LeftOutTable& leftOut, const P
     const KindNumbers kinds(m_drawing.kindNames);
     std::vector<DrawnEntity>& drawn = m_expansion.drawn;
     base::reserveLarge(m_roles, drawn.size());
-    m_open.reserve(drawn.size());
+    // Of very many, most may be closed.
+    constexpr std::size_t mostReserved = 1 << 20;
+    m_open.reserve(std::min(drawn.size(), mostReserved));
     std::uint32_t kept = 0;
     for (std::size_t i = 0; i < drawn.size(); ++i) {
         const Entity& entity = m_drawing.entities[drawn[i].entity];

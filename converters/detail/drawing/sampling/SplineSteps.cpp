@@ -19,11 +19,12 @@ constexpr double slack = 1.03;
 
 /// Where less than this is needed for a span, steps cross many of them, and trying is better.
 constexpr double leastSteps = 4;
+/// More are not held at once.
+constexpr double mostSteps = 1 << 16;
 
 } // namespace
 
 bool SplineSteps::divide(const SplinePlace& from, double to) {
-    constexpr double mostSteps = 1 << 16;
     if (!planByBends(from, to)) {
         return false;
     }
@@ -39,7 +40,7 @@ bool SplineSteps::divide(const SplinePlace& from, double to) {
     return true;
 }
 
-/// @return false where a good many spans need few steps
+/// @return false where a good many spans need few steps, and where there are too many of them
 bool SplineSteps::planByBends(const SplinePlace& from, double to) {
     constexpr std::size_t many = 8;
     const SplineSpans& spans = m_curves.spans();
@@ -56,7 +57,7 @@ bool SplineSteps::planByBends(const SplinePlace& from, double to) {
         }
         const bool areFew =
             m_plan.total() < 0.5 * leastSteps * static_cast<double>(m_pieces.size());
-        if (areFew && m_pieces.size() >= many) {
+        if ((areFew && m_pieces.size() >= many) || m_plan.total() > mostSteps) {
             return false;
         }
     }
