@@ -199,7 +199,7 @@ TEST_F(CloudconvPreview, IsASvgWithTheWalkAsPathsAndWordsForWhoCannotSeeIt) {
     EXPECT_THAT(svg, StartsWith("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<svg "));
     EXPECT_THAT(svg, HasSubstr("width=\"800px\" height=\"600px\" viewBox=\"0 0 800 600\""));
     EXPECT_THAT(svg, HasSubstr("<title>plate_with_gap.dxf</title>"));
-    EXPECT_THAT(svg, HasSubstr("<desc>4 contours (2 open, 1 closed, 1 circle), 84 points; "
+    EXPECT_THAT(svg, HasSubstr("<desc>4 contours (2 open, 1 closed, 1 circle), 85 points; "
                                "Contours length (mm); 1  open by 0.002 38.28; 2  circle 6.283; "
                                "3  closed 7.2; 4  open 11.55; start of a contour; "
                                "direction of the walk; way to the next contour; open end; "
