@@ -68,11 +68,14 @@ TEST(EllipseTest, ANormalAlongTheMajorAxisLeavesItFlat) {
 }
 
 TEST(EllipseTest, AFullTurnIsOneWithFewDigitsToo) {
-    for (const double end : {6.283185, 6.28318530718, -fullTurn, 2 * fullTurn, 6.2831854}) {
+    for (const double end :
+         {6.283185, 6.28318530718, -fullTurn, 2 * fullTurn, 6.2831854, 6.28318, 6.28319, 6.2832}) {
         const EllipticArc arc = *ellipse({0, 0, 0}, {1, 0, 0}, 0.3, {0, 0, 1}, 0, end);
         EXPECT_EQ(arc.sweep, fullTurn) << end;
         EXPECT_EQ(arc.end, arc.start);
     }
+    EXPECT_EQ(ellipse({0, 0, 0}, {1, 0, 0}, 0.3, {0, 0, 1}, -3.14159, 3.14159)->sweep, fullTurn);
+    EXPECT_EQ(ellipse({0, 0, 0}, {1, 0, 0}, 0.3, {0, 0, 1}, 0, 0.00001)->sweep, 0.00001);
     EXPECT_LT(ellipse({0, 0, 0}, {1, 0, 0}, 0.3, {0, 0, 1}, 0, 6.28)->sweep, 6.2800001);
     EXPECT_FALSE(ellipse({0, 0, 0}, {1, 0, 0}, 0.3, {0, 0, 1}, 2, 2));
     EXPECT_FALSE(ellipse({0, 0, 0}, {1, 0, 0}, 0.3, {0, 0, 1}, notANumber, 2));

@@ -71,7 +71,9 @@ std::optional<EllipticArc> circularArc(const Point& centre, double radius, doubl
 
 std::optional<EllipticArc> ellipse(const Point& centre, const Vector& major, double ratio,
                                    const Vector& normal, double start, double end) {
-    const std::optional<double> sweep = sweepBetween(start, end, fullTurn, 1e-6);
+    // Of 2 pi in five digits.
+    constexpr double slack = 2e-5;
+    const std::optional<double> sweep = sweepBetween(start, end, fullTurn, slack);
     if (!sweep) {
         return std::nullopt;
     }

@@ -26,8 +26,8 @@ std::optional<EllipticArc> circularArc(const Point& centre, double radius, doubl
 /// An elliptic arc: centre + cos(t) major + sin(t) minor, t from `start` upwards to `end`.
 ///
 /// The minor half axis is normal x major times the ratio. The sweep is above 0 and at most a full
-/// turn, which parameters give that differ by a multiple of it, to 1e-6, since programs write as
-/// few digits; its end is an exact copy of its start.
+/// turn, which parameters give that differ by a multiple of it, to 2e-5, since programs write as
+/// few digits: 6.28318, 6.28319, 6.2832. Its end is then an exact copy of its start.
 ///
 /// @param normal      of any length; without direction it counts as (0, 0, 1)
 /// @param start, end  radians
