@@ -47,6 +47,9 @@ public:
         findLeftOut();
         findCrossings();
         findUnit();
+        if (m_path.contours.empty()) {
+            m_found.notes.emplace_back("there is nothing to follow");
+        }
         m_found.notes.insert(m_found.notes.end(), m_path.notes.begin(), m_path.notes.end());
         return std::move(m_found);
     }

@@ -13,7 +13,8 @@ namespace converters {
 struct PathFindings {
     /// By kind, and in the order of the path.
     std::vector<Finding> findings;
-    /// What is no finding, and yet to be known: annotation that was left out, say.
+    /// What is no finding, and yet to be known: annotation that was left out, say, or that there is
+    /// nothing to follow.
     std::vector<std::string> notes;
 };
 

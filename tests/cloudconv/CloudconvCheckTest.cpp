@@ -80,10 +80,19 @@ protected:
 
 TEST_F(CloudconvCheck, FindsNothingInASoundDrawing) {
     expectFindings(readFile(examples / "plate.dxf"), {});
-    expectFindings(drawing({}), {});
-    const ProgramResult quiet = check(drawing({}), {"-q"});
+    const ProgramResult quiet = check(readFile(examples / "plate.dxf"), {"-q"});
     EXPECT_EQ(quiet.output, "");
     EXPECT_EQ(quiet.status, 0);
+}
+
+TEST_F(CloudconvCheck, SaysOfADrawingWithoutAPathThatThereIsNone) {
+    for (const std::string& entities : {std::string(), dxf("0 TEXT  8 0  1 a")}) {
+        const ProgramResult result = check(inMillimetres(entities));
+        EXPECT_EQ(result.status, 0);
+        EXPECT_THAT(result.errors, HasSubstr("note: there is nothing to follow\n")) << entities;
+    }
+    const ProgramResult quiet = check(drawing({}), {"-q"});
+    EXPECT_EQ(quiet.output + quiet.errors, "");
 }
 
 TEST_F(CloudconvCheck, FindsTheGapThatBreaksAContour) {
