@@ -363,10 +363,45 @@ TEST(ReadPathEntities, GroupsThatProgramsAddAreNotTaken) {
               "(1, 2) (3, 4)\n");
 }
 
+TEST(ReadPathEntities, MayHaveAnyOfTheirSubclassMarkersAnywhere) {
+    const std::string arc = describe(pathOf(drawingOf("0 ARC  10 1  20 2  40 3  50 270  51 360")));
+    EXPECT_EQ(describe(pathOf(drawingOf("0 ARC  8 a  6 CONTINUOUS  10 1  20 2  40 3  39 0  "
+                                        "100 AcDbArc  50 270  51 360  62 0"))),
+              arc);
+    EXPECT_EQ(describe(pathOf(drawingOf("0 ARC  100 AcDbEntity  8 a  100 AcDbArc  50 270  51 360  "
+                                        "100 AcDbCircle  10 1  20 2  40 3"))),
+              arc);
+    EXPECT_EQ(describe(pathOf(drawingOf("0 LWPOLYLINE  100 AcDbEntity  8 a  90 2  70 0  10 1  "
+                                        "20 2  10 3  20 4"))),
+              "(1, 2) (3, 4)\n");
+}
+
+TEST(ReadPathEntities, HaveTheirOwnAnglesWhateverThoseOfTheUserInterfaceAre) {
+    const std::string arc = drawingOf("0 ARC  10 1  20 2  40 3  50 10  51 80");
+    EXPECT_EQ(describe(pathOf(section("HEADER", "9 $ANGBASE  50 90.0  9 $ANGDIR  70 1") + arc)),
+              describe(pathOf(arc)));
+}
+
+TEST(ReadPathEntities, MayHaveACommentBehindTheEndOfTheirVertices) {
+    EXPECT_EQ(describe(pathOf(drawingOf("0 POLYLINE  8 50  66 1  0 VERTEX  10 1  20 2  0 VERTEX  "
+                                        "10 3  20 4  0 SEQEND  999 that was a line  0 POINT  10 7  "
+                                        "20 8"))),
+              "(1, 2) (3, 4)\n(7, 8)\n");
+}
+
 TEST(ReadPathEntities, NamesMayHaveBlanksAndSmallLetters) {
     EXPECT_EQ(describe(pathOf("  0 \nsection\n  2\nEntities \n  0\nLine \n 10\n1\n 20\n2\n 11\n3\n "
                               "21\n4\n  0\nendsec\n  0\neof\n")),
               "(1, 2) (3, 4)\n");
+}
+
+TEST(ReadPathEntities, MayHaveTabsAroundCodesNamesAndNumbers) {
+    const DrawingPath path =
+        pathOf("\t0\nSECTION\n  2\nENTITIES\n\t0\nLINE\n\t8\n\t50 \n\t62\n\t\t "
+               "3\n\t10\n\t1\n20 \n2\t\n 11\n 3\n 21\n4\n\t0\nENDSEC\n");
+    EXPECT_EQ(describe(path), "(1, 2) (3, 4)\n");
+    EXPECT_EQ(path.layers.at(path.contours.at(0).layer).name, "50");
+    EXPECT_EQ(path.contours.at(0).colour, 3);
 }
 
 TEST(ReadPathEntities, WhatIsNoPathIsListed) {
