@@ -31,6 +31,15 @@ TEST(ReadPathFiles, HaveAnyLineEnds) {
     }
 }
 
+TEST(ReadPathFiles, MayHaveBlankLinesBeforeCodes) {
+    const std::string blank = "\n" + drawingOf("0 POINT  10 1  20 2") + "\n";
+    for (const std::string end : {"\n", "\r\n", "\r"}) {
+        const DrawingPath path = pathOf(withLineEnds(blank, end));
+        EXPECT_EQ(describe(path), "(1, 2)\n");
+        EXPECT_TRUE(path.notes.empty());
+    }
+}
+
 TEST(ReadPathFiles, MayHaveSectionsInAnyOrder) {
     const std::string header = section("HEADER", "9 $INSUNITS  70 5");
     EXPECT_EQ(pathOf(section("ENTITIES", line) + header).unit, converters::LengthUnit::centimetre);

@@ -61,12 +61,18 @@ TEST(TextGroups, MayHoldZeroBytes) {
 }
 
 TEST(TextGroups, AreInStepAgainBehindLinesThatAreNoCodes) {
-    const std::string text = "0\nTEXT\n1\none\nline too many\n\n8\nwalls\n";
-    EXPECT_EQ(groupsOf(text), (Groups{"0=TEXT", "1=one", "8=walls"}));
-    TextGroups groups(text);
-    while (groups.next()) {
+    for (const std::string end : {"\n", "\r\n", "\r", "\r\r\n"}) {
+        std::string text;
+        for (const char* const line :
+             {"", "0", "TEXT", "1", "one", "line too many", "", "  ", "8", "walls", ""}) {
+            text += line + end;
+        }
+        EXPECT_EQ(groupsOf(text), (Groups{"0=TEXT", "1=one", "8=walls"}));
+        TextGroups groups(text);
+        while (groups.next()) {
+        }
+        EXPECT_EQ(groups.skippedLines(), 1U) << "blank lines are not worth a word";
     }
-    EXPECT_EQ(groups.skippedLines(), 1U) << "blank lines are not worth a word";
 }
 
 TEST(TextGroups, HaveCodesOfAtMostFiveDigits) {

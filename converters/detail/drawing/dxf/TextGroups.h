@@ -104,10 +104,11 @@ inline bool TextGroups::readCode() {
         code = code * 10 + (*p - '0');
         ++p;
     }
+    const bool isNumber = p != digits;
     if (p != m_end && *p == '\r' && m_newLine == '\n') {
         ++p;
     }
-    if (p == m_end || *p != m_newLine || p == digits) {
+    if (!isNumber || p == m_end || *p != m_newLine) {
         return readUnusualCode();
     }
     m_code = code;
