@@ -1,6 +1,5 @@
 #include "converters/DrawingPath.h"
 
-#include "base/FileReader.h"
 #include "converters/detail/drawing/Chains.h"
 #include "converters/detail/drawing/PathSettings.h"
 #include "converters/detail/drawing/PathWriter.h"
@@ -14,9 +13,11 @@
 #include "converters/detail/drawing/dxf/LeftOutTable.h"
 #include "converters/detail/drawing/dxf/Text.h"
 #include "converters/detail/drawing/geometry/Vector.h"
+#include "converters/detail/input/FileSource.h"
 
 #include <algorithm>
 #include <array>
+#include <string>
 #include <string_view>
 #include <utility>
 
@@ -25,6 +26,7 @@ namespace converters {
 namespace {
 
 using namespace drawing;
+using input::ByteWindow;
 
 /// Where the stages of the work end, of 1; by what they take for drawings of plain entities.
 constexpr double endOfParsing = 0.6;
@@ -32,6 +34,9 @@ constexpr double endOfExpansion = 0.65;
 constexpr double endOfJoining = 0.75;
 /// Of reading, where contours are put into another order than the drawing's.
 constexpr double endOfReading = 0.25;
+
+/// What is not read yet, and what is read already, takes no memory.
+constexpr std::size_t windowCapacity = std::size_t{1} << 15;
 
 std::string upperCase(std::string text) {
     std::transform(text.begin(), text.end(), text.begin(), [](char c) {
@@ -74,11 +79,11 @@ void addNotes(const BlockGraph& graph, std::vector<std::string>& notes) {
     }
 }
 
-DrawingPath readPath(std::string_view file, const PathOptions& options) {
+DrawingPath readPath(ByteWindow file, const PathOptions& options) {
     checkOptions(options);
     const Progress whole(options.progress);
     const Progress progress = whole.part(0, options.order == PathOrder::drawn ? 1 : endOfReading);
-    Drawing drawing = parseDrawing(file, progress.part(0, endOfParsing));
+    Drawing drawing = parseDrawing(std::move(file), progress.part(0, endOfParsing));
     DrawingPath path;
     const PathSettings settings = settingsFor(drawing, options, drawing.notes);
     const TextDecoder decoder(drawing.header);
@@ -105,6 +110,17 @@ DrawingPath readPath(std::string_view file, const PathOptions& options) {
     addLengths(path);
     whole.report(1);
     return path;
+}
+
+template <typename OpenWindow>
+ReadResult readFrom(OpenWindow openWindow, DrawingPath& path, const PathOptions& options) {
+    try {
+        DrawingPath read = readPath(openWindow(), options);
+        path = std::move(read);
+        return {true, {}, 0};
+    } catch (Refusal& refusal) {
+        return {false, std::move(refusal.reason), refusal.line};
+    }
 }
 
 } // namespace
@@ -196,22 +212,20 @@ const char* nameOf(LeftOutReason reason) {
 
 ReadResult readPath(const void* bytes, std::size_t size, DrawingPath& path,
                     const PathOptions& options) {
-    try {
-        DrawingPath read = readPath({static_cast<const char*>(bytes), size}, options);
-        path = std::move(read);
-        return {true, {}, 0};
-    } catch (Refusal& refusal) {
-        return {false, std::move(refusal.reason), refusal.line};
-    }
+    return readFrom([=] { return ByteWindow(bytes, size); }, path, options);
+}
+
+ReadResult readPath(const ByteSource& source, DrawingPath& path, const PathOptions& options,
+                    std::uint64_t size) {
+    return readFrom([&] { return ByteWindow(source, size, windowCapacity); }, path, options);
 }
 
 ReadResult readPath(const std::filesystem::path& file, DrawingPath& path,
                     const PathOptions& options) {
-    std::vector<unsigned char> bytes;
-    if (!base::readFile(file.string(), bytes)) {
-        return {false, "cannot read " + file.string(), 0};
-    }
-    return readPath(bytes.data(), bytes.size(), path, options);
+    const auto refuse = [&](const std::string& reason) {
+        throw Refusal{file.string() + ": " + reason};
+    };
+    return readFrom([&] { return input::openFile(file, refuse, windowCapacity); }, path, options);
 }
 
 } // namespace converters

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "converters/ByteSource.h"
 #include "converters/Export.h"
 #include "converters/ReadResult.h"
 
@@ -341,13 +342,26 @@ struct PathOptions {
 CONVERTERS_EXPORT ReadResult readPath(const void* bytes, std::size_t size, DrawingPath& path,
                                       const PathOptions& options = {});
 
-/// Reads the path of a DXF file.
+/// Reads the path of a DXF file, of which no more than a small part is in memory at a time. Pipes
+/// will do: the file is read once, from its start to its end.
 ///
 /// @param file     the file's path
 /// @param path     as above
 /// @param options  as above
-/// @return as above; a failure also when the file cannot be read
+/// @return as above; a failure also when the file cannot be opened or read
 CONVERTERS_EXPORT ReadResult readPath(const std::filesystem::path& file, DrawingPath& path,
                                       const PathOptions& options = {});
+
+/// Reads the path of a DXF file that comes piece by piece.
+///
+/// @param source   asked for the bytes in their order
+/// @param path     as above
+/// @param options  as above
+/// @param size     of the whole file, where known, for progress and for memory to have ready; else
+/// 0
+/// @return as above
+/// @throws what the source throws, and std::bad_alloc; `path` is untouched
+CONVERTERS_EXPORT ReadResult readPath(const ByteSource& source, DrawingPath& path,
+                                      const PathOptions& options = {}, std::uint64_t size = 0);
 
 } // namespace converters

@@ -1,9 +1,9 @@
 #include "converters/Scan.h"
 
 #include "base/LargePages.h"
+#include "converters/detail/input/FileSource.h"
 #include "converters/detail/scan/Decoder.h"
 #include "converters/detail/scan/Fault.h"
-#include "converters/detail/scan/FileSource.h"
 #include "converters/detail/scan/Wording.h"
 
 #include <algorithm>
@@ -15,7 +15,7 @@
 namespace converters {
 namespace {
 
-using scan::ByteWindow;
+using input::ByteWindow;
 using scan::Decoder;
 using scan::refuse;
 using scan::Target;
@@ -144,12 +144,12 @@ ScanResult readScan(const void* bytes, std::size_t size, pcl::PCLPointCloud2& cl
 
 ScanResult readScan(const std::filesystem::path& file, pcl::PointCloud<pcl::PointXYZI>& cloud,
                     const ScanOptions& options) {
-    return readFrom([&] { return scan::openFile(file); }, cloud, options);
+    return readFrom([&] { return input::openFile(file, scan::refuse); }, cloud, options);
 }
 
 ScanResult readScan(const std::filesystem::path& file, pcl::PCLPointCloud2& cloud,
                     const ScanOptions& options) {
-    return readFrom([&] { return scan::openFile(file); }, cloud, options);
+    return readFrom([&] { return input::openFile(file, scan::refuse); }, cloud, options);
 }
 
 } // namespace converters

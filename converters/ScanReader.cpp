@@ -1,8 +1,8 @@
 #include "converters/ScanReader.h"
 
+#include "converters/detail/input/FileSource.h"
 #include "converters/detail/scan/Decoder.h"
 #include "converters/detail/scan/Fault.h"
-#include "converters/detail/scan/FileSource.h"
 
 #include <optional>
 #include <utility>
@@ -15,7 +15,7 @@ using scan::Target;
 
 class ScanReader::State {
 public:
-    State(std::function<scan::ByteWindow()> openWindow, const ScanOptions& options)
+    State(std::function<input::ByteWindow()> openWindow, const ScanOptions& options)
         : m_openWindow(std::move(openWindow)), m_options(options) {}
 
     ReadResult open() {
@@ -59,7 +59,7 @@ private:
         return m_result;
     }
 
-    std::function<scan::ByteWindow()> m_openWindow;
+    std::function<input::ByteWindow()> m_openWindow;
     ScanOptions m_options;
     std::optional<Decoder> m_decoder;
     bool m_hasTarget = false;
@@ -69,15 +69,15 @@ private:
 };
 
 ScanReader::ScanReader(const void* bytes, std::size_t size, const ScanOptions& options)
-    : m_state(new State([=] { return scan::ByteWindow(bytes, size); }, options)) {}
+    : m_state(new State([=] { return input::ByteWindow(bytes, size); }, options)) {}
 
 ScanReader::ScanReader(const std::filesystem::path& file, const ScanOptions& options)
-    : m_state(new State([file] { return scan::openFile(file); }, options)) {}
+    : m_state(new State([file] { return input::openFile(file, scan::refuse); }, options)) {}
 
 ScanReader::ScanReader(ByteSource source, const ScanOptions& options, std::uint64_t size)
-    : m_state(new State(
-          [source = std::move(source), size] { return scan::ByteWindow(source, size); }, options)) {
-}
+    : m_state(
+          new State([source = std::move(source), size] { return input::ByteWindow(source, size); },
+                    options)) {}
 
 ScanReader::~ScanReader() = default;
 ScanReader::ScanReader(ScanReader&& other) noexcept = default;

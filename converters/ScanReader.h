@@ -1,5 +1,6 @@
 #pragma once
 
+#include "converters/ByteSource.h"
 #include "converters/Export.h"
 #include "converters/ReadResult.h"
 #include "converters/Scan.h"
@@ -13,13 +14,6 @@
 #include <memory>
 
 namespace converters {
-
-/// Gives the next bytes of a file.
-///
-/// @param bytes  room for them
-/// @param room   how many at most, not 0
-/// @return how many; 0 at the end. What it throws leaves the reader's function.
-using ByteSource = std::function<std::size_t(void* bytes, std::size_t room)>;
 
 /// Reads a scan in blocks of points, of any size in constant memory: a few MiB, and the header.
 /// Pipes will do: the file is read once, from its start to its end.

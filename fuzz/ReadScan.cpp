@@ -3,10 +3,12 @@
 #include "converters/Scan.h"
 #include "converters/ScanReader.h"
 #include "fuzz/support/Verify.h"
+#include "tests/support/Pieces.h"
 
 #include <algorithm>
 #include <cstring>
 #include <limits>
+#include <string_view>
 #include <vector>
 
 namespace {
@@ -30,15 +32,8 @@ std::size_t sizeFrom(const Input& input, std::size_t most) {
     return 1 + sum % most;
 }
 
-converters::ByteSource piecesOf(const Input& input, std::size_t piece) {
-    return [input, piece, position = std::size_t{0}](void* bytes, std::size_t room) mutable {
-        const std::size_t count = std::min({piece, room, input.size - position});
-        if (count != 0) {
-            std::memcpy(bytes, input.bytes + position, count);
-        }
-        position += count;
-        return count;
-    };
+std::string_view textOf(const Input& input) {
+    return {reinterpret_cast<const char*>(input.bytes), input.size};
 }
 
 void verifySame(const pcl::PointXYZI& a, const pcl::PointXYZI& b) {
@@ -53,7 +48,7 @@ void verifyBlocks(const Input& input, const converters::ScanOptions& options,
         FUZZ_VERIFY(!whole);
         return;
     }
-    ScanReader reader(piecesOf(input, sizeFrom(input, 5000)), options);
+    ScanReader reader(piecesOf(textOf(input), sizeFrom(input, 5000)), options);
     std::vector<pcl::PointXYZI> block(sizeFrom(input, 97));
     ReadResult result = reader.open();
     std::size_t done = 0;
@@ -87,7 +82,7 @@ void verifyRecords(const Input& input, const converters::ScanOptions& options,
     FUZZ_VERIFY(std::uint64_t{fields.width} * fields.height == whole.report.points);
     FUZZ_VERIFY(fields.data.size() == whole.report.points * fields.point_step);
 
-    ScanReader reader(piecesOf(input, sizeFrom(input, 3000)), options);
+    ScanReader reader(piecesOf(textOf(input), sizeFrom(input, 3000)), options);
     FUZZ_VERIFY(reader.open());
     FUZZ_VERIFY(reader.layout().fields.size() == fields.fields.size());
     const std::size_t size = reader.layout().recordSize;

@@ -1,10 +1,13 @@
 #include "fuzz/support/PathVerification.h"
 
 #include "fuzz/support/Verify.h"
+#include "tests/support/PathBytes.h"
+#include "tests/support/Pieces.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <string_view>
 
 namespace {
 
@@ -17,6 +20,7 @@ using Point = cv::Point3_<double>;
 
 constexpr double pi = 3.14159265358979323846;
 constexpr std::size_t mostPoints = 20'000;
+constexpr std::size_t mostOfPiece = 300;
 
 std::uint32_t hashOf(const std::uint8_t* bytes, std::size_t size) {
     std::uint32_t hash = 2166136261U;
@@ -167,6 +171,12 @@ void verifyReadPath(const std::uint8_t* bytes, std::size_t size) {
     path.wayLength = -1;
     const converters::ReadResult result = converters::readPath(bytes, size, path, options);
     FUZZ_VERIFY(result.success == result.reason.empty());
+    DrawingPath again;
+    const std::size_t piece = 1 + hashOf(bytes, size) % mostOfPiece;
+    const std::string_view file(reinterpret_cast<const char*>(bytes), size);
+    const converters::ReadResult resultAgain =
+        converters::readPath(piecesOf(file, piece), again, options);
+    FUZZ_VERIFY(resultAgain.reason == result.reason && resultAgain.line == result.line);
     if (!result) {
         FUZZ_VERIFY(path.wayLength == -1 && path.points.empty() && path.leftOut.empty());
         return;
@@ -174,7 +184,5 @@ void verifyReadPath(const std::uint8_t* bytes, std::size_t size) {
     FUZZ_VERIFY(path.points.size() <= options.maximumPoints);
     FUZZ_VERIFY(path.entities.size() <= options.maximumEntities);
     verifyPath(path);
-    DrawingPath again;
-    FUZZ_VERIFY(converters::readPath(bytes, size, again, options).success);
-    FUZZ_VERIFY(again.points == path.points && again.pieces.size() == path.pieces.size());
+    FUZZ_VERIFY(bytesOf(again) == bytesOf(path));
 }

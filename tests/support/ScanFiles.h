@@ -2,12 +2,11 @@
 
 #include "converters/Scan.h"
 #include "converters/ScanReader.h"
+#include "tests/support/Pieces.h"
 #include "tests/support/PlyBytes.h"
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <cstring>
 #include <string>
 #include <vector>
 
@@ -17,16 +16,6 @@ inline std::string asciiScan(const std::string& body, const std::string& count,
     return "ply\nformat ascii 1.0\nelement vertex " + count +
            "\nproperty float x\nproperty float y\nproperty float z\n" + moreLines + "end_header\n" +
            body;
-}
-
-/// Gives the bytes of a text in pieces of at most `piece` bytes. The text has to outlive it.
-inline converters::ByteSource piecesOf(const std::string& text, std::size_t piece) {
-    return [&text, piece, position = std::size_t{0}](void* bytes, std::size_t room) mutable {
-        const std::size_t count = std::min({piece, room, text.size() - position});
-        std::memcpy(bytes, text.data() + position, count);
-        position += count;
-        return count;
-    };
 }
 
 /// What a scan came to: points, or a reason.

@@ -21,6 +21,7 @@
 #include "tests/support/FailEachAllocation.h"
 #include "tests/support/FailingAllocator.h"
 #include "tests/support/HostilePathDrawings.h"
+#include "tests/support/Pieces.h"
 #include "tests/support/PlyBytes.h"
 #include "tests/support/TemporaryDirectory.h"
 
@@ -238,7 +239,7 @@ struct DxfToCloud {
 
 /// A global locale that has to be changed for dxflib and changed back.
 /// The path of a drawing with every kind of entity, in an order that has to be searched for.
-template <bool isBinary>
+template <bool isBinary, bool isInPieces>
 struct PathRead {
     std::string file =
         isBinary ? binaryDrawingOf(groupsOf(drawingOfEverything())) : drawingOfEverything();
@@ -250,7 +251,11 @@ struct PathRead {
         options.layers = {"*"};
         return options;
     }
-    bool call() { return converters::readPath(file.data(), file.size(), path, options()).success; }
+    bool call() {
+        return (isInPieces ? converters::readPath(piecesOf(file, 300), path, options(), file.size())
+                           : converters::readPath(file.data(), file.size(), path, options()))
+            .success;
+    }
     bool isComplete() const {
         return path.points == expected([this] {
                    converters::DrawingPath whole;
@@ -492,8 +497,10 @@ TEST(FailedAllocation, OfFromDxfGivesTheLocaleBack) {
 }
 
 TEST(FailedAllocation, OfReadPathKeepsThePath) {
-    failEachAllocation<PathRead<false>>();
-    failEachAllocation<PathRead<true>>();
+    failEachAllocation<PathRead<false, false>>();
+    failEachAllocation<PathRead<true, false>>();
+    failEachAllocation<PathRead<false, true>>();
+    failEachAllocation<PathRead<true, true>>();
 }
 
 TEST(FailedAllocation, OfToDxfLeavesNeitherOutputNorFile) {

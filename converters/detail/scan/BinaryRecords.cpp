@@ -11,7 +11,8 @@
 
 namespace converters::scan {
 
-BinaryRecords::BinaryRecords(ByteWindow& window, const ScanElement& element, ScanFormat format)
+BinaryRecords::BinaryRecords(input::ByteWindow& window, const ScanElement& element,
+                             ScanFormat format)
     : m_window(window), m_element(element), m_isSwapped(isSwapped(format)) {
     m_parts.emplace_back();
     for (const ScanProperty& property : element.properties) {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "converters/Scan.h"
-#include "converters/detail/scan/ByteWindow.h"
+#include "converters/detail/input/ByteWindow.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -14,7 +14,7 @@ namespace converters::scan {
 class BinaryRecords {
 public:
     /// The window is at the first record; both have to outlive this object.
-    BinaryRecords(ByteWindow& window, const ScanElement& element, ScanFormat format);
+    BinaryRecords(input::ByteWindow& window, const ScanElement& element, ScanFormat format);
 
     /// Takes a record.
     /// @param scalars  receives the scalar properties without gaps
@@ -40,7 +40,7 @@ private:
     std::uint64_t stepOverLikeFirst(std::uint64_t count);
     [[noreturn]] void refuseEnd() const;
 
-    ByteWindow& m_window;
+    input::ByteWindow& m_window;
     const ScanElement& m_element;
     bool m_isSwapped;
     std::vector<Part> m_parts;

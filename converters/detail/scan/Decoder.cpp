@@ -44,7 +44,7 @@ void markMissing(const unsigned char* numbers, std::size_t stride, unsigned char
 
 } // namespace
 
-Decoder::Decoder(ByteWindow window, ScanOptions options)
+Decoder::Decoder(input::ByteWindow window, ScanOptions options)
     : m_window(std::move(window)), m_options(std::move(options)) {}
 
 /// Runs a part of the work on the body. An odd line in the header may be what its faults come from.

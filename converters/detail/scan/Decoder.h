@@ -2,7 +2,7 @@
 
 #include "converters/Scan.h"
 #include "converters/ScanLayout.h"
-#include "converters/detail/scan/ByteWindow.h"
+#include "converters/detail/input/ByteWindow.h"
 #include "converters/detail/scan/Columns.h"
 #include "converters/detail/scan/Header.h"
 #include "converters/detail/scan/RecordSource.h"
@@ -30,7 +30,7 @@ enum class Target {
 /// Reads a scan from a window in blocks. Faults are thrown.
 class Decoder {
 public:
-    Decoder(ByteWindow window, ScanOptions options);
+    Decoder(input::ByteWindow window, ScanOptions options);
     /// Its parts refer to each other.
     Decoder(const Decoder&) = delete;
     Decoder& operator=(const Decoder&) = delete;
@@ -80,7 +80,7 @@ private:
     template <typename Work>
     void guarded(Work work);
 
-    ByteWindow m_window;
+    input::ByteWindow m_window;
     ScanOptions m_options;
     Header m_header;
     ScanReport m_report;

@@ -1,6 +1,5 @@
 #include "converters/detail/scan/Header.h"
 
-#include "converters/detail/scan/ByteWindow.h"
 #include "converters/detail/scan/Fault.h"
 #include "converters/detail/scan/HeaderLines.h"
 #include "converters/detail/scan/TypeNames.h"
@@ -31,7 +30,7 @@ std::string trimmed(std::string_view text) {
 /// Takes the lines of a header one by one.
 class HeaderReader {
 public:
-    explicit HeaderReader(ByteWindow& window) : m_window(window), m_lines(window) {}
+    explicit HeaderReader(input::ByteWindow& window) : m_window(window), m_lines(window) {}
 
     Header read() {
         takeMagic();
@@ -61,7 +60,7 @@ private:
         refuseLine(m_lines.number(), reason);
     }
 
-    ByteWindow& m_window;
+    input::ByteWindow& m_window;
     HeaderLines m_lines;
     Header m_header;
 };
@@ -219,7 +218,7 @@ void HeaderReader::noteOddLine(std::string fault) {
 
 } // namespace
 
-Header readHeader(ByteWindow& window) {
+Header readHeader(input::ByteWindow& window) {
     return HeaderReader(window).read();
 }
 

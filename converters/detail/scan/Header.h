@@ -1,6 +1,7 @@
 #pragma once
 
 #include "converters/Scan.h"
+#include "converters/detail/input/ByteWindow.h"
 
 #include <cstdint>
 #include <optional>
@@ -8,8 +9,6 @@
 #include <vector>
 
 namespace converters::scan {
-
-class ByteWindow;
 
 /// A line of the header that does not belong there and was passed over.
 struct OddLine {
@@ -42,6 +41,6 @@ struct Header {
 
 /// Takes the header from the start of a file, and leaves the window at the first byte of the body.
 /// @throws Fault
-Header readHeader(ByteWindow& window);
+Header readHeader(input::ByteWindow& window);
 
 } // namespace converters::scan

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "converters/detail/scan/ByteWindow.h"
+#include "converters/detail/input/ByteWindow.h"
 
 #include <cstdint>
 #include <string_view>
@@ -13,7 +13,7 @@ std::string_view takeWord(std::string_view& line);
 /// Takes the lines of a header from a window.
 class HeaderLines {
 public:
-    explicit HeaderLines(ByteWindow& window) : m_window(window) {}
+    explicit HeaderLines(input::ByteWindow& window) : m_window(window) {}
 
     /// Takes the next line. It ends with LF, CR LF or CR, but a CR ends it alone, whatever follows,
     /// when that is how the lines before ended: a binary body may begin with an LF.
@@ -32,7 +32,7 @@ public:
 private:
     const char* findEnd();
 
-    ByteWindow& m_window;
+    input::ByteWindow& m_window;
     std::uint64_t m_number = 0;
     bool m_endsWithReturns = false;
     bool m_endsWithPairs = true;

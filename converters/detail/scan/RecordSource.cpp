@@ -8,7 +8,7 @@
 
 namespace converters::scan {
 
-FixedSource::FixedSource(ByteWindow& window, const ScanElement& vertices)
+FixedSource::FixedSource(input::ByteWindow& window, const ScanElement& vertices)
     : m_window(window), m_vertices(vertices), m_size(scalarBytes(vertices)) {}
 
 RecordBytes FixedSource::next(std::size_t most, std::size_t& count) {

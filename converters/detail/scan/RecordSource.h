@@ -25,11 +25,11 @@ public:
 /// Binary records as they lie in the file.
 class FixedSource : public RecordSource {
 public:
-    FixedSource(ByteWindow& window, const ScanElement& vertices);
+    FixedSource(input::ByteWindow& window, const ScanElement& vertices);
     RecordBytes next(std::size_t most, std::size_t& count) override;
 
 private:
-    ByteWindow& m_window;
+    input::ByteWindow& m_window;
     const ScanElement& m_vertices;
     std::size_t m_size;
     std::uint64_t m_taken = 0;

@@ -20,7 +20,7 @@ namespace converters::scan {
 class TextRecords {
 public:
     /// The window is at the first byte of the body.
-    explicit TextRecords(ByteWindow& window) : m_tokens(window) {}
+    explicit TextRecords(input::ByteWindow& window) : m_tokens(window) {}
 
     /// The element whose records are taken next; has to outlive them.
     /// @throws Fault when lines of the element before lack values or have too many

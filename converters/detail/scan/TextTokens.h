@@ -1,8 +1,8 @@
 #pragma once
 
 #include "base/Blank.h"
+#include "converters/detail/input/ByteWindow.h"
 #include "converters/detail/numbers/NumberExtraction.h"
-#include "converters/detail/scan/ByteWindow.h"
 #include "converters/detail/scan/NumberText.h"
 
 #include <cstddef>
@@ -16,7 +16,7 @@ namespace converters::scan {
 /// The numbers of a text body, one by one.
 class TextTokens {
 public:
-    explicit TextTokens(ByteWindow& window)
+    explicit TextTokens(input::ByteWindow& window)
         : m_window(window), m_position(window.begin()), m_end(window.end()) {}
 
     /// Takes blanks and line ends.
@@ -63,7 +63,7 @@ private:
     template <typename Number>
     NumberFault takeAny(Number& number);
 
-    ByteWindow& m_window;
+    input::ByteWindow& m_window;
     const char* m_position;
     const char* m_end;
 };

@@ -3,6 +3,7 @@
 // counted in instructions: tests/instructions/growth.py.
 #include "converters/DrawingPath.h"
 #include "tests/support/HostilePathDrawings.h"
+#include "tests/support/Pieces.h"
 
 #ifdef CONVERTERS_COUNTED_MEMORY
 #include "tests/support/FailingAllocator.h"
@@ -455,6 +456,8 @@ TEST(HostilePath, ABinaryDrawingCutAnywhereIsRefused) {
         ASSERT_FALSE(result.success);
         ASSERT_NE(result.reason, "");
         ASSERT_TRUE(path.points.empty());
+        const std::string_view text(cut.data(), cut.size());
+        ASSERT_EQ(converters::readPath(piecesOf(text, 100), path).reason, result.reason);
     }
 }
 
@@ -468,6 +471,11 @@ TEST(HostilePath, ATextCutAnywhereIsReadOrRefused) {
         const ReadResult result = converters::readPath(cut.data(), cut.size(), path);
         ASSERT_EQ(result.success, result.reason.empty());
         expectSound(path);
+        DrawingPath again;
+        const std::string_view text(cut.data(), cut.size());
+        ASSERT_EQ(converters::readPath(piecesOf(text, 100), again).reason, result.reason);
+        ASSERT_EQ(again.points, path.points);
+        ASSERT_EQ(again.notes, path.notes);
     }
 }
 
@@ -537,6 +545,31 @@ TEST(HostilePath, TheMostPointsBoundTheMemory) {
     EXPECT_LE(bytesToRead(drawingOf(insertOf("b", hugeArray), blockOf("b", onePoint)), {}),
               std::size_t{1} << 20);
     EXPECT_LE(bytesToRead(towerOf(40, oneLine), {}), std::size_t{1} << 20);
+}
+
+TEST(HostilePath, WhatIsPassedOverTakesNoMemoryInAFileThatComesInPieces) {
+    const std::string comment = "999\n" + std::string(1000, '-') + "\n";
+    const std::string drawing = drawingOf(oneLine);
+    std::size_t comments = 100'000;
+    const converters::ByteSource source = [&, position = std::size_t{0}](void* bytes,
+                                                                         std::size_t room) mutable {
+        const std::string& text = comments > 0 ? comment : drawing;
+        const std::size_t count = std::min(room, text.size() - position);
+        std::memcpy(bytes, text.data() + position, count);
+        position += count;
+        if (position == comment.size() && comments > 0) {
+            --comments;
+            position = 0;
+        }
+        return count;
+    };
+    const std::size_t before = allocator::liveBytes();
+    allocator::forgetPeak();
+    DrawingPath path;
+    EXPECT_TRUE(converters::readPath(source, path));
+    EXPECT_EQ(path.points.size(), 2U);
+    EXPECT_EQ(comments, 0U);
+    EXPECT_LE(allocator::peakBytes() - before, std::size_t{1} << 17);
 }
 
 #endif

@@ -2,12 +2,20 @@
 #include "converters/DrawingPath.h"
 #include "tests/converters/drawing/support/PathReading.h"
 #include "tests/support/Dxf.h"
+#include "tests/support/PathBytes.h"
+#include "tests/support/Pieces.h"
+#include "tests/support/Repeated.h"
 #include "tests/support/TemporaryDirectory.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstring>
+#include <filesystem>
 #include <fstream>
+#include <iterator>
+#include <stdexcept>
 
 namespace {
 
@@ -162,6 +170,65 @@ TEST(ReadPathFiles, AreReadByTheirPaths) {
     EXPECT_THAT(missing.reason, testing::HasSubstr("none.dxf"));
     EXPECT_FALSE(converters::readPath(directory.path(), path));
     EXPECT_EQ(describe(path), linePoints) << "as it was";
+}
+
+TEST(ReadPathFiles, AreReadByTheirPathsAsInMemory) {
+    const std::filesystem::path samples = CONVERTERS_SAMPLE_DIR;
+    if (!std::filesystem::exists(samples)) {
+        GTEST_SKIP() << "no drawings of other programs in " << samples;
+    }
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(samples)) {
+        if (entry.path().extension() == ".dxf") {
+            std::ifstream stream(entry.path(), std::ios::binary);
+            const std::string bytes{std::istreambuf_iterator<char>(stream), {}};
+            DrawingPath path;
+            EXPECT_TRUE(converters::readPath(entry.path(), path));
+            EXPECT_EQ(bytesOf(path), bytesOf(pathOf(bytes))) << entry.path();
+        }
+    }
+}
+
+TEST(ReadPathFiles, ThatComeInPiecesMayFail) {
+    DrawingPath path = pathOf(drawingOf(line));
+    const std::string file = drawingOf("0 POINT  10 1  20 1");
+    const auto failing = [&, isFirst = true](void* bytes, std::size_t room) mutable {
+        if (!isFirst) {
+            throw std::runtime_error("the line is dead");
+        }
+        isFirst = false;
+        const std::size_t count = std::min(room, file.size());
+        std::memcpy(bytes, file.data(), count);
+        return count;
+    };
+    EXPECT_THROW(converters::readPath(failing, path), std::runtime_error);
+    EXPECT_EQ(describe(path), linePoints) << "as it was";
+}
+
+TEST(ReadPathFiles, ThatComeInPiecesTellHowFarTheyAre) {
+    const std::string file = drawingOf(repeated(1'000'000, std::string(line) + "  ") + line);
+    for (const bool isSizeKnown : {true, false}) {
+        std::vector<double> parts;
+        converters::PathOptions options;
+        options.progress = [&](double done) {
+            parts.push_back(done);
+            return true;
+        };
+        DrawingPath path;
+        EXPECT_TRUE(converters::readPath(piecesOf(file, 4096), path, options,
+                                         isSizeKnown ? file.size() : 0));
+        EXPECT_TRUE(std::is_sorted(parts.begin(), parts.end()));
+        EXPECT_EQ(parts.back(), 1);
+        EXPECT_EQ(isSizeKnown, parts.front() > 0);
+    }
+}
+
+TEST(ReadPathFiles, OfASizeThatIsWrongAreReadAllTheSame) {
+    const std::string file = drawingOf(line);
+    for (const std::uint64_t size : {std::uint64_t{1}, std::uint64_t{1} << 63}) {
+        DrawingPath path;
+        EXPECT_TRUE(converters::readPath(piecesOf(file, 10), path, {}, size));
+        EXPECT_EQ(describe(path), linePoints);
+    }
 }
 
 TEST(ReadPathFiles, ReplaceWhatThePathHeld) {

@@ -1,19 +1,28 @@
 #include "converters/detail/drawing/dxf/TextGroups.h"
 
+#include "tests/support/Pieces.h"
+
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
 
 using converters::drawing::TextGroups;
+using converters::input::ByteWindow;
+
+ByteWindow windowOn(std::string_view text) {
+    return {text.data(), text.size()};
+}
 
 /// The groups of a text, "code=value".
 std::vector<std::string> groupsOf(std::string_view text) {
     std::vector<std::string> found;
-    TextGroups groups(text);
+    TextGroups groups(windowOn(text));
     while (groups.next()) {
         found.push_back(std::to_string(groups.code()) + "=" + std::string(groups.text()));
     }
@@ -68,7 +77,7 @@ TEST(TextGroups, AreInStepAgainBehindLinesThatAreNoCodes) {
             text += line + end;
         }
         EXPECT_EQ(groupsOf(text), (Groups{"0=TEXT", "1=one", "8=walls"}));
-        TextGroups groups(text);
+        TextGroups groups(windowOn(text));
         while (groups.next()) {
         }
         EXPECT_EQ(groups.skippedLines(), 1U) << "blank lines are not worth a word";
@@ -87,7 +96,7 @@ TEST(TextGroups, OfNothingAreNone) {
 
 double realOf(const std::string& value) {
     const std::string text = "10\n" + value + "\n20\n7\n";
-    TextGroups groups(text);
+    TextGroups groups(windowOn(text));
     EXPECT_TRUE(groups.next());
     const double number = groups.real();
     // Whatever the value was, the next group is the next one.
@@ -115,7 +124,7 @@ TEST(TextGroups, HaveNumbersAsProgramsWriteThem) {
 
 TEST(TextGroups, ReadADecimalCommaAsAPoint) {
     EXPECT_EQ(realOf("1,5"), 1.5);
-    TextGroups groups("10\n1,5\n20\n2.5\n");
+    TextGroups groups(windowOn("10\n1,5\n20\n2.5\n"));
     while (groups.next()) {
         groups.real();
     }
@@ -141,7 +150,7 @@ TEST(TextGroups, HaveTheNearestDoubleWhateverTheNumberOfDigits) {
 
 TEST(TextGroups, HaveWholeNumbersAlsoWhereAPointIsBehindThem) {
     const std::string text = "70\n     3\n70\n4.0\n70\n-5\n70\nx\n70\n99999999999999999999\n";
-    TextGroups groups(text);
+    TextGroups groups(windowOn(text));
     std::vector<std::int64_t> numbers;
     while (groups.next()) {
         numbers.push_back(groups.integer());
@@ -160,6 +169,76 @@ TEST(TextGroups, AreReadTheSameWhereverTheTextEnds) {
             groups.real();
             groups.text();
         }
+    }
+}
+
+/// Lines of all sorts, many of them no group, some longer than a window.
+std::string randomText(std::mt19937& random) {
+    const auto below = [&](std::size_t most) { return random() % most; };
+    const std::vector<std::string> lines = {"0",    "LINE",   " 10", "1.5",  "-12.25e3", "  40  ",
+                                            "8",    "walls",  "+20", "1,5",  "",         "junk",
+                                            "\t70", "  12.0", "12",  "1e",   "5\r",      "-",
+                                            "999",  "\r",     "0.1", "1234", "77777",    "777777"};
+    const std::vector<std::string> ends = {"\n", "\r\n", "\r"};
+    const std::string& end = ends[below(ends.size())];
+    std::string text = below(8) == 0 ? "\xEF\xBB\xBF" : "";
+    for (std::size_t i = below(60); i > 0; --i) {
+        const std::size_t blanks = below(20) == 0 ? below(400) : 0;
+        text += std::string(blanks, ' ') + lines[below(lines.size())];
+        text += std::string(below(20) == 0 ? below(400) : 0, below(2) == 0 ? ' ' : '7');
+        text += i == 1 && below(2) == 0 ? "" : end;
+    }
+    return text;
+}
+
+/// All that the groups of a text say, in words; of each the number, the text or nothing is asked
+/// for first.
+std::vector<std::string> everythingOf(ByteWindow window) {
+    std::vector<std::string> found;
+    TextGroups groups(std::move(window));
+    for (int i = 0; groups.next(); ++i) {
+        std::string group =
+            std::to_string(groups.position()) + ": " + std::to_string(groups.code());
+        if (i % 4 == 0) {
+            group += "=" + std::to_string(groups.real());
+        }
+        if (i % 4 < 2) {
+            group += "=" + std::string(groups.text()) + "," + std::to_string(groups.integer());
+        }
+        if (i % 4 < 3) {
+            group += "=" + std::to_string(groups.real());
+        }
+        found.push_back(group);
+    }
+    found.push_back(std::to_string(groups.skippedLines()) + " skipped");
+    found.push_back(std::to_string(groups.decimalCommas()) + " commas");
+    return found;
+}
+
+TEST(TextGroups, AreTheSameInWhateverPiecesTheyCome) {
+    std::mt19937 random(20261122);
+    for (int round = 0; round < 300; ++round) {
+        const std::string text = randomText(random);
+        const std::vector<std::string> groups = everythingOf(windowOn(text));
+        for (const std::size_t piece : {1, 3, 50, 129, 100000}) {
+            for (const std::size_t capacity : {1, 130, 300, 100000}) {
+                ASSERT_EQ(everythingOf({piecesOf(text, piece), 0, capacity}), groups)
+                    << piece << " bytes at a time in a window of " << capacity << ":\n"
+                    << text;
+            }
+        }
+    }
+}
+
+TEST(TextGroups, EndTheirLinesInTheSameWayInWhateverPiecesTheyCome) {
+    // Nothing but CR for longer than lines are looked through.
+    std::string text;
+    while (text.size() < 70000) {
+        text += "  0\rLINE\r";
+    }
+    for (const std::string& end : {std::string("10\r1.5\r"), std::string("10\n1.5\n")}) {
+        const std::string whole = text + end;
+        EXPECT_EQ(everythingOf({piecesOf(whole, 1000), 0, 4096}), everythingOf(windowOn(whole)));
     }
 }
 

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstring>
 #include <limits>
+#include <utility>
 
 namespace converters::drawing {
 
@@ -27,63 +28,53 @@ bool isBetween(int code, int first, int last) {
 
 } // namespace
 
-bool BinaryGroups::isBinary(std::string_view file) {
-    return file.substr(0, sentinel.size()) == sentinel;
+bool BinaryGroups::isBinary(input::ByteWindow& window) {
+    return window.need(sentinel.size()) &&
+           std::string_view(window.begin(), sentinel.size()) == sentinel;
 }
 
-BinaryGroups::BinaryGroups(std::string_view file) : m_file(file), m_next(sentinel.size()) {
+BinaryGroups::BinaryGroups(input::ByteWindow window) : m_window(std::move(window)) {
+    m_window.skip(sentinel.size());
     // The first group has code 0 and the text "SECTION"; a comment, code 999, may come before.
-    const std::string_view start = file.substr(sentinel.size(), 2);
-    m_hasShortCodes = start.size() == 2 && start[1] != 0 && start != "\xE7\x03";
-    m_group = m_next;
+    const bool hasCode = m_window.need(2);
+    const std::string_view start(m_window.begin(), hasCode ? 2 : 0);
+    m_hasShortCodes = hasCode && start[1] != 0 && start != "\xE7\x03";
 }
 
 bool BinaryGroups::next() {
-    m_group = m_next;
+    m_window.take(m_window.begin() + m_read);
+    m_read = 0;
+    if (readGroup()) {
+        return true;
+    }
+    m_read = 0;
+    return false;
+}
+
+bool BinaryGroups::readGroup() {
     if (!readCode()) {
-        m_next = m_group;
         return false;
     }
-    Layout layout = layoutOf(m_code);
-    if (layout.form == Form::text) {
-        const std::size_t end = m_file.find('\0', m_next);
-        if (end == std::string_view::npos) {
-            m_next = m_group;
-            return false;
-        }
-        m_value = m_file.substr(m_next, end - m_next);
-        m_next = end + 1;
-    } else {
-        if (layout.form == Form::chunk) {
-            if (m_next == m_file.size()) {
-                m_next = m_group;
-                return false;
-            }
-            layout.size = static_cast<unsigned char>(m_file[m_next++]);
-        }
-        if (!take(layout.size)) {
-            m_next = m_group;
-            return false;
-        }
-    }
+    const Layout layout = layoutOf(m_code);
     m_form = layout.form;
-    return true;
+    if (layout.form == Form::text) {
+        return readText();
+    }
+    if (layout.form == Form::chunk) {
+        return take(1) && take(static_cast<unsigned char>(m_value[0]));
+    }
+    return take(layout.size);
 }
 
 bool BinaryGroups::readCode() {
-    std::size_t size = 2;
-    if (m_hasShortCodes) {
-        if (m_next == m_file.size()) {
-            return false;
-        }
-        const auto code = static_cast<unsigned char>(m_file[m_next]);
-        constexpr unsigned char announcesLongCode = 255;
-        if (code == announcesLongCode) {
-            ++m_next;
-        } else {
-            size = 1;
-        }
+    if (!m_hasShortCodes) {
+        return takeCode(2);
     }
+    constexpr int announcesLongCode = 255;
+    return takeCode(1) && (m_code != announcesLongCode || takeCode(2));
+}
+
+bool BinaryGroups::takeCode(std::size_t size) {
     if (!take(size)) {
         return false;
     }
@@ -91,12 +82,32 @@ bool BinaryGroups::readCode() {
     return true;
 }
 
+/// Takes a text, up to the zero behind it.
+bool BinaryGroups::readText() {
+    std::size_t size = 0;
+    for (;;) {
+        const std::string_view rest(m_window.begin() + m_read, m_window.available() - m_read);
+        const std::size_t end = rest.find('\0', size);
+        if (end != std::string_view::npos) {
+            m_value = rest.substr(0, end);
+            m_read += end + 1;
+            return true;
+        }
+        size = rest.size();
+        if (!m_window.more()) {
+            return false;
+        }
+    }
+}
+
+/// Takes bytes as the value.
+/// @return false when the file has fewer
 bool BinaryGroups::take(std::size_t size) {
-    if (m_file.size() - m_next < size) {
+    if (!m_window.need(m_read + size)) {
         return false;
     }
-    m_value = m_file.substr(m_next, size);
-    m_next += size;
+    m_value = {m_window.begin() + m_read, size};
+    m_read += size;
     return true;
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "converters/detail/input/ByteWindow.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
@@ -12,10 +14,10 @@ namespace converters::drawing {
 class BinaryGroups {
 public:
     /// Whether a file is a binary DXF: how it starts.
-    static bool isBinary(std::string_view file);
+    static bool isBinary(input::ByteWindow& window);
 
-    /// @param file  read in place; a binary DXF
-    explicit BinaryGroups(std::string_view file);
+    /// @param window  on the start of a binary DXF
+    explicit BinaryGroups(input::ByteWindow window);
 
     /// Goes to the next group.
     /// @return false at the end of the file, or where it is cut within a group
@@ -24,7 +26,7 @@ public:
     /// The code of the group.
     int code() const { return m_code; }
 
-    /// The value where it is a text, empty otherwise; part of the file.
+    /// The value where it is a text, empty otherwise; until the next group.
     std::string_view text() const { return m_form == Form::text ? m_value : std::string_view(); }
 
     /// The value as a number; not a number when it is none.
@@ -35,8 +37,9 @@ public:
 
     /// Where the group begins, in bytes from the start of the file. At the end, where the first
     /// group begins that is not there as a whole.
-    std::size_t position() const { return m_group; }
-    std::size_t size() const { return m_file.size(); }
+    std::uint64_t position() const { return m_window.position(); }
+    /// Of the whole file, in bytes; 0 where it is not known.
+    std::uint64_t size() const { return m_window.size(); }
 
     static constexpr std::uint64_t skippedLines() { return 0; }
     static constexpr std::uint64_t decimalCommas() { return 0; }
@@ -50,12 +53,16 @@ private:
     };
     static Layout layoutOf(int code);
 
+    bool readGroup();
     bool readCode();
+    bool takeCode(std::size_t size);
+    bool readText();
     bool take(std::size_t size);
 
-    std::string_view m_file;
-    std::size_t m_group = 0;
-    std::size_t m_next = 0;
+    /// Begins with the group.
+    input::ByteWindow m_window;
+    /// Bytes of the group that are read.
+    std::size_t m_read = 0;
     std::string_view m_value;
     Form m_form = Form::text;
     int m_code = 0;

@@ -8,11 +8,9 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
-#include <string_view>
 #include <vector>
 
 /// A drawing as its file holds it: blocks and entities, nothing transformed, nothing sampled.
-/// Texts and names are parts of the file.
 namespace converters::drawing {
 
 /// The kinds of entity that draw something to follow.
@@ -132,9 +130,9 @@ struct LayerEntry {
 /// What the header says.
 struct Header {
     /// "AC1015"; empty where it is not there.
-    std::string_view release;
+    std::string release;
     /// "ANSI_1252"; empty where it is not there.
-    std::string_view codePage;
+    std::string codePage;
     /// $INSUNITS; 0 where it is not there.
     std::int64_t units = 0;
     /// Whether $MEASUREMENT is there and says imperial.

@@ -42,8 +42,8 @@ bool isDrawn(ObjectKind kind) {
 template <typename Groups>
 class DrawingParser {
 public:
-    DrawingParser(std::string_view file, Drawing& drawing, const Progress& progress)
-        : m_objects(file, progress), m_groups(m_objects.groups()), m_drawing(drawing),
+    DrawingParser(input::ByteWindow file, Drawing& drawing, const Progress& progress)
+        : m_objects(std::move(file), progress), m_groups(m_objects.groups()), m_drawing(drawing),
           m_entities(m_objects, drawing) {}
 
     void parse();
@@ -98,7 +98,7 @@ void DrawingParser<Groups>::parse() {
 template <typename Groups>
 void DrawingParser<Groups>::readSection() {
     // A comment may come before the name.
-    std::string_view name;
+    std::string name;
     while (name.empty() && m_objects.nextGroup()) {
         if (m_groups.code() == 2) {
             name = m_objects.trimmedText();
@@ -127,7 +127,7 @@ void DrawingParser<Groups>::readSection() {
 template <typename Groups>
 void DrawingParser<Groups>::readHeader() {
     Header& header = m_drawing.header;
-    std::string_view variable;
+    std::string variable;
     while (m_objects.nextGroup()) {
         const int code = m_groups.code();
         if (code == 9) {
@@ -160,7 +160,7 @@ void DrawingParser<Groups>::readTables() {
 
 template <typename Groups>
 void DrawingParser<Groups>::readLayer() {
-    std::string_view name;
+    std::string name;
     std::int64_t colour = 7;
     std::int64_t flags = 0;
     std::int32_t trueColour = noTrueColour;
@@ -192,8 +192,8 @@ void DrawingParser<Groups>::readLayer() {
 
 template <typename Groups>
 void DrawingParser<Groups>::readBlockRecord() {
-    std::string_view handle;
-    std::string_view name;
+    std::string handle;
+    std::string name;
     while (m_objects.nextGroup()) {
         if (m_groups.code() == 5) {
             handle = m_objects.trimmedText();
@@ -236,7 +236,7 @@ template <typename Groups>
 void DrawingParser<Groups>::readBlock() {
     constexpr std::int64_t externalReference = 4 | 8;
     const EntityGroups& head = m_entities.readBlockHead();
-    const std::string_view name = withoutBlanks(head.name);
+    const std::string name(withoutBlanks(head.name));
     Block block{};
     block.base = {head.real(Slot::x), head.real(Slot::y), head.real(Slot::z)};
     block.isExternal = (head.flags & externalReference) != 0;
@@ -339,18 +339,21 @@ void addNotes(const DrawingParser<Groups>& parser, Drawing& drawing) {
 
 /// Asks for as much memory as files of short numbers need, so that most need no more. What is not
 /// used is not touched.
-void reserveFor(std::size_t size, Drawing& drawing) {
-    constexpr std::size_t bytesPerEntity = 64;
-    constexpr std::size_t bytesPerNumber = 20;
+void reserveFor(std::uint64_t size, Drawing& drawing) {
+    constexpr std::uint64_t bytesPerEntity = 64;
+    constexpr std::uint64_t bytesPerNumber = 20;
+    // Whoever gives the file piece by piece may be wrong about its size.
+    constexpr std::uint64_t mostBelieved = std::uint64_t{1} << 30;
+    size = std::min(size, mostBelieved);
     base::reserveLarge(drawing.entities, size / bytesPerEntity);
     base::reserveLarge(drawing.numbers, size / bytesPerNumber);
 }
 
 template <typename Groups>
-Drawing parseGroups(std::string_view file, const Progress& progress) {
+Drawing parseGroups(input::ByteWindow file, const Progress& progress) {
     Drawing drawing;
     reserveFor(file.size(), drawing);
-    DrawingParser<Groups> parser(file, drawing, progress);
+    DrawingParser<Groups> parser(std::move(file), drawing, progress);
     parser.parse();
     if (std::is_same_v<Groups, BinaryGroups> && !parser.hasEnd()) {
         throw Refusal{"the file is cut short: the group at byte " +
@@ -365,18 +368,19 @@ Drawing parseGroups(std::string_view file, const Progress& progress) {
 
 } // namespace
 
-Drawing parseDrawing(std::string_view file, const Progress& progress) {
-    if (file.empty()) {
+Drawing parseDrawing(input::ByteWindow file, const Progress& progress) {
+    if (!file.need(1)) {
         throw Refusal{"the file is empty"};
     }
     if (BinaryGroups::isBinary(file)) {
-        return parseGroups<BinaryGroups>(file, progress);
+        return parseGroups<BinaryGroups>(std::move(file), progress);
     }
     constexpr std::string_view binaryDrawing = "AC10";
-    if (file.substr(0, binaryDrawing.size()) == binaryDrawing) {
+    if (file.need(binaryDrawing.size()) &&
+        std::string_view(file.begin(), binaryDrawing.size()) == binaryDrawing) {
         throw Refusal{"no DXF file: it begins as a DWG file does"};
     }
-    return parseGroups<TextGroups>(file, progress);
+    return parseGroups<TextGroups>(std::move(file), progress);
 }
 
 } // namespace converters::drawing

@@ -86,7 +86,7 @@ int EntityBuilder::flagsOf(const EntityAttributes& attributes) const {
 
 void EntityBuilder::add(EntityKind kind, const EntityGroups& groups, std::size_t data, int flags) {
     const EntityAttributes& attributes = groups.attributes;
-    m_drawing.entities.push_back({handleOf(attributes.handle), data, attributes.layer,
+    m_drawing.entities.push_back({attributes.handle, data, attributes.layer,
                                   trueColourOf(attributes.trueColour), colourOf(attributes.colour),
                                   kind, static_cast<std::uint8_t>(flagsOf(attributes) | flags)});
 }
@@ -327,7 +327,7 @@ void EntityBuilder::addInsert(const EntityGroups& groups) {
     insert.rowSpacing = groups.real(Slot::number45);
     insert.columns = arrayCount(groups.flags, insert.columnSpacing);
     insert.rows = arrayCount(groups.count.value_or(1), insert.rowSpacing);
-    insert.dictionary = handleOf(groups.attributes.dictionary);
+    insert.dictionary = groups.attributes.dictionary;
     const bool isWhole = isFinite({placement.point.x, placement.point.y, placement.point.z,
                                    placement.scale.x, placement.scale.y, placement.scale.z,
                                    placement.rotation, placement.extrusion.x, placement.extrusion.y,

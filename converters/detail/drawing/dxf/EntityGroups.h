@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
-#include <string_view>
+#include <string>
 
 namespace converters::drawing {
 
@@ -84,15 +84,15 @@ static_assert(slotOf(10) == Slot::x && slotOf(38) == Slot::elevation &&
 
 /// What any entity has.
 struct EntityAttributes {
-    /// Group 5, as text.
-    std::string_view handle;
+    /// Group 5.
+    std::uint64_t handle = 0;
     /// Group 8, a number in Drawing::layerNames.
     std::uint32_t layer = 0;
     /// Groups 62 and 420.
     std::int64_t colour = 256;
     std::int64_t trueColour = -1;
-    /// Of its extension dictionary, as text.
-    std::string_view dictionary;
+    /// The handle of its extension dictionary.
+    std::uint64_t dictionary = 0;
     /// Group 60.
     bool isInvisible = false;
     /// Whether group 67 says which space it is in, and which; its owner says, too.
@@ -107,7 +107,7 @@ class EntityGroups {
 public:
     void clear() {
         attributes = {};
-        name = {};
+        name.clear();
         flags = 0;
         count.reset();
         m_has = 0;
@@ -125,7 +125,7 @@ public:
 
     EntityAttributes attributes;
     /// Group 2.
-    std::string_view name;
+    std::string name;
     /// Groups 70 and 71.
     std::int64_t flags = 0;
     std::optional<std::int64_t> count;

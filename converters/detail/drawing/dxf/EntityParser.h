@@ -3,9 +3,11 @@
 #include "converters/detail/drawing/dxf/EntityBuilder.h"
 #include "converters/detail/drawing/dxf/EntityGroups.h"
 #include "converters/detail/drawing/dxf/EntityNames.h"
+#include "converters/detail/drawing/dxf/Numbers.h"
 #include "converters/detail/drawing/dxf/ObjectReader.h"
 
 #include <algorithm>
+#include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -22,7 +24,7 @@ public:
     EntityBuilder& builder() { return m_builder; }
 
     /// What owns an entity by this handle is paper space.
-    void addPaperSpace(std::string_view handle) { m_paperSpaces.push_back(handle); }
+    void addPaperSpace(std::string_view handle) { m_paperSpaces.emplace_back(handle); }
 
     /// Reads entities up to the end of the block or the section.
     void readEntities();
@@ -75,7 +77,7 @@ private:
     EntityBuilder m_builder;
     EntityGroups m_entity;
     std::vector<PolylineVertex> m_vertices;
-    std::vector<std::string_view> m_paperSpaces;
+    std::vector<std::string> m_paperSpaces;
 };
 
 template <typename Groups>
@@ -88,7 +90,7 @@ void EntityParser<Groups>::readEntities() {
 
 template <typename Groups>
 void EntityParser<Groups>::listStray() {
-    const std::string_view kind = m_objects.name();
+    const std::string kind = m_objects.name();
     m_entity.clear();
     readGroups(0);
     m_builder.addNotDrawn(m_entity.attributes, kind, LeftOutReason::broken);
@@ -170,7 +172,7 @@ bool EntityParser<Groups>::readAttribute() {
         m_entity.name = m_groups.text();
         break;
     case 5:
-        attributes.handle = m_groups.text();
+        attributes.handle = handleOf(m_groups.text());
         break;
     case 8:
         attributes.layer = m_drawing.layerNames.numberOf(m_objects.trimmedText());
@@ -233,7 +235,7 @@ bool EntityParser<Groups>::skipApplicationData() {
             return true;
         }
         if (isDictionary && m_groups.code() == hardOwner) {
-            m_entity.attributes.dictionary = m_groups.text();
+            m_entity.attributes.dictionary = handleOf(m_groups.text());
         }
     }
     return false;
@@ -244,7 +246,7 @@ bool EntityParser<Groups>::skipApplicationData() {
 template <typename Groups>
 void EntityParser<Groups>::readOther() {
     constexpr std::int64_t constant = 2;
-    const std::string_view kind = m_objects.name();
+    const std::string kind = m_objects.name();
     const bool isForm = m_objects.kind() == ObjectKind::attributeDefinition;
     bool isCommon = true;
     bool goesOn = true;
@@ -333,7 +335,7 @@ void EntityParser<Groups>::readLwPolyline() {
 /// A SPLINE, or a HELIX, which is one with more data behind it.
 template <typename Groups>
 void EntityParser<Groups>::readSpline() {
-    const std::string_view kind = m_objects.name();
+    const std::string kind = m_objects.name();
     SplineDefinition definition;
     bool goesOn = true;
     while (goesOn && m_objects.nextGroup()) {

@@ -2,13 +2,16 @@
 
 namespace converters::drawing {
 
-std::uint32_t NameTable::search(std::string_view name) {
-    const auto number = static_cast<std::uint32_t>(m_names.size());
-    const auto [entry, isNew] = m_numbers.emplace(name, number);
-    if (isNew) {
-        m_names.push_back(name);
+NameTable::Recent NameTable::search(std::string_view name) {
+    const auto known = m_numbers.find(name);
+    if (known != m_numbers.end()) {
+        return {known->first, known->second};
     }
-    return entry->second;
+    const auto number = static_cast<std::uint32_t>(m_names.size());
+    const std::string_view kept = m_texts.emplace_front(name);
+    m_names.push_back(kept);
+    m_numbers.emplace(kept, number);
+    return {kept, number};
 }
 
 } // namespace converters::drawing

@@ -3,9 +3,13 @@
 #include "converters/detail/drawing/Progress.h"
 #include "converters/detail/drawing/dxf/EntityNames.h"
 #include "converters/detail/drawing/dxf/Numbers.h"
+#include "converters/detail/input/ByteWindow.h"
 
+#include <algorithm>
 #include <cstdint>
+#include <string>
 #include <string_view>
+#include <utility>
 
 namespace converters::drawing {
 
@@ -18,8 +22,8 @@ namespace converters::drawing {
 template <typename Groups>
 class ObjectReader {
 public:
-    ObjectReader(std::string_view file, const Progress& progress)
-        : m_groups(file), m_progress(progress) {}
+    ObjectReader(input::ByteWindow window, const Progress& progress)
+        : m_groups(std::move(window)), m_progress(progress) {}
 
     Groups& groups() { return m_groups; }
     const Groups& groups() const { return m_groups; }
@@ -40,8 +44,7 @@ public:
         m_kind = objectKindOf(m_name);
         constexpr std::uint64_t objectsPerReport = 1 << 13;
         if (++m_objects % objectsPerReport == 0) {
-            m_progress.report(static_cast<double>(m_groups.position()) /
-                              static_cast<double>(m_groups.size()));
+            reportProgress();
         }
     }
 
@@ -53,7 +56,7 @@ public:
 
     /// Whether there is an object, not the end of the file; its name and kind.
     bool hasObject() const { return m_hasObject; }
-    std::string_view name() const { return m_name; }
+    const std::string& name() const { return m_name; }
     ObjectKind kind() const { return m_kind; }
 
     /// Whether there is an object that does not end the section.
@@ -66,10 +69,16 @@ public:
     std::string_view trimmedText() { return withoutBlanks(m_groups.text()); }
 
 private:
+    void reportProgress() const {
+        const std::uint64_t size = m_groups.size();
+        const auto position = static_cast<double>(m_groups.position());
+        m_progress.report(size == 0 ? 0 : std::min(1.0, position / static_cast<double>(size)));
+    }
+
     Groups m_groups;
     const Progress& m_progress;
     bool m_hasObject = true;
-    std::string_view m_name;
+    std::string m_name;
     ObjectKind m_kind = ObjectKind::other;
     std::uint64_t m_objects = 0;
 };

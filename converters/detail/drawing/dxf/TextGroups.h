@@ -1,5 +1,7 @@
 #pragma once
 
+#include "converters/detail/input/ByteWindow.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -19,14 +21,20 @@ namespace converters::drawing {
 /// in step behind it.
 class TextGroups {
 public:
-    /// @param text  read in place; a byte order mark at its start is stepped over
-    explicit TextGroups(std::string_view text);
+    /// @param window  on the start of a text; a byte order mark is stepped over
+    explicit TextGroups(input::ByteWindow window);
+    TextGroups(const TextGroups&) = delete;
+    TextGroups& operator=(const TextGroups&) = delete;
+    ~TextGroups() = default;
 
     /// Goes to the next group.
     /// @return false at the end of the text
     bool next() {
         if (m_next == nullptr) {
-            m_next = behindLine(lineEnd(m_value));
+            m_next = behindLine(lineEndOfValue());
+        }
+        if (m_end - m_next < ordinaryGroup && m_hasMore) {
+            bringGroup();
         }
         return readCode();
     }
@@ -34,7 +42,7 @@ public:
     /// The code of the group.
     int code() const { return m_code; }
 
-    /// The value without its line end, part of the text.
+    /// The value without its line end, until the next group.
     std::string_view text();
 
     /// The value as a number; not a number when it is none.
@@ -44,8 +52,11 @@ public:
     std::int64_t integer();
 
     /// Where the group begins, in bytes from the start of the text.
-    std::size_t position() const { return static_cast<std::size_t>(m_group - m_begin); }
-    std::size_t size() const { return static_cast<std::size_t>(m_end - m_begin); }
+    std::uint64_t position() const {
+        return m_window.position() + static_cast<std::size_t>(m_group - m_window.begin());
+    }
+    /// Of the whole text, in bytes; 0 where it is not known.
+    std::uint64_t size() const { return m_window.size(); }
 
     /// How many lines were skipped because they should be codes and are none.
     std::uint64_t skippedLines() const { return m_skippedLines; }
@@ -54,24 +65,35 @@ public:
     std::uint64_t decimalCommas() const { return m_decimalCommas; }
 
 private:
+    /// So many bytes hold most groups.
+    static constexpr std::ptrdiff_t ordinaryGroup = 128;
+
     bool readCode();
     bool readUnusualCode();
-    double readUnusualReal();
+    bool readPlainLine(double& number);
     const char* lineEnd(const char* from) const;
+    const char* lineEndOfValue();
     const char* behindLine(const char* end) const { return end == m_end ? end : end + 1; }
+    bool bringMore();
+    void bringGroup();
+    const char* bringLineEnd();
 
-    const char* m_begin;
-    const char* m_end;
-    const char* m_group;
-    const char* m_value;
-    /// Where the line behind the value begins, as far as that is known.
-    const char* m_next;
+    input::ByteWindow m_window;
+    /// Of the window.
+    const char* m_end = nullptr;
+    /// Whether the text may go on there.
+    bool m_hasMore = false;
+    const char* m_group = nullptr;
+    const char* m_value = nullptr;
+    /// Where the line behind the value begins; null where that is not known.
+    const char* m_next = nullptr;
     int m_code = 0;
     char m_newLine = '\n';
     std::uint64_t m_skippedLines = 0;
     std::uint64_t m_decimalCommas = 0;
 };
 
+/// The end of the line, or of the window.
 inline const char* TextGroups::lineEnd(const char* from) const {
 #ifdef __SSE2__
     // Lines are short: nearly always within the first sixteen bytes or the next.
@@ -89,6 +111,11 @@ inline const char* TextGroups::lineEnd(const char* from) const {
     }
     const void* const found = std::memchr(from, m_newLine, static_cast<std::size_t>(m_end - from));
     return found != nullptr ? static_cast<const char*>(found) : m_end;
+}
+
+inline const char* TextGroups::lineEndOfValue() {
+    const char* const end = lineEnd(m_value);
+    return end == m_end && m_hasMore ? bringLineEnd() : end;
 }
 
 inline bool TextGroups::readCode() {

@@ -1,5 +1,8 @@
 #include "tests/converters/drawing/support/PathReading.h"
 
+#include "tests/support/PathBytes.h"
+#include "tests/support/Pieces.h"
+
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -11,6 +14,32 @@ using converters::PathCurveKind;
 using converters::PathPiece;
 using Point = cv::Point3_<double>;
 
+namespace {
+
+/// Reads a file that comes in pieces, as it is to give the same; of small files, a piece ends at
+/// every byte.
+void expectSameInPieces(const std::string& file, converters::PathOptions options,
+                        const converters::ReadResult& result, const DrawingPath& path) {
+    constexpr std::size_t smallFile = 2000;
+    constexpr std::size_t mostPoints = 100'000;
+    if (path.points.size() > mostPoints) {
+        return;
+    }
+    options.progress = nullptr;
+    for (const std::size_t piece : {1, 37, 5000}) {
+        if (piece == 5000 || file.size() < smallFile) {
+            DrawingPath again;
+            const converters::ReadResult resultAgain =
+                converters::readPath(piecesOf(file, piece), again, options, file.size());
+            EXPECT_EQ(resultAgain.reason, result.reason) << "in pieces of " << piece << " bytes";
+            EXPECT_TRUE(!result || bytesOf(again) == bytesOf(path))
+                << "in pieces of " << piece << " bytes";
+        }
+    }
+}
+
+} // namespace
+
 DrawingPath pathOf(const std::string& file, const converters::PathOptions& options) {
     DrawingPath path;
     const converters::ReadResult result =
@@ -18,6 +47,7 @@ DrawingPath pathOf(const std::string& file, const converters::PathOptions& optio
     EXPECT_TRUE(result) << result.reason;
     EXPECT_EQ(result.reason, "");
     EXPECT_EQ(faultOf(path), "");
+    expectSameInPieces(file, options, result, path);
     return path;
 }
 
@@ -28,6 +58,9 @@ std::string refusalOf(const std::string& file, const converters::PathOptions& op
         converters::readPath(file.data(), file.size(), path, options);
     EXPECT_EQ(result.success, result.reason.empty());
     EXPECT_TRUE(result.success || path.notes.size() == 1) << "the path is touched";
+    if (!options.progress) {
+        expectSameInPieces(file, options, result, path);
+    }
     return result.reason;
 }
 

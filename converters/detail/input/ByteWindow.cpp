@@ -1,4 +1,4 @@
-#include "converters/detail/scan/ByteWindow.h"
+#include "converters/detail/input/ByteWindow.h"
 
 #include <algorithm>
 #include <array>
@@ -7,11 +7,8 @@
 #include <numeric>
 #include <utility>
 
-namespace converters::scan {
+namespace converters::input {
 namespace {
-
-/// Stays in a processor's second cache.
-constexpr std::size_t usualCapacity = std::size_t{1} << 18;
 
 /// The number of line feeds. Sixteen sums of one byte each are kept side by side, as processors add
 /// them in one step, and taken together before they overflow.
@@ -67,9 +64,9 @@ ByteWindow::ByteWindow(const void* bytes, std::size_t size)
     : m_begin(static_cast<const char*>(bytes)), m_end(m_begin + size), m_base(m_begin),
       m_size(size), m_hasEnded(true) {}
 
-ByteWindow::ByteWindow(ByteSource source, std::uint64_t size)
-    : m_source(std::move(source)), m_size(size), m_hasEnded(false),
-      m_buffer(new char[usualCapacity]), m_capacity(usualCapacity) {
+ByteWindow::ByteWindow(ByteSource source, std::uint64_t size, std::size_t capacity)
+    : m_source(std::move(source)), m_size(size), m_hasEnded(false), m_buffer(new char[capacity]),
+      m_capacity(capacity) {
     m_begin = m_end = m_base = m_buffer.get();
 }
 
@@ -173,4 +170,4 @@ std::uint64_t ByteWindow::lineAt(const char* position) {
     return lines.line();
 }
 
-} // namespace converters::scan
+} // namespace converters::input

@@ -1,13 +1,13 @@
 #pragma once
 
-#include "converters/ScanReader.h"
+#include "converters/ByteSource.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
 
-namespace converters::scan {
+namespace converters::input {
 
 /// Counts the lines of a text that comes in pieces. A line ends with LF, CR LF or CR.
 class LineCount {
@@ -45,10 +45,14 @@ private:
 /// Pointers into it last until the next call of more(), need() or skip().
 class ByteWindow {
 public:
+    /// Stays in a processor's second cache.
+    static constexpr std::size_t usualCapacity = std::size_t{1} << 18;
+
     /// A file in memory.
     ByteWindow(const void* bytes, std::size_t size);
-    /// @param size  of the whole file; 0 where it is not known
-    ByteWindow(ByteSource source, std::uint64_t size);
+    /// @param size      of the whole file; 0 where it is not known
+    /// @param capacity  of the window at first; it grows with what is looked at at once
+    ByteWindow(ByteSource source, std::uint64_t size, std::size_t capacity = usualCapacity);
 
     const char* begin() const { return m_begin; }
     const char* end() const { return m_end; }
@@ -66,6 +70,12 @@ public:
     /// Takes `size` bytes, whether they fit into the window or not.
     /// @return how many there were
     std::uint64_t skip(std::uint64_t size);
+
+    /// Whether the window reaches to the end of the file, as far as is known.
+    bool hasEnded() const { return m_hasEnded; }
+
+    /// Of the whole file; 0 where it is not known.
+    std::uint64_t size() const { return m_size; }
 
     /// Bytes of the file before the window.
     std::uint64_t position() const {
@@ -117,4 +127,4 @@ private:
     std::optional<LineFeedCount> m_lineFeeds;
 };
 
-} // namespace converters::scan
+} // namespace converters::input

@@ -1,6 +1,4 @@
-#include "converters/detail/scan/FileSource.h"
-
-#include "converters/detail/scan/Fault.h"
+#include "converters/detail/input/FileSource.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -10,14 +8,14 @@
 #include <memory>
 #include <system_error>
 
-namespace converters::scan {
+namespace converters::input {
 namespace {
 
 /// An open file, closed at the end of its life.
 class OpenFile {
 public:
-    explicit OpenFile(const std::filesystem::path& file)
-        : m_descriptor(open(file.c_str(), O_RDONLY | O_CLOEXEC)) {
+    OpenFile(const std::filesystem::path& file, const Refuse& refuse)
+        : m_refuse(refuse), m_descriptor(open(file.c_str(), O_RDONLY | O_CLOEXEC)) {
         if (m_descriptor < 0) {
             refuseBySystem("the file cannot be opened: ");
         }
@@ -46,20 +44,21 @@ public:
     }
 
 private:
-    [[noreturn]] static void refuseBySystem(const std::string& what) {
+    void refuseBySystem(const std::string& what) const {
         const int error = errno;
-        refuse(what + std::generic_category().message(error));
+        m_refuse(what + std::generic_category().message(error));
     }
 
+    Refuse m_refuse;
     int m_descriptor;
 };
 
 } // namespace
 
-ByteWindow openFile(const std::filesystem::path& file) {
-    const auto opened = std::make_shared<const OpenFile>(file);
+ByteWindow openFile(const std::filesystem::path& file, const Refuse& refuse, std::size_t capacity) {
+    const auto opened = std::make_shared<const OpenFile>(file, refuse);
     return {[opened](void* bytes, std::size_t room) { return opened->readSome(bytes, room); },
-            opened->size()};
+            opened->size(), capacity};
 }
 
-} // namespace converters::scan
+} // namespace converters::input
