@@ -164,8 +164,7 @@ void convertDrawing(const ConvertOptions& options, FileFormat to) {
     Notes notes(name);
     const InputFile input(options.input);
     checkReplacement(input, options.output, options.force);
-    const DrawingPath path =
-        readPathFile(name, readInputFile(input, progress), options.path, progress);
+    const DrawingPath path = readPathFile(input, options.path, progress);
     if (path.contours.empty() && !path.leftOut.empty()) {
         throw FileError(name, "nothing is left to follow; left out: " + leftOutText(path.leftOut));
     }

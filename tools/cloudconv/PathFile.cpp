@@ -1,24 +1,49 @@
 #include "tools/cloudconv/PathFile.h"
 
 #include "tools/cloudconv/FileError.h"
+#include "tools/cloudconv/InputFile.h"
 #include "tools/cloudconv/Progress.h"
 
 #include <array>
 #include <utility>
 
+using converters::DrawingPath;
 using converters::LengthUnit;
 
-converters::DrawingPath readPathFile(const std::string& name,
-                                     const std::vector<unsigned char>& bytes,
-                                     converters::PathOptions options, Progress& progress) {
+namespace {
+
+/// @param read  reads the path with these options
+template <typename Read>
+DrawingPath readNamed(const std::string& name, converters::PathOptions options, Progress& progress,
+                      Read read) {
     options.progress = progress.beginParts("following " + name);
-    converters::DrawingPath path;
-    const converters::ReadResult result =
-        converters::readPath(bytes.data(), bytes.size(), path, options);
+    DrawingPath path;
+    const converters::ReadResult result = read(path, options);
     if (!result) {
         throw FileError(name, result.reason);
     }
     return path;
+}
+
+} // namespace
+
+DrawingPath readPathFile(const std::string& name, const std::vector<unsigned char>& bytes,
+                         converters::PathOptions options, Progress& progress) {
+    return readNamed(name, std::move(options), progress,
+                     [&](DrawingPath& path, const converters::PathOptions& reading) {
+                         return converters::readPath(bytes.data(), bytes.size(), path, reading);
+                     });
+}
+
+DrawingPath readPathFile(const InputFile& file, converters::PathOptions options,
+                         Progress& progress) {
+    const auto source = [&file](void* bytes, std::size_t room) {
+        return file.readSome(bytes, room);
+    };
+    return readNamed(file.name(), std::move(options), progress,
+                     [&](DrawingPath& path, const converters::PathOptions& reading) {
+                         return converters::readPath(source, path, reading, file.expectedSize());
+                     });
 }
 
 std::string shortName(LengthUnit unit) {

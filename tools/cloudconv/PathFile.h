@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+class InputFile;
 class Progress;
 
 /// Reads the path of a drawing's bytes.
@@ -15,6 +16,12 @@ class Progress;
 converters::DrawingPath readPathFile(const std::string& name,
                                      const std::vector<unsigned char>& bytes,
                                      converters::PathOptions options, Progress& progress);
+
+/// Reads the path of a file, which is read once and not kept.
+///
+/// @throws FileError with the reader's reason, or the system's
+converters::DrawingPath readPathFile(const InputFile& file, converters::PathOptions options,
+                                     Progress& progress);
 
 /// The name of a unit as the command line has it: "mm"; of others, and none, empty.
 std::string shortName(converters::LengthUnit unit);
