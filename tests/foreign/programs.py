@@ -297,12 +297,17 @@ MUTATIONS = [exponents, short_numbers, long_numbers, padded_values, defaults_dro
 # The text
 
 def with_line_ends(text, chance):
-    """Other line ends and other blanks around group codes; perhaps something behind the end."""
+    """Other line ends, other blanks around group codes, blank lines before some; perhaps something
+    behind the end."""
     lines = text.split("\n")[:-1]
     if chance.random() < 0.5:
         for i in range(0, len(lines) - 1, 2):
             lines[i] = " " * chance.randint(0, 5) + lines[i].strip() + " " * chance.choice([0, 0, 2])
     end = chance.choice(["\n", "\r\n", "\r"])
+    if chance.random() < 0.2:
+        lines = [chance.choice(["", "  "]) + end + line
+                 if i % 2 == 0 and chance.random() < 0.1 else line
+                 for i, line in enumerate(lines)]
     start = chance.choice(["", "", "\xef\xbb\xbf"]) if text.isascii() else ""
     behind = chance.choice(["", "", end, end + end, "\x1a", "\0" * 100])
     return start + end.join(lines) + end + behind
