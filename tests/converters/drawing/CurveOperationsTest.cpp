@@ -73,6 +73,16 @@ TEST(CurveOperationsTest, AReversedCurveIsWalkedTheOtherWay) {
     }
 }
 
+TEST(CurveOperationsTest, AReversedSplineKeepsItsRangeHoweverFarItsOuterKnotsAre) {
+    const BSpline spline{
+        2, {0, 0, 0, 0.5, 1, 1, 6e110}, {{0, 0, 0}, {1, 2, 0}, {3, 1, 0}, {4, 0, 0}}, {}};
+    const BSpline back = reversed(spline);
+    EXPECT_EQ(back.knots, (std::vector<double>{-6e110, 0, 0, 0.5, 1, 1, 1}));
+    for (const double t : {0.0, 0.1, 0.5, 0.8, 1.0}) {
+        EXPECT_LT(distance(pointAt(Curve(back), t), pointAt(Curve(spline), 1 - t)), 1e-12) << t;
+    }
+}
+
 TEST(CurveOperationsTest, ParametersOutsideAreTheEnds) {
     RandomCurves random(4);
     for (int i = 0; i < 100; ++i) {

@@ -33,6 +33,19 @@ std::string joined(const std::vector<std::string>& coordinates, const PathOption
     return describe(pathOf(drawingOf(lines(coordinates)), options));
 }
 
+TEST(ReadPathJoining, ASplineIsWalkedBackwardsHoweverFarItsOuterKnotsAre) {
+    // The line comes first; the spline ends where it does.
+    const DrawingPath path =
+        pathOf(drawingOf("0 LINE  10 9  20 0  11 4  21 0  "
+                         "0 SPLINE  71 2  40 0  40 0  40 0  40 0.5  40 1  40 1  40 6e110  "
+                         "10 0  20 0  10 1  20 2  10 3  20 1  10 4  20 0"));
+    ASSERT_EQ(path.contours.size(), 1U);
+    EXPECT_EQ(path.points.front().x, 9);
+    EXPECT_LT(std::abs(path.points.back().x), 1e-9);
+    EXPECT_GT(path.points.size(), 10U);
+    EXPECT_EQ(leftOut(path), "");
+}
+
 TEST(ReadPathJoining, LinesEndToEndAreOneContour) {
     EXPECT_EQ(joined({"0 0 1 0", "1 0 1 1"}), "(0, 0) (1, 0) (1, 1)\n");
 }

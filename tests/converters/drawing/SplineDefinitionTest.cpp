@@ -126,6 +126,9 @@ TEST(SplineFromTest, WhatIsBrokenIsTold) {
     EXPECT_TRUE(isBroken(cubic(fivePoints, {0, 0, 0, 0, 0, 0, 0, 0, 0})));
     EXPECT_TRUE(isBroken(cubic(fivePoints, {0, 0, 0, 0, 1, infinity, 2, 2, 2})));
     EXPECT_TRUE(isBroken(cubic(fivePoints, {-1e308, -1e308, 0, 0, 1, 2, 2, 1e308, 1e308})));
+    EXPECT_TRUE(isBroken(cubic(fivePoints, {0, 0, 0, 0, 1, 2, 2, 2, 1.1e300})));
+    EXPECT_FALSE(isBroken(cubic(fivePoints, {0, 0, 0, 0, 1, 2, 2, 2, 1e300})));
+    EXPECT_TRUE(isBroken(cubic(fivePoints, {1, 1, 1, 1, 1, 1 + 1e-13, 2, 2, 2})));
     EXPECT_TRUE(isBroken(cubic(fivePoints, {0, 1, 2})));
     EXPECT_TRUE(isBroken(closedCubic(fivePoints, upTo(9))));
     EXPECT_TRUE(isBroken(cubic({{0, 0, 0}, {1, 1, 1}, {2, notANumber, 0}, {3, 3, 3}})));

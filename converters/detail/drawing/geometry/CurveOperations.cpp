@@ -11,11 +11,12 @@ namespace converters::drawing {
 
 namespace {
 
-/// Turns the order of knots round, within the same range.
-void reverseKnots(std::vector<double>& knots) {
-    const double sum = knots.front() + knots.back();
-    std::reverse(knots.begin(), knots.end());
-    for (double& knot : knots) {
+/// Turns the order of knots round, so that the curve has the same range. Those before and behind
+/// that may be so far away that nothing would be left of it beside them.
+void reverseKnots(BSpline& spline) {
+    const double sum = spline.knots[spline.degree] + spline.knots[spline.controlPoints.size()];
+    std::reverse(spline.knots.begin(), spline.knots.end());
+    for (double& knot : spline.knots) {
         knot = sum - knot;
     }
 }
@@ -136,7 +137,7 @@ EllipticArc reversed(const EllipticArc& arc) {
 BSpline reversed(BSpline spline) {
     std::reverse(spline.controlPoints.begin(), spline.controlPoints.end());
     std::reverse(spline.weights.begin(), spline.weights.end());
-    reverseKnots(spline.knots);
+    reverseKnots(spline);
     return spline;
 }
 

@@ -87,12 +87,16 @@ bool completeKnots(SplineDefinition& definition, std::size_t degree) {
 bool straightenKnots(std::vector<double>& knots, std::size_t degree) {
     const double from = knots[degree];
     const double to = knots[knots.size() - 1 - degree];
-    // That of numbers with six digits.
-    const double rounding = 1e-5 * (to - from);
-    if (!(to > from) || !std::isfinite(knots.back() - knots.front()) ||
-        !std::isfinite(knots.back() + knots.front())) {
+    // Sums of knots are finite, and what is left of the curve's range after rounding is some.
+    constexpr double largest = 1e300;
+    constexpr double leastPart = 1e-12;
+    const auto [lowest, highest] = std::minmax_element(knots.begin(), knots.end());
+    if (*lowest < -largest || *highest > largest ||
+        !(to - from > leastPart * std::max(std::fabs(from), std::fabs(to)))) {
         return false;
     }
+    // That of numbers with six digits.
+    const double rounding = 1e-5 * (to - from);
     for (std::size_t i = 1; i < knots.size(); ++i) {
         if (knots[i] < knots[i - 1] - rounding) {
             return false;
