@@ -357,8 +357,8 @@ CONVERTERS_EXPORT ReadResult readPath(const std::filesystem::path& file, Drawing
 /// @param source   asked for the bytes in their order
 /// @param path     as above
 /// @param options  as above
-/// @param size     of the whole file, where known, for progress and for memory to have ready; else
-/// 0
+/// @param size     of the whole file, for progress and for memory to have ready; 0 where it is not
+///                 known
 /// @return as above
 /// @throws what the source throws, and std::bad_alloc; `path` is untouched
 CONVERTERS_EXPORT ReadResult readPath(const ByteSource& source, DrawingPath& path,

@@ -4,6 +4,7 @@
 #include "converters/DrawingPath.h"
 #include "tests/support/HostilePathDrawings.h"
 #include "tests/support/Pieces.h"
+#include "tests/support/Random.h"
 
 #ifdef CONVERTERS_COUNTED_MEMORY
 #include "tests/support/FailingAllocator.h"
@@ -14,9 +15,13 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
+#include <cstring>
 #include <limits>
 #include <ostream>
 #include <string>
+#include <string_view>
+#include <vector>
 
 void PrintTo(const HostileDrawing& drawing, std::ostream* stream) {
     *stream << drawing.name;
@@ -353,6 +358,65 @@ TEST(HostilePath, KnotsThatFallAreLeftOutAsBroken) {
 
 TEST(HostilePath, AnEllipseOfRatioZeroIsNoCrash) {
     pathOf(drawingOf("0\nELLIPSE\n8\n0\n10\n0\n20\n0\n11\n2\n21\n0\n40\n0\n41\n0\n42\n6.283185\n"));
+}
+
+std::string group(int code, double value) {
+    char text[40];
+    std::snprintf(text, sizeof text, "%d\n%.17g\n", code, value);
+    return text;
+}
+
+/// A spline whose knots rise by steps of all sizes, as do the places of its control points. It ends
+/// at x = 1, y = 2.
+std::string wildSpline(Random& random) {
+    const std::vector<double> steps = {0,     0,      0,   1,    1,     0.5,  1e-6,
+                                       1e-13, 1e-300, 1e6, 1e17, 1e110, 1e299};
+    const std::vector<double> places = {0, 1, 2, 3, -1, 1e-9, 1e6, 1e100, 1e-200};
+    const std::vector<double> weights = {1, 1, 0.5, 1e-6, 1e6};
+    const int degree = random.below<int>(5) + 1;
+    const int points = degree + 1 + random.below<int>(4);
+    std::string text = "0\nSPLINE\n8\n0\n" +
+                       group(70, random.pick(std::vector<int>{0, 0, 0, 1, 2})) + group(71, degree);
+    double knot = random.oneIn(2) ? 0 : -random.pick(steps);
+    for (int i = 0; i < points + degree + 1; ++i) {
+        text += group(40, knot);
+        knot += random.oneIn(3) ? random.pick(steps) : 1;
+    }
+    const bool isWild = random.oneIn(3);
+    const bool isWeighted = random.oneIn(4);
+    for (int i = 0; i < points; ++i) {
+        const bool isLast = i + 1 == points;
+        text += group(10, isLast   ? 1
+                          : isWild ? random.pick(places)
+                                   : i % 3) +
+                group(20, isLast   ? 2
+                          : isWild ? random.pick(places)
+                                   : i * i % 5) +
+                (isWeighted ? group(41, random.pick(weights)) : "");
+    }
+    return text;
+}
+
+TEST(HostilePath, SplinesOfAnyKnotsAreSoundInAnyDirection) {
+    Random random(20261122);
+    int reversals = 0;
+    for (int round = 0; round < 3000; ++round) {
+        // The line is walked towards the end of the spline.
+        const std::string line = "0\nLINE\n8\n0\n10\n5\n20\n5\n11\n1\n21\n2\n";
+        const std::string drawing = drawingOf((random.oneIn(2) ? line : "") + wildSpline(random));
+        PathOptions options;
+        options.maximumPoints = 20'000;
+        options.order = static_cast<converters::PathOrder>(random.below<int>(3));
+        if (random.oneIn(4)) {
+            options.step = 0.1;
+        }
+        DrawingPath path;
+        read(drawing, path, options);
+        SCOPED_TRACE(drawing);
+        ASSERT_NO_FATAL_FAILURE(expectSound(path));
+        reversals += path.contours.size() == 1 && path.entities.size() == 2 ? 1 : 0;
+    }
+    EXPECT_GT(reversals, 200);
 }
 
 // Limits
