@@ -185,7 +185,7 @@ const char* nameOf(LeftOutReason reason) {
     case LeftOutReason::infinite:
         return "an infinite line";
     case LeftOutReason::unknownKind:
-        return "of a kind that is not known";
+        return "of a kind that is not followed";
     case LeftOutReason::layerOff:
         return "on a layer that is off";
     case LeftOutReason::layerFrozen:

@@ -190,13 +190,13 @@ struct PathContour {
 
 /// Why something that the drawing holds is not in the path as it is drawn.
 enum class LeftOutReason : std::uint8_t {
-    /// Text, dimensions, leaders, hatches, images: nothing to follow.
+    /// Text, tables, dimensions, leaders, hatches, images: nothing to follow.
     annotation,
     /// Faces, meshes and solids.
     mesh,
     /// A RAY or an XLINE.
     infinite,
-    /// Multiple lines, tables, proxies and kinds that are not known.
+    /// Multiple lines, proxies and kinds that are not known.
     unknownKind,
     layerOff,
     layerFrozen,

@@ -407,12 +407,14 @@ TEST(ReadPathEntities, MayHaveTabsAroundCodesNamesAndNumbers) {
 TEST(ReadPathEntities, WhatIsNoPathIsListed) {
     const DrawingPath path = pathOf(drawingOf(
         "0 TEXT  8 a  0 MTEXT  8 a  0 TEXT  8 a  0 HATCH  8 b  10 1  20 1  0 RAY  8 a  "
-        "0 MLINE  8 a  0 VIEWPORT  8 a  0 ACAD_PROXY_ENTITY  8 a  0 DIMENSION  8 a  2 *D1"));
+        "0 MLINE  8 a  0 VIEWPORT  8 a  0 ACAD_PROXY_ENTITY  8 a  0 DIMENSION  8 a  2 *D1  "
+        "0 ACAD_TABLE  8 a  2 *T1"));
     EXPECT_EQ(leftOut(path), "2 TEXT on a: annotation\n1 MTEXT on a: annotation\n"
                              "1 HATCH on b: annotation\n1 RAY on a: an infinite line\n"
-                             "1 MLINE on a: of a kind that is not known\n"
-                             "1 ACAD_PROXY_ENTITY on a: of a kind that is not known\n"
-                             "1 DIMENSION on a: annotation\n");
+                             "1 MLINE on a: of a kind that is not followed\n"
+                             "1 ACAD_PROXY_ENTITY on a: of a kind that is not followed\n"
+                             "1 DIMENSION on a: annotation\n"
+                             "1 ACAD_TABLE on a: annotation\n");
     EXPECT_TRUE(path.contours.empty());
 }
 

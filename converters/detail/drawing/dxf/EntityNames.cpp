@@ -40,7 +40,7 @@ constexpr std::array<NamedKind, 24> kinds = {{{"LINE", ObjectKind::line},
                                               {"ENDSEC", ObjectKind::endOfSection},
                                               {"EOF", ObjectKind::endOfFile}}};
 
-constexpr std::array<std::string_view, 26> annotations = {"TEXT",
+constexpr std::array<std::string_view, 27> annotations = {"TEXT",
                                                           "MTEXT",
                                                           "ATTRIB",
                                                           "ATTDEF",
@@ -65,7 +65,8 @@ constexpr std::array<std::string_view, 26> annotations = {"TEXT",
                                                           "SECTIONOBJECT",
                                                           "ARC_DIMENSION",
                                                           "LARGE_RADIAL_DIMENSION",
-                                                          "GEOPOSITIONMARKER"};
+                                                          "GEOPOSITIONMARKER",
+                                                          "ACAD_TABLE"};
 
 constexpr std::array<std::string_view, 14> meshes = {"3DFACE",          "SOLID",
                                                      "TRACE",           "MESH",
