@@ -1,6 +1,7 @@
 #include "tests/support/PathBytes.h"
 
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 namespace {

@@ -167,8 +167,12 @@ TEST(ReadPathFiles, AreReadByTheirPaths) {
     EXPECT_EQ(describe(path), linePoints);
     const ReadResult missing = converters::readPath(directory.path() / "none.dxf", path);
     EXPECT_FALSE(missing);
-    EXPECT_THAT(missing.reason, testing::HasSubstr("none.dxf"));
-    EXPECT_FALSE(converters::readPath(directory.path(), path));
+    EXPECT_EQ(missing.reason, (directory.path() / "none.dxf").string() +
+                                  ": the file cannot be opened: No such file or directory");
+    const ReadResult folder = converters::readPath(directory.path(), path);
+    EXPECT_FALSE(folder);
+    EXPECT_EQ(folder.reason,
+              directory.path().string() + ": the file cannot be read: Is a directory");
     EXPECT_EQ(describe(path), linePoints) << "as it was";
 }
 
