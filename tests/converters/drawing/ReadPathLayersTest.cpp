@@ -141,6 +141,16 @@ TEST(ReadPathLayers, HaveUtf8NamesWhateverTheCodePage) {
     // Nothing says which: what is UTF-8 is taken as such.
     EXPECT_EQ(nameIn("", "T\xC3\xBCr"), "T\xC3\xBCr");
     EXPECT_EQ(nameIn("", "T\xFCr"), "T\xC3\xBCr");
+    // Nor does ANSI_1252, which stands in the headers of programs that write UTF-8.
+    EXPECT_EQ(nameIn("9 $ACADVER  1 AC1015  9 $DWGCODEPAGE  3 ANSI_1252", "T\xC3\xBCr"),
+              "T\xC3\xBCr");
+    EXPECT_EQ(nameIn("9 $ACADVER  1 AC1015  9 $DWGCODEPAGE  3 nonsense", "\xE8\xA1\xA8"),
+              "\xE8\xA1\xA8");
+    EXPECT_EQ(nameIn("9 $ACADVER  1 AC1015  9 $DWGCODEPAGE  3 ANSI_1252", "\xC3\xBC\xFC"),
+              "\xC3\x83\xC2\xBC\xC3\xBC");
+    // Others mean what they say: of two Cyrillic letters, some are valid UTF-8.
+    EXPECT_EQ(nameIn("9 $ACADVER  1 AC1015  9 $DWGCODEPAGE  3 ANSI_1251", "\xCB\xB8"),
+              "\xD0\x9B\xD1\x91");
 }
 
 TEST(ReadPathLayers, HaveNamesWithEscapes) {

@@ -206,13 +206,16 @@ std::string TextDecoder::decoded(std::string_view text) const {
     std::string result;
     if (isAscii(text)) {
         result = text;
-    } else if (m_isUtf8 || (m_codePage.empty() && isUtf8(text))) {
+    } else if (m_isUtf8) {
         result = repaired(text);
     } else {
         if (!m_encoding) {
             m_encoding = encodingOf(m_codePage);
         }
-        result = repaired(toUtf8(text, *m_encoding));
+        // Programs that write UTF-8 name this code page, too, or none; what is meant in it is
+        // hardly ever valid UTF-8.
+        const bool isMeantAsUtf8 = *m_encoding == "CP1252" && isUtf8(text);
+        result = isMeantAsUtf8 ? std::string(text) : repaired(toUtf8(text, *m_encoding));
     }
     return result.find('\\') == std::string::npos ? result : withoutEscapes(result);
 }

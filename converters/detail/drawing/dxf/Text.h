@@ -9,7 +9,8 @@
 /// Text of a drawing: names of layers, blocks and kinds.
 namespace converters::drawing {
 
-/// Turns the text of a drawing into UTF-8. Not for several threads at a time.
+/// Turns the text of a drawing into UTF-8. Text of ANSI_1252, or of a code page that nobody names
+/// or knows, is taken as UTF-8 where it is valid. Not for several threads at a time.
 class TextDecoder {
 public:
     explicit TextDecoder(const Header& header);
@@ -20,8 +21,7 @@ public:
 
 private:
     bool m_isUtf8;
-    /// Where it is not UTF-8: empty where nothing says it, and what is valid UTF-8 is taken as
-    /// such.
+    /// Where the release does not say that it is UTF-8; empty where nothing says it.
     std::string m_codePage;
     /// As iconv calls it; none before it is needed: of most drawings no name is anything but ASCII,
     /// and to ask iconv takes longer than to read a small one.
