@@ -210,6 +210,9 @@ TEST(ReadPathSpaces, ThatAreOfPaperAreLeftOut) {
     PathOptions options;
     options.paperSpace = true;
     EXPECT_EQ(pathOf(file, options).contours.size(), 5U);
+    // Handles are numbers.
+    EXPECT_EQ(leftOut(pathOf(drawingOf("0 POINT  330 01b  10 2  20 0", records))),
+              "1 POINT on 0: in paper space\n");
 }
 
 } // namespace

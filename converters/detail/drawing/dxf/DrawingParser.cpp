@@ -9,6 +9,7 @@
 #include "converters/detail/drawing/dxf/TextGroups.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <string>
 #include <type_traits>
 #include <utility>
@@ -192,16 +193,16 @@ void DrawingParser<Groups>::readLayer() {
 
 template <typename Groups>
 void DrawingParser<Groups>::readBlockRecord() {
-    std::string handle;
+    std::uint64_t handle = 0;
     std::string name;
     while (m_objects.nextGroup()) {
         if (m_groups.code() == 5) {
-            handle = m_objects.trimmedText();
+            handle = handleOf(m_groups.text());
         } else if (m_groups.code() == 2) {
             name = m_objects.trimmedText();
         }
     }
-    if (isPaperSpace(name) && !handle.empty()) {
+    if (isPaperSpace(name) && handle != 0) {
         m_entities.addPaperSpace(handle);
     }
     m_objects.beginObject();

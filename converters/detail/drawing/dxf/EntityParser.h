@@ -7,6 +7,7 @@
 #include "converters/detail/drawing/dxf/ObjectReader.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -24,7 +25,7 @@ public:
     EntityBuilder& builder() { return m_builder; }
 
     /// What owns an entity by this handle is paper space.
-    void addPaperSpace(std::string_view handle) { m_paperSpaces.emplace_back(handle); }
+    void addPaperSpace(std::uint64_t handle) { m_paperSpaces.push_back(handle); }
 
     /// Reads entities up to the end of the block or the section.
     void readEntities();
@@ -45,7 +46,7 @@ private:
     bool readSplineNumber(SplineDefinition& definition);
     void readGroups(Slots wanted);
     bool readAttribute();
-    bool isPaperSpace(std::string_view owner) const;
+    bool isPaperSpace(std::uint64_t owner) const;
     bool skipRest();
     bool skipApplicationData();
 
@@ -77,7 +78,7 @@ private:
     EntityBuilder m_builder;
     EntityGroups m_entity;
     std::vector<PolylineVertex> m_vertices;
-    std::vector<std::string> m_paperSpaces;
+    std::vector<std::uint64_t> m_paperSpaces;
 };
 
 template <typename Groups>
@@ -158,7 +159,7 @@ void EntityParser<Groups>::readGroups(Slots wanted) {
 }
 
 template <typename Groups>
-bool EntityParser<Groups>::isPaperSpace(std::string_view owner) const {
+bool EntityParser<Groups>::isPaperSpace(std::uint64_t owner) const {
     return std::find(m_paperSpaces.begin(), m_paperSpaces.end(), owner) != m_paperSpaces.end();
 }
 
@@ -195,7 +196,7 @@ bool EntityParser<Groups>::readAttribute() {
         m_entity.count = m_groups.integer();
         break;
     case 330:
-        attributes.isOwnedByPaperSpace = isPaperSpace(m_objects.trimmedText());
+        attributes.isOwnedByPaperSpace = isPaperSpace(handleOf(m_groups.text()));
         break;
     case 420:
         attributes.trueColour = m_groups.integer();
