@@ -50,6 +50,8 @@ set(CPACK_DEBIAN_CLOUDCONV_PACKAGE_NAME cloudconv)
 set(CPACK_DEBIAN_CLOUDCONV_PACKAGE_SECTION utils)
 set(CPACK_DEBIAN_CLOUDCONV_DESCRIPTION "Command-line tool.")
 set(CPACK_DEBIAN_CLOUDCONV_PACKAGE_SHLIBDEPS ON)
+# Loaded when a picture is drawn.
+set(CPACK_DEBIAN_CLOUDCONV_PACKAGE_DEPENDS "libcairo2 (>= 1.16)")
 set(CPACK_COMPONENT_CLOUDCONV_DEPENDS runtime)
 
 # The module is for one release of Python.

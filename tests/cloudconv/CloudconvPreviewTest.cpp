@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
+#include <fstream>
 #include <memory>
 #include <sstream>
 
@@ -623,6 +624,19 @@ TEST_F(CloudconvPreview, ThatDoesNotFitOnTheDiskLeavesNothing) {
     const ProgramResult result = run({"preview", file, "/dev/full", "--to", "png"});
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.errors, "cloudconv: /dev/full: No space left on device\n");
+}
+
+TEST_F(CloudconvPreview, AloneNeedsCairo) {
+    const fs::path file = drawingFile(drawing(line(0, 0, 10, 0)));
+    // What stands first under its name is no library.
+    std::ofstream(in("libcairo.so.2")) << "none";
+    const auto hideCairo = [&] { setenv("LD_LIBRARY_PATH", in("").c_str(), 1); };
+    const ProgramResult picture = run({"preview", file, in("picture.png")}, hideCairo);
+    EXPECT_EQ(picture.status, 1);
+    EXPECT_THAT(picture.errors, StartsWith("cloudconv: pictures need cairo: "));
+    EXPECT_FALSE(fs::exists(in("picture.png")));
+    EXPECT_EQ(run({"preview", file, in("page.html")}, hideCairo).status, 0);
+    EXPECT_EQ(run({"convert", file, in("path.ply")}, hideCairo).status, 0);
 }
 
 TEST_F(CloudconvPreview, OfHostileFilesIsAPictureOrAFailure) {

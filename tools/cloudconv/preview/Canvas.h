@@ -14,6 +14,7 @@
 // The names that cairo gave its types.
 struct _cairo;         // NOLINT(bugprone-reserved-identifier)
 struct _cairo_surface; // NOLINT(bugprone-reserved-identifier)
+class Cairo;
 
 /// How a line is drawn.
 struct Pen {
@@ -44,7 +45,7 @@ struct Image {
 /// The same calls give the same bytes, as long as the font stays the same.
 class Canvas {
 public:
-    /// @throws std::bad_alloc
+    /// @throws std::bad_alloc, std::runtime_error where cairo is not installed
     Canvas(PictureFormat format, const PictureSize& size);
     ~Canvas();
     Canvas(const Canvas&) = delete;
@@ -96,6 +97,7 @@ private:
     void use(const Lettering& lettering);
     void check(int status) const;
 
+    const Cairo& m_cairo;
     PictureFormat m_format;
     std::vector<unsigned char> m_bytes;
     std::unique_ptr<_cairo_surface, Destroyer> m_surface;
