@@ -45,7 +45,8 @@ const ScanLayout exactLayout = {{{"x", ScalarType::float64, offsetof(ExactPoint,
 template <typename Record, typename Make>
 void writePoints(const DrawingPath& path, converters::ScanWriter& writer, Progress& progress,
                  Make make) {
-    constexpr std::size_t blockSize = 65536;
+    // Few enough to stay in the second cache.
+    constexpr std::size_t blockSize = 4096;
     std::vector<Record> block;
     block.reserve(blockSize);
     double number = 0.0;
