@@ -188,6 +188,21 @@ TEST(ReadPathEntities, EllipseWithoutMajorAxisIsBroken) {
               "1 ELLIPSE on a: broken\n");
 }
 
+TEST(ReadPathEntities, EllipseAcrossItsPlaneIsBroken) {
+    for (const char* extrusion : {"210 1  220 0  230 0", "210 -2  220 0  230 0"}) {
+        EXPECT_EQ(leftOut(pathOf(drawingOf(std::string("0 ELLIPSE  8 a  10 1  20 2  11 5  21 0  "
+                                                       "40 0.5  ") +
+                                           extrusion))),
+                  "1 ELLIPSE on a: broken\n");
+    }
+    EXPECT_EQ(leftOut(pathOf(drawingOf("0 ELLIPSE  8 a  10 1  20 2  11 0  21 0  31 5  40 0.5"))),
+              "1 ELLIPSE on a: broken\n");
+    // An extrusion without length says nothing.
+    EXPECT_EQ(leftOut(pathOf(drawingOf("0 ELLIPSE  8 a  10 1  20 2  11 5  21 0  40 0.5  "
+                                       "210 0  220 0  230 0"))),
+              "");
+}
+
 TEST(ReadPathEntities, LwPolylineHasACornerForEachVertex) {
     const DrawingPath path =
         pathOf(drawingOf("0 LWPOLYLINE  90 3  70 0  38 4  10 0  20 0  10 1  20 0  10 1  20 1"));
@@ -276,6 +291,19 @@ TEST(ReadPathEntities, FittedVerticesAreTakenAndTheFrameIsNot) {
                                         "0 VERTEX  10 2  20 0  70 8  0 VERTEX  10 0  20 9  70 16  "
                                         "0 SEQEND"))),
               "(1, 0) (2, 0)\n");
+}
+
+TEST(ReadPathEntities, OnlyFittedPolylinesHaveAFrame) {
+    const auto drawn = [](const std::string& flags, const std::string& last) {
+        return describe(pathOf(drawingOf("0 POLYLINE  66 1  70 " + flags +
+                                         "  0 VERTEX  10 0  20 0  70 16  0 VERTEX  10 5  20 9  "
+                                         "0 VERTEX  10 10  20 0  70 " +
+                                         last + "  0 SEQEND")));
+    };
+    EXPECT_EQ(drawn("0", "0"), "(0, 0) (5, 9) (10, 0)\n");
+    EXPECT_EQ(drawn("8", "0"), "(0, 0) (5, 9) (10, 0)\n");
+    EXPECT_EQ(drawn("4", "0"), "(5, 9) (10, 0)\n");
+    EXPECT_EQ(drawn("0", "8"), "(5, 9) (10, 0)\n");
 }
 
 TEST(ReadPathEntities, PolylineEndsWithoutItsEndMark) {

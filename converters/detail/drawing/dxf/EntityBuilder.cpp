@@ -17,12 +17,16 @@ namespace {
 
 namespace polylineFlag {
 constexpr std::int64_t closed = 1;
+/// A spline was fitted to it.
+constexpr std::int64_t splineFit = 4;
 constexpr std::int64_t inSpace = 8;
 constexpr std::int64_t polygonMesh = 16;
 constexpr std::int64_t polyfaceMesh = 64;
 } // namespace polylineFlag
 
 namespace vertexFlag {
+/// Added by fitting a spline.
+constexpr std::int64_t ofSpline = 8;
 /// A control point of the spline that other vertices follow: not on the curve.
 constexpr std::int64_t splineFrame = 16;
 } // namespace vertexFlag
@@ -37,6 +41,13 @@ bool isExtruded(const EntityGroups& groups) {
     const Vector extrusion = extrusionOf(groups);
     const bool isUpright = extrusion.x == 0 && extrusion.y == 0 && extrusion.z >= 0;
     return !isUpright;
+}
+
+/// Whether two vectors have the same or opposite directions, but for rounding.
+bool isAlong(const Vector& a, const Vector& b) {
+    constexpr double rounding = 1e-9;
+    const double lengths = lengthOf(a) * lengthOf(b);
+    return lengths > 0 && lengthOf(a.cross(b)) <= rounding * lengths;
 }
 
 std::uint16_t colourOf(std::int64_t colour) {
@@ -191,7 +202,8 @@ void EntityBuilder::addEllipse(const EntityGroups& groups) {
     const double start = groups.real(Slot::number41);
     const double end = groups.real(Slot::number42, fullTurn);
     if (!groups.hasAny(slotSet(Slot::x, Slot::y)) || !(lengthOf(major) > leastRadius) ||
-        std::isnan(given) || !ellipse(centre, major, ratio, extrusionOf(groups), start, end)) {
+        std::isnan(given) || isAlong(extrusionOf(groups), major) ||
+        !ellipse(centre, major, ratio, extrusionOf(groups), start, end)) {
         return addBroken(EntityKind::ellipse, groups);
     }
     appendNumbers(EntityKind::ellipse, groups,
@@ -208,10 +220,16 @@ void EntityBuilder::addPolyline(const EntityGroups& groups,
     if ((groups.flags & (polylineFlag::polygonMesh | polylineFlag::polyfaceMesh)) != 0) {
         return addNotDrawn(groups.attributes, nameOf(EntityKind::polyline), LeftOutReason::mesh);
     }
+    const auto isOfSpline = [](const PolylineVertex& vertex) {
+        return (vertex.flags & vertexFlag::ofSpline) != 0;
+    };
+    const bool isFitted = (groups.flags & polylineFlag::splineFit) != 0 ||
+                          std::any_of(vertices.begin(), vertices.end(), isOfSpline);
     m_curveVertices.clear();
-    std::copy_if(
-        vertices.begin(), vertices.end(), std::back_inserter(m_curveVertices),
-        [](const PolylineVertex& vertex) { return (vertex.flags & vertexFlag::splineFrame) == 0; });
+    std::copy_if(vertices.begin(), vertices.end(), std::back_inserter(m_curveVertices),
+                 [isFitted](const PolylineVertex& vertex) {
+                     return !isFitted || (vertex.flags & vertexFlag::splineFrame) == 0;
+                 });
     // A frame that nothing was fitted to is all there is.
     const std::vector<PolylineVertex>& drawn = m_curveVertices.empty() ? vertices : m_curveVertices;
     if ((groups.flags & polylineFlag::inSpace) != 0) {
