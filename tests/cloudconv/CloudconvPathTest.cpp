@@ -110,6 +110,16 @@ TEST_F(CloudconvPath, FailsWhenNothingIsLeftButNotOfAnEmptyDrawing) {
     EXPECT_THAT(converted(drawing({}), ".ply"), HasSubstr("element vertex 0\n"));
 }
 
+TEST_F(CloudconvPath, SaysOfADrawingThatIsCutShortWhyNothingIsLeft) {
+    const fs::path file = drawingFile(dxf("0 SECTION  2 HEADER  9 $INSUNITS  70 4  0 ENDSEC  "
+                                          "0 SECTION  2 ENTITIES  0 LINE  8 a  10 1"));
+    const std::string start = "cloudconv: " + file.string() + ": ";
+    const std::string failure = start + "nothing is left to follow; left out: 1 LINE (broken)\n";
+    EXPECT_EQ(run({file, in("out.ply")}).errors,
+              start + "note: the file has no end mark; it may be cut short\n" + failure);
+    EXPECT_EQ(run({file, in("out.ply"), "--quiet"}).errors, failure);
+}
+
 TEST_F(CloudconvPath, ReadsANamedPipe) {
     const fs::path file = drawingFile(inMillimetres(line(0, 0, 1, 0)));
     const std::string pipe = in("pipe.dxf");

@@ -11,9 +11,9 @@
 namespace {
 
 constexpr char footer[] =
-    R"(A drawing becomes its path: the contours of its lines, circles, arcs, ellipses,
-polylines and splines, blocks included, as points that leave the curves by no
-more than --tolerance. PLY gets one row of points, whose intensity counts the
+    R"(A drawing becomes its path: the contours of its points, lines, circles, arcs,
+ellipses, polylines and splines, blocks included, as points that leave the curves
+by no more than --tolerance. PLY gets one row of points, whose intensity counts the
 contours from 1; .csv and .xyz the same with all digits. What a path cannot hold
 (text, hatches, hidden layers) is said on standard error.
 

@@ -90,6 +90,13 @@ void tellWhatRoundingCosts(const DrawingPath& path, Notes& notes) {
     }
 }
 
+/// What the reader had to assume.
+void tellAssumptions(const DrawingPath& path, Notes& notes) {
+    for (const std::string& note : path.notes) {
+        notes.add(note);
+    }
+}
+
 void tell(const DrawingPath& path, const ConvertOptions& options, FileFormat to, Notes& notes) {
     if (path.contours.empty()) {
         notes.add("the drawing holds no points, nor does " + outputName(options.output));
@@ -98,9 +105,7 @@ void tell(const DrawingPath& path, const ConvertOptions& options, FileFormat to,
                   counted(path.contours.size(), "contour") + ", " +
                   counted(path.points.size(), "point"));
     }
-    for (const std::string& note : path.notes) {
-        notes.add(note);
-    }
+    tellAssumptions(path, notes);
     if (const std::string leftOut = leftOutText(path.leftOut); !leftOut.empty()) {
         notes.add("left out: " + leftOut);
     }
@@ -167,6 +172,11 @@ void convertDrawing(const ConvertOptions& options, FileFormat to) {
     checkReplacement(input, options.output, options.force);
     const DrawingPath path = readPathFile(input, options.path, progress);
     if (path.contours.empty() && !path.leftOut.empty()) {
+        // They may say why: a file that is cut short.
+        if (!options.quiet) {
+            tellAssumptions(path, notes);
+            notes.print();
+        }
         throw FileError(name, "nothing is left to follow; left out: " + leftOutText(path.leftOut));
     }
     write(path, options, to, progress);

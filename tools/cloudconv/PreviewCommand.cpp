@@ -25,7 +25,7 @@ Of a scan: its points, coloured by intensity, by the file's colours or by z, wha
 it has first.
 
 A page (.html) opens in any browser and asks no network for anything: a drawing
-whose layers and contours are listed and whose walk is played, or a scan that
+whose layers and contours are listed and whose path is played, or a scan that
 turns.
 
 One unit is as long in x as in y. What is left out is said.

@@ -29,7 +29,7 @@ Exit status: 0 done, 1 could not be done (one line on standard error says why),
 2 wrong usage, 3 check found something.
 
 Examples:
-  cloudconv drawing.dxf walk.ply
+  cloudconv drawing.dxf path.ply
   cloudconv scan.ply scan_text.ply --ascii
   cloudconv info drawing.dxf
   cloudconv check drawing.dxf
