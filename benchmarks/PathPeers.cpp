@@ -1,9 +1,10 @@
-// path_benchmark ROUNDS MOST EZDXF [DRAWING...]: what readPath takes beside GDAL and ezdxf, in CPU
-// time and memory, as JSON. The drawings are those named and made ones of 1,000 to MOST entities;
-// EZDXF is the script that has ezdxf do the same.
+// path_benchmark ROUNDS MOST EZDXF CLOUDCONV [DRAWING...]: what readPath takes beside GDAL and
+// ezdxf, and the command CLOUDCONV beside ogr2ogr, in CPU time and memory, as JSON. The drawings
+// are those named and made ones of 1,000 to MOST entities; EZDXF is the script that has ezdxf do
+// the same.
 //
 // Every measurement is a process of its own, so that each has its own peak of memory. All begin
-// with a file and end with points in memory.
+// with a file and end with points in memory, but cloudconv, which writes them to a file.
 
 #include "converters/Converters.h"
 #include "converters/DrawingPath.h"
@@ -81,10 +82,10 @@ Cost costOf(const std::function<std::size_t()>& work) {
     return isTold ? told : cost;
 }
 
-/// Work of a kind, and the least that it cost.
+/// Work of a kind, what it costs each time, and the least.
 struct Measured {
     const char* name;
-    std::function<std::size_t()> work;
+    std::function<Cost()> cost;
     Cost least{};
 };
 
@@ -92,7 +93,7 @@ struct Measured {
 void measureInTurns(int rounds, std::vector<Measured>& all) {
     for (int round = 0; round < rounds; ++round) {
         for (Measured& each : all) {
-            const Cost cost = costOf(each.work);
+            const Cost cost = each.cost();
             if (cost.seconds >= 0 &&
                 (each.least.seconds < 0 || cost.seconds < each.least.seconds)) {
                 each.least = cost;
@@ -146,30 +147,43 @@ std::size_t readWithGdal(const std::string& file) {
     return points;
 }
 
-/// A program's CPU time and memory, those of its start included.
-Cost costOfProgram(const std::string& command) {
-    rusage before{};
-    getrusage(RUSAGE_CHILDREN, &before);
-    Cost cost;
+double secondsOfChildren() {
+    rusage usage{};
+    getrusage(RUSAGE_CHILDREN, &usage);
+    return static_cast<double>(usage.ru_utime.tv_sec + usage.ru_stime.tv_sec) +
+           1e-6 * static_cast<double>(usage.ru_utime.tv_usec + usage.ru_stime.tv_usec);
+}
+
+/// The last line that a program prints; nothing when it fails.
+std::string lastLineOf(const std::string& command) {
     FILE* const output = popen(command.c_str(), "r");
     if (output == nullptr) {
-        return cost;
+        return {};
     }
-    char line[200] = "";
-    double seconds = -1;
-    const bool isTold =
-        std::fgets(line, sizeof line, output) != nullptr &&
-        std::sscanf(line, "%lf %lf %lf", &seconds, &cost.kibibytes, &cost.points) == 3;
-    if (pclose(output) != 0) {
-        return cost;
+    std::string last;
+    char line[500] = "";
+    while (std::fgets(line, sizeof line, output) != nullptr) {
+        last = line;
     }
-    rusage after{};
-    getrusage(RUSAGE_CHILDREN, &after);
-    const auto total = [](const rusage& usage) {
-        return static_cast<double>(usage.ru_utime.tv_sec + usage.ru_stime.tv_sec) +
-               1e-6 * static_cast<double>(usage.ru_utime.tv_usec + usage.ru_stime.tv_usec);
-    };
-    cost.seconds = isTold ? seconds : total(after) - total(before);
+    return pclose(output) == 0 ? last : std::string();
+}
+
+/// A command as a whole, with its start: CPU time, and the most memory that is resident.
+Cost costOfCommand(const std::string& command) {
+    Cost cost;
+    const double before = secondsOfChildren();
+    const std::string last = lastLineOf("exec /usr/bin/time -f %M " + command + " 2>&1 >/dev/null");
+    if (std::sscanf(last.c_str(), "%lf", &cost.kibibytes) == 1) {
+        cost.seconds = secondsOfChildren() - before;
+    }
+    return cost;
+}
+
+/// What a script says that its work cost.
+Cost costToldBy(const std::string& command) {
+    Cost cost;
+    std::sscanf(lastLineOf(command).c_str(), "%lf %lf %lf", &cost.seconds, &cost.kibibytes,
+                &cost.points);
     return cost;
 }
 
@@ -178,28 +192,47 @@ void print(const char* name, const Cost& cost) {
                 cost.seconds, cost.kibibytes, cost.points);
 }
 
+/// The programs that are measured beside the library.
+struct Programs {
+    std::string ezdxf;
+    std::string cloudconv;
+};
+
 /// @param hasWalk  whether the walk of fromDxf holds about what the path does
-void measure(int rounds, const std::string& name, const std::string& file, const std::string& ezdxf,
+void measure(int rounds, const std::string& name, const std::string& file, const Programs& programs,
              bool hasWalk) {
     converters::PathOptions options;
     options.tolerance = tolerance;
     converters::PathOptions inSteps = options;
     inSteps.step = walkStep;
-    std::vector<Measured> all = {{"readPath", [&] { return readPath(file, options); }},
-                                 {"GDAL", [&] { return readWithGdal(file); }}};
+    const auto ourCost = [&](const converters::PathOptions& chosen) {
+        return costOf([&] { return readPath(file, chosen); });
+    };
+    const std::string output = "/dev/shm/converters-" + std::to_string(getpid()) + ".ply";
+    const std::string quoted = "'" + file + "'";
+    std::vector<Measured> all = {
+        {"readPath", [&] { return ourCost(options); }},
+        {"GDAL", [&] { return costOf([&] { return readWithGdal(file); }); }},
+        {"cloudconv",
+         [&] {
+             return costOfCommand(programs.cloudconv + " --quiet --tolerance " +
+                                  std::to_string(tolerance) + " " + quoted + " " + output);
+         }},
+        {"ogr2ogr", [&] { return costOfCommand("ogr2ogr -f Memory out " + quoted); }}};
     if (hasWalk) {
-        all.push_back({"readPath, step", [&] { return readPath(file, inSteps); }});
-        all.push_back({"fromDxf", [&] { return walk(file); }});
+        all.push_back({"readPath, step", [&] { return ourCost(inSteps); }});
+        all.push_back({"fromDxf", [&] { return costOf([&] { return walk(file); }); }});
     }
     measureInTurns(rounds, all);
+    std::remove(output.c_str());
     static bool isFirst = true;
     std::printf("%s\n  {\"drawing\": \"%s\"", isFirst ? "" : ",", name.c_str());
     isFirst = false;
     for (const Measured& each : all) {
         print(each.name, each.least);
     }
-    print("ogr2ogr", costOfProgram("ogr2ogr -f Memory out '" + file + "' 2>/dev/null"));
-    print("ezdxf", costOfProgram("/usr/bin/python3 '" + ezdxf + "' '" + file + "' 2>/dev/null"));
+    print("ezdxf",
+          costToldBy("/usr/bin/python3 '" + programs.ezdxf + "' " + quoted + " 2>/dev/null"));
     std::printf("}");
     std::fflush(stdout);
 }
@@ -207,8 +240,8 @@ void measure(int rounds, const std::string& name, const std::string& file, const
 } // namespace
 
 int main(int argc, char** argv) {
-    if (argc < 4) {
-        std::fprintf(stderr, "usage: %s ROUNDS MOST EZDXF [DRAWING...]\n", argv[0]);
+    if (argc < 5) {
+        std::fprintf(stderr, "usage: %s ROUNDS MOST EZDXF CLOUDCONV [DRAWING...]\n", argv[0]);
         return 2;
     }
     GDALAllRegister();
@@ -220,12 +253,13 @@ int main(int argc, char** argv) {
 
     const int rounds = std::atoi(argv[1]);
     const std::size_t most = std::strtoull(argv[2], nullptr, 10);
+    const Programs programs = {argv[3], argv[4]};
     const std::string made = "/dev/shm/converters-" + std::to_string(getpid()) + ".dxf";
     std::printf("[");
     for (std::size_t entities = 1000; entities <= most; entities *= 10) {
         const auto measureMade = [&](PathDrawingKind kind, const char* name) {
             std::ofstream(made, std::ios::binary) << pathDrawing(entities, kind);
-            measure(rounds, std::to_string(entities) + name, made, argv[3],
+            measure(rounds, std::to_string(entities) + name, made, programs,
                     kind == PathDrawingKind::walkable);
         };
         measureMade(PathDrawingKind::plain, " entities");
@@ -233,9 +267,9 @@ int main(int argc, char** argv) {
         measureMade(PathDrawingKind::walkable, " entities, walkable");
     }
     std::remove(made.c_str());
-    for (int i = 4; i < argc; ++i) {
+    for (int i = 5; i < argc; ++i) {
         const std::string file = argv[i];
-        measure(rounds, file.substr(file.rfind('/') + 1), file, argv[3], false);
+        measure(rounds, file.substr(file.rfind('/') + 1), file, programs, false);
     }
     std::printf("\n]\n");
     return 0;

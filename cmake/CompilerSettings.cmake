@@ -25,6 +25,6 @@ set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 
-# Functions of other libraries are found when a program starts, not in the middle of its first call,
-# and where they are is read-only from then on.
-add_link_options(LINKER:-z,now)
+# The libraries find the functions of others when a program starts, not in the middle of its first
+# call, and where they are is read-only from then on.
+string(APPEND CMAKE_SHARED_LINKER_FLAGS " -Wl,-z,now")

@@ -30,7 +30,7 @@ done
 
 scripts/install-dependencies.sh --bench
 scripts/build.sh release -DCONVERTERS_BUILD_BENCHMARKS=ON converters_benchmark peak_memory \
-  path_benchmark
+  path_benchmark cloudconv
 
 mkdir -p build/benchmark
 if [ "$report" = goals ]; then
@@ -59,7 +59,7 @@ python3 benchmarks/report.py "$report" "build/benchmark/$report.json" \
 if [ "$report" = goals ]; then
   shopt -s nullglob globstar
   build/release/benchmarks/path_benchmark "$rounds" "$drawing_size" benchmarks/ezdxf_path.py \
-    ../shared/data/**/*.dxf >build/benchmark/path.json
+    build/release/tools/cloudconv/cloudconv ../shared/data/**/*.dxf >build/benchmark/path.json
   python3 benchmarks/path_report.py build/benchmark/path.json || status=1
 fi
 exit "$status"

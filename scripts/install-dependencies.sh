@@ -28,7 +28,7 @@ aarch64_packages=(
   libpython3.11-dev:arm64
 )
 bench_packages=(
-  libbenchmark-dev libvtk9-dev libopen3d-dev libboost-iostreams-dev libgdal-dev
+  libbenchmark-dev time libvtk9-dev libopen3d-dev libboost-iostreams-dev libgdal-dev
 )
 
 as_root=()
