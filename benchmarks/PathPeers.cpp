@@ -10,9 +10,11 @@
 #include "converters/DrawingPath.h"
 #include "tests/support/PathDrawings.h"
 
+#include <fcntl.h>
 #include <gdal_priv.h>
 #include <malloc.h>
 #include <ogrsf_frmts.h>
+#include <spawn.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -147,13 +149,6 @@ std::size_t readWithGdal(const std::string& file) {
     return points;
 }
 
-double secondsOfChildren() {
-    rusage usage{};
-    getrusage(RUSAGE_CHILDREN, &usage);
-    return static_cast<double>(usage.ru_utime.tv_sec + usage.ru_stime.tv_sec) +
-           1e-6 * static_cast<double>(usage.ru_utime.tv_usec + usage.ru_stime.tv_usec);
-}
-
 /// The last line that a program prints; nothing when it fails.
 std::string lastLineOf(const std::string& command) {
     FILE* const output = popen(command.c_str(), "r");
@@ -168,15 +163,44 @@ std::string lastLineOf(const std::string& command) {
     return pclose(output) == 0 ? last : std::string();
 }
 
-/// A command as a whole, with its start: CPU time, and the most memory that is resident.
-Cost costOfCommand(const std::string& command) {
-    Cost cost;
-    const double before = secondsOfChildren();
-    const std::string last = lastLineOf("exec /usr/bin/time -f %M " + command + " 2>&1 >/dev/null");
-    if (std::sscanf(last.c_str(), "%lf", &cost.kibibytes) == 1) {
-        cost.seconds = secondsOfChildren() - before;
+/// A program and its arguments.
+using Command = std::vector<std::string>;
+
+/// The CPU time of a command as a whole, with its start; what it prints is dropped.
+Cost costOfCommand(const Command& command) {
+    std::vector<char*> arguments;
+    for (const std::string& argument : command) {
+        arguments.push_back(const_cast<char*>(argument.c_str()));
     }
+    arguments.push_back(nullptr);
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    for (const int output : {STDOUT_FILENO, STDERR_FILENO}) {
+        posix_spawn_file_actions_addopen(&actions, output, "/dev/null", O_WRONLY, 0);
+    }
+    Cost cost;
+    pid_t child = 0;
+    int status = -1;
+    rusage usage{};
+    if (posix_spawnp(&child, arguments[0], &actions, nullptr, arguments.data(), environ) == 0 &&
+        wait4(child, &status, 0, &usage) == child && status == 0) {
+        cost.seconds = static_cast<double>(usage.ru_utime.tv_sec + usage.ru_stime.tv_sec) +
+                       1e-6 * static_cast<double>(usage.ru_utime.tv_usec + usage.ru_stime.tv_usec);
+    }
+    posix_spawn_file_actions_destroy(&actions);
     return cost;
+}
+
+/// The most memory that a command has resident, in KiB. It is not told by what it is started by, as
+/// long as that is a small program.
+double memoryOfCommand(const Command& command) {
+    std::string line = "exec /usr/bin/time -f %M";
+    for (const std::string& argument : command) {
+        line += " '" + argument + "'";
+    }
+    double kibibytes = 0;
+    std::sscanf(lastLineOf(line + " 2>&1 >/dev/null").c_str(), "%lf", &kibibytes);
+    return kibibytes;
 }
 
 /// What a script says that its work cost.
@@ -209,21 +233,21 @@ void measure(int rounds, const std::string& name, const std::string& file, const
         return costOf([&] { return readPath(file, chosen); });
     };
     const std::string output = "/dev/shm/converters-" + std::to_string(getpid()) + ".ply";
-    const std::string quoted = "'" + file + "'";
+    const Command cloudconv = {programs.cloudconv,        "--quiet", "--tolerance",
+                               std::to_string(tolerance), file,      output};
+    const Command ogr2ogr = {"ogr2ogr", "-f", "Memory", "out", file};
     std::vector<Measured> all = {
         {"readPath", [&] { return ourCost(options); }},
         {"GDAL", [&] { return costOf([&] { return readWithGdal(file); }); }},
-        {"cloudconv",
-         [&] {
-             return costOfCommand(programs.cloudconv + " --quiet --tolerance " +
-                                  std::to_string(tolerance) + " " + quoted + " " + output);
-         }},
-        {"ogr2ogr", [&] { return costOfCommand("ogr2ogr -f Memory out " + quoted); }}};
+        {"cloudconv", [&] { return costOfCommand(cloudconv); }},
+        {"ogr2ogr", [&] { return costOfCommand(ogr2ogr); }}};
     if (hasWalk) {
         all.push_back({"readPath, step", [&] { return ourCost(inSteps); }});
         all.push_back({"fromDxf", [&] { return costOf([&] { return walk(file); }); }});
     }
     measureInTurns(rounds, all);
+    all[2].least.kibibytes = memoryOfCommand(cloudconv);
+    all[3].least.kibibytes = memoryOfCommand(ogr2ogr);
     std::remove(output.c_str());
     static bool isFirst = true;
     std::printf("%s\n  {\"drawing\": \"%s\"", isFirst ? "" : ",", name.c_str());
@@ -232,7 +256,7 @@ void measure(int rounds, const std::string& name, const std::string& file, const
         print(each.name, each.least);
     }
     print("ezdxf",
-          costToldBy("/usr/bin/python3 '" + programs.ezdxf + "' " + quoted + " 2>/dev/null"));
+          costToldBy("/usr/bin/python3 '" + programs.ezdxf + "' '" + file + "' 2>/dev/null"));
     std::printf("}");
     std::fflush(stdout);
 }
