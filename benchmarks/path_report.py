@@ -43,7 +43,7 @@ def row_of(measured):
         cell, good = judged(memory, "at most 0.33", memory <= PART_OF_MEMORY)
         cells.append(cell)
         met = met and good
-    if "fromDxf" in measured:
+    if "fromDxf" in measured and measured["readPath, step"]["seconds"] > 0:
         times = measured["readPath, step"]["seconds"] / measured["fromDxf"]["seconds"]
         cell, good = judged(times, f"at most {TIMES_FROM_DXF}", times <= TIMES_FROM_DXF)
         cells.append(cell)
