@@ -191,8 +191,8 @@ Cost costOfCommand(const Command& command) {
     return cost;
 }
 
-/// The most memory that a command has resident, in KiB. It is not told by what it is started by, as
-/// long as that is a small program.
+/// The most memory that a command has resident, in KiB. A small program starts it, since the memory
+/// of what does so counts as its own at first.
 double memoryOfCommand(const Command& command) {
     std::string line = "exec /usr/bin/time -f %M";
     for (const std::string& argument : command) {

@@ -13,9 +13,9 @@ namespace {
 constexpr char footer[] =
     R"(A drawing becomes its path: the contours of its points, lines, circles, arcs,
 ellipses, polylines and splines, blocks included, as points that leave the curves
-by no more than --tolerance. PLY gets one row of points, whose intensity counts the
-contours from 1; .csv and .xyz the same with all digits. What a path cannot hold
-(text, hatches, hidden layers) is said on standard error.
+by no more than --tolerance. PLY gets one row of points, whose intensity counts
+the contours from 1; .csv and .xyz the same with all digits. What a path cannot
+hold (text, hatches, hidden layers) is said on standard error.
 
 A scan keeps every number of its vertices under its name and type, with --xyzi
 the position and the intensity alone. To .dxf it becomes a drawing of POINTs.
