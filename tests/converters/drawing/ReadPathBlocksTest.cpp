@@ -201,6 +201,14 @@ TEST(ReadPathBlocks, OfModelSpaceAreTheDrawing) {
               "(0, 0) (1, 0)\n(9, 9)\n");
 }
 
+TEST(ReadPathBlocks, OfSpacesAreNotInserted) {
+    EXPECT_EQ(
+        leftOut(pathOf(drawing(block("*Model_Space", lineInX), "0 INSERT  8 w  2 *Model_Space"))),
+        "1 INSERT on w: of a block that holds itself\n");
+    EXPECT_EQ(leftOut(pathOf(drawing(block("*Paper_Space", ""), "0 INSERT  8 w  2 *PAPER_SPACE"))),
+              "1 INSERT on w: in paper space\n");
+}
+
 TEST(ReadPathBlocks, OfPaperSpaceAreLeftOut) {
     const std::string file =
         drawing(block("*Paper_Space0", "0 LINE  8 p  10 0  20 0  11 1  21 0"), "");

@@ -1,6 +1,7 @@
 #include "converters/detail/drawing/dxf/BlockGraph.h"
 
 #include "converters/detail/drawing/dxf/Saturating.h"
+#include "converters/detail/drawing/dxf/SpaceNames.h"
 
 #include <string>
 #include <unordered_map>
@@ -11,6 +12,15 @@ namespace {
 
 /// How far a block is followed.
 enum State : std::uint8_t { unseen, entered, weighed };
+
+/// Why a name is that of no block to insert. What the drawing itself and its sheets hold is
+/// followed, or listed, by itself.
+LeftOutReason reasonOfNoBlock(std::string_view name) {
+    if (isModelSpace(name)) {
+        return LeftOutReason::blockHoldsItself;
+    }
+    return isPaperSpace(name) ? LeftOutReason::paperSpace : LeftOutReason::blockMissing;
+}
 
 } // namespace
 
@@ -85,7 +95,8 @@ void BlockGraph::weigh(std::uint32_t root, std::vector<std::uint8_t>& states) {
 
 BlockGraph::Target BlockGraph::targetOf(std::size_t insert) const {
     if (m_targets[insert] == noBlock) {
-        return {nullptr, LeftOutReason::blockMissing};
+        const std::uint32_t name = m_drawing.inserts[insert].block;
+        return {nullptr, reasonOfNoBlock(m_drawing.blockNames.names()[name])};
     }
     if (m_closesCircle[insert]) {
         return {nullptr, LeftOutReason::blockHoldsItself};

@@ -6,6 +6,7 @@
 #include "converters/detail/drawing/dxf/EntityParser.h"
 #include "converters/detail/drawing/dxf/Numbers.h"
 #include "converters/detail/drawing/dxf/ObjectReader.h"
+#include "converters/detail/drawing/dxf/SpaceNames.h"
 #include "converters/detail/drawing/dxf/TextGroups.h"
 
 #include <algorithm>
@@ -17,22 +18,6 @@
 namespace converters::drawing {
 
 namespace {
-
-/// Whether a name begins like this, which is in lower case.
-bool beginsWith(std::string_view name, std::string_view start) {
-    return name.size() >= start.size() &&
-           std::equal(start.begin(), start.end(), name.begin(), [](char expected, char c) {
-               return expected == (c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c);
-           });
-}
-
-bool isModelSpace(std::string_view block) {
-    return beginsWith(block, "*model_space") || beginsWith(block, "$model_space");
-}
-
-bool isPaperSpace(std::string_view block) {
-    return beginsWith(block, "*paper_space") || beginsWith(block, "$paper_space");
-}
 
 /// Whether an object is an entity that draws something to follow.
 bool isDrawn(ObjectKind kind) {
