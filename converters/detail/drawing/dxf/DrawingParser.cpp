@@ -3,6 +3,7 @@
 #include "base/LargePages.h"
 #include "converters/detail/drawing/Refusal.h"
 #include "converters/detail/drawing/dxf/BinaryGroups.h"
+#include "converters/detail/drawing/dxf/EntityNames.h"
 #include "converters/detail/drawing/dxf/EntityParser.h"
 #include "converters/detail/drawing/dxf/Numbers.h"
 #include "converters/detail/drawing/dxf/ObjectReader.h"
@@ -90,22 +91,22 @@ void DrawingParser<Groups>::readSection() {
             name = m_objects.trimmedText();
         }
     }
-    if (beginsWith(name, "header") && m_objects.hasObject()) {
+    if (beginsWith(name, "HEADER") && m_objects.hasObject()) {
         return readHeader();
     }
     if (m_objects.hasObject() && m_groups.code() == 0) {
         return m_objects.beginObject();
     }
     m_objects.skipObject();
-    if (beginsWith(name, "tables")) {
+    if (beginsWith(name, "TABLES")) {
         readTables();
-    } else if (beginsWith(name, "blocks")) {
+    } else if (beginsWith(name, "BLOCKS")) {
         readBlocks();
-    } else if (beginsWith(name, "entities")) {
+    } else if (beginsWith(name, "ENTITIES")) {
         m_entities.builder().beginContents(ContentsOf::drawing);
         m_entities.readEntities();
         m_drawing.stretches.push_back(m_entities.builder().endContents());
-    } else if (beginsWith(name, "objects")) {
+    } else if (beginsWith(name, "OBJECTS")) {
         readObjects();
     }
 }

@@ -110,6 +110,10 @@ ObjectKind objectKindOf(std::string_view name) {
     return ObjectKind::other;
 }
 
+bool beginsWith(std::string_view name, std::string_view start) {
+    return equalsIgnoringCase(name.substr(0, start.size()), start);
+}
+
 LeftOutReason reasonOf(std::string_view name) {
     name = withoutBlanks(name);
     if (contains(annotations, name)) {

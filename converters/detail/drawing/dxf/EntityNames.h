@@ -44,6 +44,10 @@ enum class ObjectKind : std::uint8_t {
 /// What an object is by its name, as group 0 gives it: blanks around it and case do not matter.
 ObjectKind objectKindOf(std::string_view name);
 
+/// Whether the name of a section or a block begins like this, in whatever case.
+/// @param start  in upper case
+bool beginsWith(std::string_view name, std::string_view start);
+
 /// Why entities of a kind that draws nothing to follow are left out of a path.
 LeftOutReason reasonOf(std::string_view name);
 

@@ -1,22 +1,15 @@
 #include "converters/detail/drawing/dxf/SpaceNames.h"
 
-#include <algorithm>
+#include "converters/detail/drawing/dxf/EntityNames.h"
 
 namespace converters::drawing {
 
-bool beginsWith(std::string_view name, std::string_view start) {
-    return name.size() >= start.size() &&
-           std::equal(start.begin(), start.end(), name.begin(), [](char expected, char c) {
-               return expected == (c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c);
-           });
-}
-
 bool isModelSpace(std::string_view block) {
-    return beginsWith(block, "*model_space") || beginsWith(block, "$model_space");
+    return beginsWith(block, "*MODEL_SPACE") || beginsWith(block, "$MODEL_SPACE");
 }
 
 bool isPaperSpace(std::string_view block) {
-    return beginsWith(block, "*paper_space") || beginsWith(block, "$paper_space");
+    return beginsWith(block, "*PAPER_SPACE") || beginsWith(block, "$PAPER_SPACE");
 }
 
 } // namespace converters::drawing

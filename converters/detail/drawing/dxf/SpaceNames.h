@@ -5,9 +5,6 @@
 /// The blocks that are no blocks: the drawing itself, and the sheets that it is plotted on.
 namespace converters::drawing {
 
-/// Whether a name begins like this, which is in lower case.
-bool beginsWith(std::string_view name, std::string_view start);
-
 /// Whether a block of this name is what the drawing itself holds.
 bool isModelSpace(std::string_view block);
 
