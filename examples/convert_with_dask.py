@@ -14,6 +14,7 @@ status is 1.
 """
 
 import argparse
+import logging
 import subprocess
 import sys
 from pathlib import Path
@@ -91,6 +92,9 @@ def run(client: Client, options: argparse.Namespace) -> int:
 
 def main(given: Optional[Sequence[str]] = None) -> int:
     options = arguments_of(sys.argv[1:] if given is None else given)
+    # On a busy machine, a closing client leaves futures of its own behind, and asyncio complains of
+    # each. What fails of the conversions is an exception or a result here.
+    logging.getLogger("asyncio").setLevel(logging.CRITICAL)
     if options.scheduler:
         with Client(options.scheduler) as client:
             return run(client, options)

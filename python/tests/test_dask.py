@@ -28,6 +28,27 @@ done
 exec "{command}" "$@"
 """
 
+# An exception that nobody asks for, as a client leaves it that closes on a busy machine.
+LEAVES_A_FUTURE_BEHIND = """
+import asyncio
+import sys
+
+sys.path.insert(0, {examples!r})
+import convert_with_dask
+
+
+def run(client, options):
+    loop = asyncio.new_event_loop()
+    loop.create_future().set_exception(TimeoutError("Timeout"))
+    loop.close()
+    print("left behind")
+    return 0
+
+
+convert_with_dask.run = run
+sys.exit(convert_with_dask.main(sys.argv[1:]))
+"""
+
 
 @pytest.fixture(scope="module")
 def scheduler():
@@ -87,6 +108,16 @@ def test_two_workers_convert_a_folder_list_what_fails_and_try_it_again(folder, s
     assert again.stderr == ""
     assert again.returncode == 0
     assert (folder / "failed.txt").read_text() == ""
+
+
+def test_what_a_closing_client_leaves_behind_is_not_told(scheduler):
+    program = LEAVES_A_FUTURE_BEHIND.format(examples=str(EXAMPLES))
+    done = subprocess.run(
+        [sys.executable, "-c", program, ".", f"--scheduler={scheduler}"],
+        capture_output=True,
+        text=True,
+    )
+    assert (done.returncode, done.stdout, done.stderr) == (0, "left behind\n", "")
 
 
 def test_without_an_address_this_machine_is_the_cluster(folder):
