@@ -1,13 +1,14 @@
-// path_benchmark ROUNDS MOST EZDXF CLOUDCONV [DRAWING...]: what readPath takes beside GDAL and
-// ezdxf, and the command CLOUDCONV beside ogr2ogr, in CPU time and memory, as JSON. The drawings
-// are those named and made ones of 1,000 to MOST entities; EZDXF is the script that has ezdxf do
-// the same.
+// path_benchmark ROUNDS MOST EZDXF CLOUDCONV [DRAWING...]: what readPath and PathReader take beside
+// GDAL and ezdxf, and the command CLOUDCONV beside ogr2ogr, in CPU time and memory, as JSON. The
+// drawings are those named and made ones of 1,000 to MOST entities; EZDXF is the script that has
+// ezdxf do the same.
 //
 // Every measurement is a process of its own, so that each has its own peak of memory. All begin
-// with a file and end with points in memory, but cloudconv, which writes them to a file.
+// with a file and end with points in memory, but cloudconv, which writes them to a file. PathReader
+// and GDAL keep none of them; readPath and ezdxf keep all.
 
 #include "converters/Converters.h"
-#include "converters/DrawingPath.h"
+#include "converters/PathReader.h"
 #include "tests/support/PathDrawings.h"
 
 #include <fcntl.h>
@@ -115,6 +116,18 @@ std::size_t readPath(const std::string& file, const converters::PathOptions& opt
     return path.points.size();
 }
 
+/// A few contours at a time, and nothing kept.
+std::size_t readInParts(const std::string& file, const converters::PathOptions& options) {
+    converters::PathReader reader(std::filesystem::path(file), options);
+    converters::PathContours contours;
+    std::size_t points = 0;
+    converters::ReadResult result = reader.open();
+    while ((result = result ? reader.read(contours) : result) && !contours.contours.empty()) {
+        points += contours.points.size();
+    }
+    return points;
+}
+
 std::size_t walk(const std::string& file) {
     std::vector<unsigned char> bytes;
     converters::from_file(file, bytes);
@@ -137,7 +150,7 @@ std::size_t pointsOf(const OGRGeometry& geometry) {
     return 1;
 }
 
-/// Every feature with its geometry, and nothing kept: less than readPath does.
+/// Every feature with its geometry, and nothing kept.
 std::size_t readWithGdal(const std::string& file) {
     const auto dataset = GDALDatasetUniquePtr(GDALDataset::Open(file.c_str(), GDAL_OF_VECTOR));
     std::size_t points = 0;
@@ -238,6 +251,7 @@ void measure(int rounds, const std::string& name, const std::string& file, const
     const Command ogr2ogr = {"ogr2ogr", "-f", "Memory", "out", file};
     std::vector<Measured> all = {
         {"readPath", [&] { return ourCost(options); }},
+        {"PathReader", [&] { return costOf([&] { return readInParts(file, options); }); }},
         {"GDAL", [&] { return costOf([&] { return readWithGdal(file); }); }},
         {"cloudconv", [&] { return costOfCommand(cloudconv); }},
         {"ogr2ogr", [&] { return costOfCommand(ogr2ogr); }}};
@@ -246,8 +260,8 @@ void measure(int rounds, const std::string& name, const std::string& file, const
         all.push_back({"fromDxf", [&] { return costOf([&] { return walk(file); }); }});
     }
     measureInTurns(rounds, all);
-    all[2].least.kibibytes = memoryOfCommand(cloudconv);
-    all[3].least.kibibytes = memoryOfCommand(ogr2ogr);
+    all[3].least.kibibytes = memoryOfCommand(cloudconv);
+    all[4].least.kibibytes = memoryOfCommand(ogr2ogr);
     std::remove(output.c_str());
     static bool isFirst = true;
     std::printf("%s\n  {\"drawing\": \"%s\"", isFirst ? "" : ",", name.c_str());

@@ -1,124 +1,27 @@
 #include "converters/DrawingPath.h"
 
-#include "converters/detail/drawing/Chains.h"
-#include "converters/detail/drawing/PathSettings.h"
-#include "converters/detail/drawing/PathWriter.h"
-#include "converters/detail/drawing/Progress.h"
+#include "converters/detail/drawing/DrawingInput.h"
+#include "converters/detail/drawing/PathDecoder.h"
 #include "converters/detail/drawing/Refusal.h"
-#include "converters/detail/drawing/Reordering.h"
-#include "converters/detail/drawing/dxf/BlockGraph.h"
-#include "converters/detail/drawing/dxf/DrawingParser.h"
-#include "converters/detail/drawing/dxf/Expansion.h"
-#include "converters/detail/drawing/dxf/LayerTable.h"
-#include "converters/detail/drawing/dxf/LeftOutTable.h"
-#include "converters/detail/drawing/dxf/Text.h"
-#include "converters/detail/drawing/geometry/Vector.h"
-#include "converters/detail/input/FileSource.h"
 
-#include <algorithm>
 #include <array>
 #include <string>
-#include <string_view>
 #include <utility>
 
 namespace converters {
 
 namespace {
 
-using namespace drawing;
-using input::ByteWindow;
-
-/// Where the stages of the work end, of 1; by what they take for drawings of plain entities.
-constexpr double endOfParsing = 0.6;
-constexpr double endOfExpansion = 0.65;
-constexpr double endOfJoining = 0.75;
-/// Of reading, where contours are put into another order than the drawing's.
-constexpr double endOfReading = 0.25;
-
-/// What is not read yet, and what is read already, takes no memory.
-constexpr std::size_t windowCapacity = std::size_t{1} << 15;
-
-std::string upperCase(std::string text) {
-    std::transform(text.begin(), text.end(), text.begin(), [](char c) {
-        return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
-    });
-    return text;
-}
-
-std::vector<LeftOut> listOf(const LeftOutTable& table, const Drawing& drawing,
-                            const LayerTable& layers, const TextDecoder& decoder) {
-    std::vector<LeftOut> list;
-    for (const LeftOutTable::Entry& entry : table.entries()) {
-        list.push_back({upperCase(decoder.decoded(drawing.kindNames.names()[entry.kind])),
-                        layers[entry.layer].name, entry.number, entry.reason});
-    }
-    return list;
-}
-
-/// Adds up the lengths of the contours and of the ways between them.
-void addLengths(DrawingPath& path) {
-    const PathContour* before = nullptr;
-    for (const PathContour& contour : path.contours) {
-        path.length += contour.length;
-        if (before != nullptr) {
-            path.wayLength +=
-                distance(path.points[before->endPoint - 1], path.points[contour.firstPoint]);
-        }
-        before = &contour;
-    }
-}
-
-/// Says that blocks of one name are not all drawn.
-void addNotes(const BlockGraph& graph, std::vector<std::string>& notes) {
-    const std::uint64_t blocks = graph.shadowedBlocks();
-    if (blocks == 1) {
-        notes.emplace_back("1 block has the name of an earlier one; the earlier one is drawn");
-    } else if (blocks > 1) {
-        notes.push_back(std::to_string(blocks) +
-                        " blocks have names of earlier ones; the earlier ones are drawn");
-    }
-}
-
-DrawingPath readPath(ByteWindow file, const PathOptions& options) {
-    checkOptions(options);
-    const Progress whole(options.progress);
-    const Progress progress = whole.part(0, options.order == PathOrder::drawn ? 1 : endOfReading);
-    Drawing drawing = parseDrawing(std::move(file), progress.part(0, endOfParsing));
-    DrawingPath path;
-    const PathSettings settings = settingsFor(drawing, options, drawing.notes);
-    const TextDecoder decoder(drawing.header);
-    LayerTable layers(drawing, decoder, options);
-    const BlockGraph graph(drawing, decoder);
-    addNotes(graph, drawing.notes);
-    LeftOutTable leftOut;
-
-    Expansion expansion = expand(drawing, graph, layers, settings.map, options, leftOut,
-                                 progress.part(endOfParsing, endOfExpansion));
-    const std::vector<ChainLink> links =
-        joinToChains(drawing, expansion, layers, settings.joinDistance, leftOut,
-                     progress.part(endOfExpansion, endOfJoining));
-    writeContours({drawing, expansion, layers, links}, settings, path,
-                  progress.part(endOfJoining, 1));
-
-    reorder(path, options.order, whole.part(endOfReading, 1));
-
-    path.drawingUnit = settings.drawingUnit;
-    path.unit = settings.unit;
-    path.leftOut = listOf(leftOut, drawing, layers, decoder);
-    path.layers = layers.takeLayers();
-    path.notes = std::move(drawing.notes);
-    addLengths(path);
-    whole.report(1);
-    return path;
-}
-
 template <typename OpenWindow>
 ReadResult readFrom(OpenWindow openWindow, DrawingPath& path, const PathOptions& options) {
     try {
-        DrawingPath read = readPath(openWindow(), options);
+        DrawingPath read;
+        drawing::PathDecoder decoder(openWindow(), options);
+        decoder.write(read, drawing::PathWriter::all);
+        static_cast<PathReport&>(read) = decoder.takeReport();
         path = std::move(read);
         return {true, {}, 0};
-    } catch (Refusal& refusal) {
+    } catch (drawing::Refusal& refusal) {
         return {false, std::move(refusal.reason), refusal.line};
     }
 }
@@ -212,20 +115,17 @@ const char* nameOf(LeftOutReason reason) {
 
 ReadResult readPath(const void* bytes, std::size_t size, DrawingPath& path,
                     const PathOptions& options) {
-    return readFrom([=] { return ByteWindow(bytes, size); }, path, options);
+    return readFrom([=] { return drawing::windowOn(bytes, size); }, path, options);
 }
 
 ReadResult readPath(const ByteSource& source, DrawingPath& path, const PathOptions& options,
                     std::uint64_t size) {
-    return readFrom([&] { return ByteWindow(source, size, windowCapacity); }, path, options);
+    return readFrom([&] { return drawing::windowOn(source, size); }, path, options);
 }
 
 ReadResult readPath(const std::filesystem::path& file, DrawingPath& path,
                     const PathOptions& options) {
-    const auto refuse = [&](const std::string& reason) {
-        throw Refusal{file.string() + ": " + reason};
-    };
-    return readFrom([&] { return input::openFile(file, refuse, windowCapacity); }, path, options);
+    return readFrom([&] { return drawing::windowOn(file); }, path, options);
 }
 
 } // namespace converters

@@ -20,6 +20,8 @@
 /// splines and mirrored entities included. What the drawing shows and a path cannot hold (text,
 /// hatches, hidden layers) is listed, not dropped. fromDxf() is another thing: the walk by fixed
 /// rules that existing programs rely on.
+///
+/// PathReader reads the same path a few contours at a time.
 namespace converters {
 
 /// A unit of length, by its number in a drawing's $INSUNITS.
@@ -74,7 +76,7 @@ struct PathEntity {
     /// The handle of the outermost INSERT that draws it; 0 where it is in no block or the INSERT
     /// has none.
     std::uint64_t insert;
-    /// Index into DrawingPath::layers: where it is drawn, so that layer "0" in a block is the layer
+    /// Index into PathReport::layers: where it is drawn, so that layer "0" in a block is the layer
     /// of the INSERT.
     std::uint32_t layer;
     /// What it is.
@@ -87,24 +89,24 @@ enum class PathCurveKind : std::uint8_t {
     point,
     /// The straight line between the two ends of the piece.
     line,
-    /// A circular arc: DrawingPath::arcs.
+    /// A circular arc: PathContours::arcs.
     arc,
-    /// An elliptic arc: DrawingPath::ellipticArcs.
+    /// An elliptic arc: PathContours::ellipticArcs.
     ellipticArc,
-    /// A B-spline: DrawingPath::splines.
+    /// A B-spline: PathContours::splines.
     spline
 };
 
 /// A part of a contour that is one exact curve, from one of the contour's points to a later one.
 /// The last point of a piece is the first of the next.
 struct PathPiece {
-    /// Index into DrawingPath::points of its first point.
+    /// Index into PathContours::points of its first point.
     std::size_t firstPoint;
-    /// Index into DrawingPath::points of its last point.
+    /// Index into PathContours::points of its last point.
     std::size_t lastPoint;
     /// Index into arcs, ellipticArcs or splines; 0 for points and lines.
     std::uint32_t curve;
-    /// Index into DrawingPath::entities.
+    /// Index into PathContours::entities.
     std::uint32_t entity;
     /// What it is.
     PathCurveKind kind;
@@ -162,22 +164,22 @@ struct PathLayer {
 
 /// A stretch of the path that is walked without lifting the tool.
 struct PathContour {
-    /// Index into DrawingPath::points of its first point.
+    /// Index into PathContours::points of its first point.
     std::size_t firstPoint;
     /// Index behind its last point.
     std::size_t endPoint;
-    /// Index into DrawingPath::pieces of its first piece.
+    /// Index into PathContours::pieces of its first piece.
     std::size_t firstPiece;
     /// Index behind its last piece.
     std::size_t endPiece;
-    /// Index into DrawingPath::entities of its first entity. An entity without extent that lies on
+    /// Index into PathContours::entities of its first entity. An entity without extent that lies on
     /// an end of another is of that one's contour, and has no piece.
     std::size_t firstEntity;
     /// Index behind its last entity.
     std::size_t endEntity;
     /// Along its exact curves, in units of the result.
     double length;
-    /// Index into DrawingPath::layers: that of its first entity.
+    /// Index into PathReport::layers: that of its first entity.
     std::uint32_t layer;
     /// The colour of its first entity, 0xRRGGBB, where the drawing gives one in these terms; -1
     /// otherwise.
@@ -231,9 +233,9 @@ struct LeftOut {
     LeftOutReason reason;
 };
 
-/// The contours of a drawing. Flat arrays, so that a million entities take little memory: a contour
+/// Contours of a drawing. Flat arrays, so that a million entities take little memory: a contour
 /// names ranges of the others.
-struct DrawingPath {
+struct PathContours {
     /// The points of all contours, one contour after another.
     std::vector<cv::Point3_<double>> points;
     /// In the order in which they are walked.
@@ -248,6 +250,10 @@ struct DrawingPath {
     std::vector<PathSpline> splines;
     /// Of all contours, one contour after another.
     std::vector<PathEntity> entities;
+};
+
+/// What there is to say of a path besides its contours.
+struct PathReport {
     /// All that the drawing names, in the order of its table.
     std::vector<PathLayer> layers;
     /// In the order in which the kinds came up.
@@ -257,17 +263,20 @@ struct DrawingPath {
     std::vector<std::string> notes;
     /// The unit of the drawing.
     LengthUnit drawingUnit = LengthUnit::none;
-    /// The unit of the coordinates here.
+    /// The unit of the coordinates.
     LengthUnit unit = LengthUnit::none;
     /// The lowest corner of the box around all points; without meaning when there are none.
     cv::Point3_<double> lowest;
     /// The highest corner of that box.
     cv::Point3_<double> highest;
-    /// Of all contours, and of the straight ways from the end of each to the start of the next.
+    /// Of all contours.
     double length = 0;
-    /// Of the straight ways between contours.
+    /// Of the straight ways from the end of each contour to the start of the next.
     double wayLength = 0;
 };
+
+/// The path of a drawing: all its contours.
+struct DrawingPath : PathContours, PathReport {};
 
 /// In which order and direction contours are walked.
 enum class PathOrder : std::uint8_t {

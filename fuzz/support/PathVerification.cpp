@@ -2,6 +2,7 @@
 
 #include "fuzz/support/Verify.h"
 #include "tests/support/PathBytes.h"
+#include "tests/support/PathInParts.h"
 #include "tests/support/Pieces.h"
 
 #include <algorithm>
@@ -16,6 +17,7 @@ using converters::PathContour;
 using converters::PathCurveKind;
 using converters::PathOptions;
 using converters::PathPiece;
+using converters::ReadResult;
 using Point = cv::Point3_<double>;
 
 constexpr double pi = 3.14159265358979323846;
@@ -131,6 +133,11 @@ void verifyPath(const DrawingPath& path) {
     FUZZ_VERIFY(path.length >= 0 && path.wayLength >= 0);
 }
 
+/// In another order than the drawing's, all contours are one part.
+std::size_t pointsOfPart(const PathOptions& options, std::size_t points) {
+    return options.order == converters::PathOrder::drawn ? points : options.maximumPoints;
+}
+
 } // namespace
 
 converters::PathOptions pathOptionsFor(const std::uint8_t* bytes, std::size_t size) {
@@ -169,14 +176,17 @@ void verifyReadPath(const std::uint8_t* bytes, std::size_t size) {
     const PathOptions options = pathOptionsFor(bytes, size);
     DrawingPath path;
     path.wayLength = -1;
-    const converters::ReadResult result = converters::readPath(bytes, size, path, options);
+    const ReadResult result = converters::readPath(bytes, size, path, options);
     FUZZ_VERIFY(result.success == result.reason.empty());
     DrawingPath again;
     const std::size_t piece = 1 + hashOf(bytes, size) % mostOfPiece;
     const std::string_view file(reinterpret_cast<const char*>(bytes), size);
-    const converters::ReadResult resultAgain =
-        converters::readPath(piecesOf(file, piece), again, options);
+    const ReadResult resultAgain = converters::readPath(piecesOf(file, piece), again, options);
     FUZZ_VERIFY(resultAgain.reason == result.reason && resultAgain.line == result.line);
+    DrawingPath parts;
+    const ReadResult resultInParts =
+        readInParts({bytes, size, options}, pointsOfPart(options, piece), parts);
+    FUZZ_VERIFY(resultInParts.reason == result.reason && resultInParts.line == result.line);
     if (!result) {
         FUZZ_VERIFY(path.wayLength == -1 && path.points.empty() && path.leftOut.empty());
         return;
@@ -184,5 +194,5 @@ void verifyReadPath(const std::uint8_t* bytes, std::size_t size) {
     FUZZ_VERIFY(path.points.size() <= options.maximumPoints);
     FUZZ_VERIFY(path.entities.size() <= options.maximumEntities);
     verifyPath(path);
-    FUZZ_VERIFY(bytesOf(again) == bytesOf(path));
+    FUZZ_VERIFY(bytesOf(again) == bytesOf(path) && bytesOf(parts) == bytesOf(path));
 }

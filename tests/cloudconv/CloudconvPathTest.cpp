@@ -1,5 +1,7 @@
 // cloudconv convert of drawings, by their path.
 
+#include "converters/DrawingPath.h"
+#include "converters/Scan.h"
 #include "tests/support/CloudconvFixture.h"
 #include "tests/support/SimpleDrawing.h"
 
@@ -118,6 +120,75 @@ TEST_F(CloudconvPath, SaysOfADrawingThatIsCutShortWhyNothingIsLeft) {
     EXPECT_EQ(run({file, in("out.ply")}).errors,
               start + "note: the file has no end mark; it may be cut short\n" + failure);
     EXPECT_EQ(run({file, in("out.ply"), "--quiet"}).errors, failure);
+}
+
+/// Circles that become some hundred points each, with a tolerance of 0.01.
+std::string circles(std::size_t number) {
+    std::string entities;
+    for (std::size_t i = 0; i < number; ++i) {
+        entities += dxf("0 CIRCLE  8 0  10 " + std::to_string(i) + "  20 5  40 100");
+    }
+    return inMillimetres(entities);
+}
+
+TEST_F(CloudconvPath, WritesAllPointsOfDrawingsThatItFollowsTwice) {
+    const std::string drawn = circles(4000);
+    converters::DrawingPath path;
+    ASSERT_TRUE(converters::readPath(drawn.data(), drawn.size(), path));
+    ASSERT_GT(path.points.size(), 800'000U);
+    const std::string file = converted(drawn, ".ply");
+    pcl::PointCloud<pcl::PointXYZI> cloud;
+    ASSERT_TRUE(converters::readScan(file.data(), file.size(), cloud));
+    ASSERT_EQ(cloud.size(), path.points.size());
+    EXPECT_EQ(cloud.height, 1U);
+    std::size_t wrong = 0;
+    for (std::size_t number = 0; number < path.contours.size(); ++number) {
+        const converters::PathContour& contour = path.contours[number];
+        for (std::size_t i = contour.firstPoint; i < contour.endPoint; ++i) {
+            const cv::Point3_<double>& point = path.points[i];
+            wrong += cloud[i].x == static_cast<float>(point.x) &&
+                             cloud[i].y == static_cast<float>(point.y) && cloud[i].z == 0.0F &&
+                             cloud[i].intensity == static_cast<float>(number + 1)
+                         ? 0
+                         : 1;
+        }
+    }
+    EXPECT_EQ(wrong, 0U);
+    EXPECT_THAT(
+        run({in("in.dxf"), in("out.ply")}).errors,
+        HasSubstr("4000 entities in 4000 contours, " + std::to_string(cloud.size()) + " points\n"));
+}
+
+TEST_F(CloudconvPath, WritesNothingOfADrawingOfTooManyPoints) {
+    const fs::path file = drawingFile(circles(4000));
+    for (const std::string most : {"1000", "700000"}) {
+        writeFile(in("out.csv"), "as it was");
+        const ProgramResult result = run({file, in("out.csv"), "--max-points", most});
+        EXPECT_EQ(result.status, 1);
+        EXPECT_EQ(result.errors,
+                  "cloudconv: " + file.string() + ": more than " + most + " points\n");
+        EXPECT_EQ(readFile(in("out.csv")), "as it was");
+        const ProgramResult streamed = run({file, "-", "--to", "csv", "--max-points", most});
+        EXPECT_EQ(streamed.status, 1);
+        EXPECT_EQ(streamed.output, "");
+    }
+}
+
+TEST_F(CloudconvPath, TakesTheMemoryOfTheDrawingNotThatOfItsPoints) {
+    if (!unmeasuredMemory().empty()) {
+        GTEST_SKIP() << unmeasuredMemory();
+    }
+    constexpr long room = 16L << 10;
+    const fs::path file = drawingFile(circles(4000));
+    for (const std::string extension : {".ply", ".csv"}) {
+        const auto memoryFor = [&](const std::string& tolerance) {
+            return mostMemoryOf({file, in("out" + extension), "-q", "--tolerance", tolerance});
+        };
+        const long few = memoryFor("1");
+        const long many = memoryFor("0.001");
+        EXPECT_LT(many, few + room);
+        EXPECT_GT(fs::file_size(in("out" + extension)), 30'000'000U);
+    }
 }
 
 TEST_F(CloudconvPath, ReadsANamedPipe) {

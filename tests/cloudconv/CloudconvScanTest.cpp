@@ -4,9 +4,6 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/resource.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <fstream>
 
@@ -156,25 +153,6 @@ TEST_F(CloudconvScan, LeavesPointsWithoutAPlaceOutOfDrawings) {
                 HasSubstr("left out 1 point without a place"));
 }
 
-/// The most memory that a run took, in KiB.
-long mostMemoryOf(Texts arguments) {
-    const pid_t child = fork();
-    if (child == 0) {
-        std::vector<char*> pointers;
-        for (std::string& argument : arguments) {
-            pointers.push_back(argument.data());
-        }
-        pointers.push_back(nullptr);
-        execv(pointers[0], pointers.data());
-        _exit(127);
-    }
-    int status = 0;
-    rusage used = {};
-    EXPECT_EQ(wait4(child, &status, 0, &used), child);
-    EXPECT_EQ(status, 0);
-    return used.ru_maxrss;
-}
-
 /// A binary scan of so many points of 16 bytes.
 void writeLargeScan(const fs::path& path, std::size_t points) {
     std::ofstream stream(path, std::ios::binary);
@@ -190,25 +168,20 @@ void writeLargeScan(const fs::path& path, std::size_t points) {
 
 /// What the program maps of its libraries counts, too: so a small file is the measure.
 TEST_F(CloudconvScan, TakesNoMoreMemoryForLargeFilesThanForSmallOnes) {
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-    GTEST_SKIP() << "sanitizers keep what is freed";
-#endif
-    if (toolCommand().size() > 1) {
-        GTEST_SKIP() << "the emulator's memory would be measured";
+    if (!unmeasuredMemory().empty()) {
+        GTEST_SKIP() << unmeasuredMemory();
     }
     constexpr std::size_t large = 8'000'000;
     constexpr long most = 64L << 10;
     constexpr long room = 8L << 10;
     writeLargeScan(in("small.ply"), 200'000);
     writeLargeScan(in("large.ply"), large);
-    const std::string tool = toolCommand().front();
     for (const Texts& arguments : {Texts{"convert", "OUT.ply", "-q"},
                                    Texts{"convert", "OUT.csv", "-q"}, Texts{"info", "", "-q"}}) {
         const auto memoryOf = [&](const std::string& scan) {
-            Texts command = {tool, arguments[0], in(scan)};
-            command.push_back(arguments[1].empty() ? "-q" : std::string(in(arguments[1])));
-            command.push_back("-q");
-            return mostMemoryOf(command);
+            return mostMemoryOf({arguments[0], in(scan),
+                                 arguments[1].empty() ? "-q" : std::string(in(arguments[1])),
+                                 "-q"});
         };
         const long small = memoryOf("small.ply");
         const long whole = memoryOf("large.ply");

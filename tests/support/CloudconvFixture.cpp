@@ -1,5 +1,9 @@
 #include "tests/support/CloudconvFixture.h"
 
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <cstdlib>
 #include <fstream>
@@ -46,6 +50,33 @@ ProgramResult Cloudconv::run(const std::vector<std::string>& arguments,
     std::vector<std::string> command = toolCommand();
     command.insert(command.end(), arguments.begin(), arguments.end());
     return runProgram(command, prepare);
+}
+
+long Cloudconv::mostMemoryOf(std::vector<std::string> arguments) {
+    arguments.insert(arguments.begin(), toolCommand().front());
+    const pid_t child = fork();
+    if (child == 0) {
+        std::vector<char*> pointers;
+        for (std::string& argument : arguments) {
+            pointers.push_back(argument.data());
+        }
+        pointers.push_back(nullptr);
+        execv(pointers[0], pointers.data());
+        _exit(127);
+    }
+    int status = 0;
+    rusage used = {};
+    EXPECT_EQ(wait4(child, &status, 0, &used), child);
+    EXPECT_EQ(status, 0);
+    return used.ru_maxrss;
+}
+
+std::string Cloudconv::unmeasuredMemory() {
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    return "sanitizers keep what is freed";
+#else
+    return toolCommand().size() > 1 ? "the emulator's memory would be measured" : "";
+#endif
 }
 
 std::vector<std::string> Cloudconv::names() const {

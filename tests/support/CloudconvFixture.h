@@ -34,6 +34,14 @@ protected:
     static ProgramResult run(const std::vector<std::string>& arguments,
                              const std::function<void()>& prepare = {});
 
+    /// Runs the program, which is to succeed, with these arguments.
+    ///
+    /// @return the most memory that it took, in KiB, with its libraries
+    static long mostMemoryOf(std::vector<std::string> arguments);
+
+    /// Why mostMemoryOf() would say nothing of the program; empty when it does.
+    static std::string unmeasuredMemory();
+
     /// Names of all files in the folder, those of temporary files too.
     std::vector<std::string> names() const;
 

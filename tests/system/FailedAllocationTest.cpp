@@ -1,7 +1,7 @@
 // Every public function with an allocation that fails, for each allocation that it makes, alone and
 // with all after it.
 #include "converters/Converters.h"
-#include "converters/DrawingPath.h"
+#include "converters/PathReader.h"
 #include "converters/PlySerializerDeserializer.h"
 #include "dxfeditor/DXFAdapter.h"
 #include "dxfeditor/DXFArc.h"
@@ -237,7 +237,6 @@ struct DxfToCloud {
     bool isAfterFailure() const { return cloud.size() == 3 && cloud.width == 3; }
 };
 
-/// A global locale that has to be changed for dxflib and changed back.
 /// The path of a drawing with every kind of entity, in an order that has to be searched for.
 template <bool isBinary, bool isInPieces>
 struct PathRead {
@@ -266,6 +265,28 @@ struct PathRead {
     bool isAfterFailure() const { return path.points == Points(2, {1, 2, 3}); }
 };
 
+/// The same a few contours at a time.
+struct PathReadInParts {
+    std::string file = drawingOfEverything();
+    converters::PathReader reader{file.data(), file.size()};
+    converters::PathContours contours;
+    std::uint64_t counted = 0;
+    std::size_t points = 0;
+    bool call() {
+        converters::ReadResult result = reader.open();
+        if (!result || !(result = reader.countPoints(counted))) {
+            return false;
+        }
+        while ((result = reader.read(contours, 1)) && !contours.contours.empty()) {
+            points += contours.points.size();
+        }
+        return result.success;
+    }
+    bool isComplete() const { return points == counted && points > 100; }
+    bool isAfterFailure() const { return contours.contours.empty() && contours.points.empty(); }
+};
+
+/// A global locale that has to be changed for dxflib and changed back.
 struct DxfInCommaLocale {
     CommaLocale commas;
     DxfToPoints drawing;
@@ -501,6 +522,10 @@ TEST(FailedAllocation, OfReadPathKeepsThePath) {
     failEachAllocation<PathRead<true, false>>();
     failEachAllocation<PathRead<false, true>>();
     failEachAllocation<PathRead<true, true>>();
+}
+
+TEST(FailedAllocation, OfPathReaderLeavesNoContoursBehind) {
+    failEachAllocation<PathReadInParts>();
 }
 
 TEST(FailedAllocation, OfToDxfLeavesNeitherOutputNorFile) {

@@ -1,5 +1,6 @@
 #include "tools/cloudconv/DrawingConversion.h"
 
+#include "base/LargePages.h"
 #include "converters/PathDrawing.h"
 #include "converters/ScanWriter.h"
 #include "dxfeditor/DXFWriter.h"
@@ -18,17 +19,48 @@
 #include <cstddef>
 #include <memory>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 namespace {
 
 using converters::DrawingPath;
 using converters::PathContour;
+using converters::PathContours;
+using converters::PathReport;
 using converters::ScalarType;
 using converters::ScanLayout;
 
+/// What a path holds, in numbers.
+struct PathTotals {
+    std::size_t contours = 0;
+    std::size_t entities = 0;
+    std::size_t points = 0;
+    /// The most that a coordinate moves for becoming a 32-bit float.
+    double farthestMove = 0.0;
+};
+
+void add(const PathContours& path, PathTotals& totals) {
+    totals.contours += path.contours.size();
+    totals.entities += path.entities.size();
+    totals.points += path.points.size();
+}
+
+void addMoves(const PathContours& path, PathTotals& totals) {
+    for (const cv::Point3_<double>& point : path.points) {
+        for (const double value : {point.x, point.y, point.z}) {
+            totals.farthestMove =
+                std::max(totals.farthestMove,
+                         std::abs(value - static_cast<double>(static_cast<float>(value))));
+        }
+    }
+}
+
 /// A point of a text: as exact as the drawing.
 struct ExactPoint {
+    ExactPoint(const cv::Point3_<double>& point, double number)
+        : x(point.x), y(point.y), z(point.z), contour(number) {}
+
     double x;
     double y;
     double z;
@@ -41,148 +73,221 @@ const ScanLayout exactLayout = {{{"x", ScalarType::float64, offsetof(ExactPoint,
                                  {"contour", ScalarType::float64, offsetof(ExactPoint, contour)}},
                                 sizeof(ExactPoint)};
 
-/// Hands each point of the path, with the number of its contour, to the writer, in blocks.
-template <typename Record, typename Make>
-void writePoints(const DrawingPath& path, converters::ScanWriter& writer, Progress& progress,
-                 Make make) {
-    // Few enough to stay in the second cache.
-    constexpr std::size_t blockSize = 4096;
-    std::vector<Record> block;
-    block.reserve(blockSize);
-    double number = 0.0;
-    writer.begin(path.points.size());
-    for (const PathContour& contour : path.contours) {
-        number += 1.0;
-        for (std::size_t i = contour.firstPoint; i < contour.endPoint; ++i) {
-            block.push_back(make(path.points[i], number));
-            if (block.size() == blockSize) {
-                static_cast<void>(writer.write(block.data(), block.size()));
-                block.clear();
-                progress.reached(i);
+/// A point of a PLY file.
+struct FloatPoint {
+    FloatPoint(const cv::Point3_<double>& point, double number)
+        : x(static_cast<float>(point.x)), y(static_cast<float>(point.y)),
+          z(static_cast<float>(point.z)), intensity(static_cast<float>(number)) {}
+
+    float x;
+    float y;
+    float z;
+    float intensity;
+};
+
+const ScanLayout floatLayout = {
+    {{"x", ScalarType::float32, offsetof(FloatPoint, x)},
+     {"y", ScalarType::float32, offsetof(FloatPoint, y)},
+     {"z", ScalarType::float32, offsetof(FloatPoint, z)},
+     {"intensity", ScalarType::float32, offsetof(FloatPoint, intensity)}},
+    sizeof(FloatPoint)};
+
+/// The points of a path on their way to a file, a few contours at a time.
+template <typename Record>
+class PointConversion {
+public:
+    PointConversion(PathFileReader& reader, const ConvertOptions& options)
+        : m_reader(reader), m_options(options) {}
+
+    /// Reads all points of a drawing that is not large, the first ones of others.
+    void begin() {
+        constexpr std::size_t few = mostKept / 8;
+        while (!m_isAtEnd && m_records.size() < mostKept) {
+            readSome();
+            if (m_records.size() > few) {
+                base::reserveLarge(m_records, mostKept + mostKept / 16);
             }
         }
     }
-    static_cast<void>(writer.write(block.data(), block.size()));
-    static_cast<void>(writer.finish());
-}
 
-/// The most that a coordinate moves for becoming a 32-bit float.
-double farthestMove(const DrawingPath& path) {
-    double farthest = 0.0;
-    for (const cv::Point3_<double>& point : path.points) {
-        for (const double value : {point.x, point.y, point.z}) {
-            farthest = std::max(farthest,
-                                std::abs(value - static_cast<double>(static_cast<float>(value))));
+    /// What has been read.
+    const PathTotals& totals() const { return m_totals; }
+
+    /// Reads the other points, and writes all.
+    void writeTo(OutputFile& file, const ScanLayout& layout, FileFormat to) {
+        const std::size_t points =
+            m_totals.points + (m_isAtEnd ? std::size_t{0} : m_reader.countPoints());
+        converters::ScanWriteOptions writing;
+        writing.digits = m_options.digits;
+        if (to == FileFormat::Ply) {
+            writing.width = points;
+            writing.height = points == 0 ? 0 : 1;
+        }
+        converters::ScanWriter writer(sinkTo(file), layout, pointOutputOf(to, m_options.ascii),
+                                      writing);
+        writer.begin(points);
+        write(writer);
+        while (!m_isAtEnd) {
+            readSome();
+            write(writer);
+        }
+        static_cast<void>(writer.finish());
+    }
+
+private:
+    // PLY files say in front how many points there are: what is known of larger drawings has to be
+    // found by following them twice.
+    static constexpr std::size_t mostKept = std::size_t{1} << 18;
+
+    void readSome() {
+        m_isAtEnd = !m_reader.read(m_contours);
+        for (const PathContour& contour : m_contours.contours) {
+            ++m_number;
+            const double number = m_options.intensity.value_or(static_cast<float>(m_number));
+            for (std::size_t i = contour.firstPoint; i < contour.endPoint; ++i) {
+                m_records.emplace_back(m_contours.points[i], number);
+            }
+        }
+        add(m_contours, m_totals);
+        if (std::is_same_v<Record, FloatPoint> && !m_options.quiet) {
+            addMoves(m_contours, m_totals);
         }
     }
-    return farthest;
-}
 
-/// Drawings of other programs end where floats are too coarse: a plan in map coordinates, say.
-void tellWhatRoundingCosts(const DrawingPath& path, Notes& notes) {
-    constexpr double samePlace = 0.001;
-    const double farthest = farthestMove(path);
-    if (farthest >= samePlace) {
-        const std::string unit = shortName(path.unit);
-        notes.add("PLY holds coordinates as 32-bit floats: points move by up to " +
-                  numberText(farthest, 2) + (unit.empty() ? " drawing units" : " " + unit) +
-                  "; .csv and .xyz hold them exactly");
+    void write(converters::ScanWriter& writer) {
+        // Few enough to stay in the second cache.
+        constexpr std::size_t blockSize = 4096;
+        for (std::size_t i = 0; i < m_records.size(); i += blockSize) {
+            const std::size_t size = std::min(blockSize, m_records.size() - i);
+            static_cast<void>(writer.write(&m_records[i], size));
+        }
+        m_records.clear();
     }
-}
+
+    PathFileReader& m_reader;
+    const ConvertOptions& m_options;
+    PathContours m_contours;
+    std::vector<Record> m_records;
+    PathTotals m_totals;
+    std::size_t m_number = 0;
+    bool m_isAtEnd = false;
+};
 
 /// What the reader had to assume.
-void tellAssumptions(const DrawingPath& path, Notes& notes) {
-    for (const std::string& note : path.notes) {
+void tellAssumptions(const PathReport& report, Notes& notes) {
+    for (const std::string& note : report.notes) {
         notes.add(note);
     }
 }
 
-void tell(const DrawingPath& path, const ConvertOptions& options, FileFormat to, Notes& notes) {
-    if (path.contours.empty()) {
+/// Drawings of other programs end where floats are too coarse: a plan in map coordinates, say.
+void tellWhatRoundingCosts(double farthestMove, const PathReport& report, Notes& notes) {
+    constexpr double samePlace = 0.001;
+    if (farthestMove >= samePlace) {
+        const std::string unit = shortName(report.unit);
+        notes.add("PLY holds coordinates as 32-bit floats: points move by up to " +
+                  numberText(farthestMove, 2) + (unit.empty() ? " drawing units" : " " + unit) +
+                  "; .csv and .xyz hold them exactly");
+    }
+}
+
+void tell(const PathTotals& totals, const PathReport& report, const ConvertOptions& options,
+          FileFormat to, Notes& notes) {
+    if (totals.contours == 0) {
         notes.add("the drawing holds no points, nor does " + outputName(options.output));
     } else {
-        notes.add(counted(path.entities.size(), "entity", "entities") + " in " +
-                  counted(path.contours.size(), "contour") + ", " +
-                  counted(path.points.size(), "point"));
+        notes.add(counted(totals.entities, "entity", "entities") + " in " +
+                  counted(totals.contours, "contour") + ", " + counted(totals.points, "point"));
     }
-    tellAssumptions(path, notes);
-    if (const std::string leftOut = leftOutText(path.leftOut); !leftOut.empty()) {
+    tellAssumptions(report, notes);
+    if (const std::string leftOut = leftOutText(report.leftOut); !leftOut.empty()) {
         notes.add("left out: " + leftOut);
     }
-    if (to == FileFormat::Ply) {
-        tellWhatRoundingCosts(path, notes);
-    }
-    if (to == FileFormat::Dxf && path.unit != converters::LengthUnit::none) {
+    tellWhatRoundingCosts(totals.farthestMove, report, notes);
+    if (to == FileFormat::Dxf && report.unit != converters::LengthUnit::none) {
         notes.add("a drawing of release R12 names no unit; coordinates are in " +
-                  shortName(path.unit));
+                  shortName(report.unit));
     }
 }
 
-/// Contours become polylines, not as many points.
-void writeDrawing(const DrawingPath& path, OutputFile& file, const std::string& name) {
-    const std::shared_ptr<DXFDocument> drawing = converters::drawingOf(path);
-    if (!DXFWriter(*drawing).saveTo(file.descriptor(), name)) {
-        throw FileError(name, "cannot be written");
+/// A drawing on its way to another file.
+class Conversion {
+public:
+    Conversion(const ConvertOptions& options, FileFormat to)
+        : m_options(options), m_to(to), m_progress(options.quiet),
+          m_notes(inputName(options.input)), m_input(options.input) {
+        checkReplacement(m_input, options.output, options.force);
     }
-}
 
-void write(const DrawingPath& path, const ConvertOptions& options, FileFormat to,
-           Progress& progress) {
-    progress.begin("writing " + outputName(options.output), path.points.size());
-    OutputFile file(options.output);
-    if (to == FileFormat::Dxf) {
-        writeDrawing(path, file, outputName(options.output));
+    void run() {
+        if (m_to == FileFormat::Dxf) {
+            convertContours();
+        } else if (m_to == FileFormat::Ply) {
+            convertPoints<FloatPoint>(floatLayout);
+        } else {
+            convertPoints<ExactPoint>(exactLayout);
+        }
+    }
+
+private:
+    template <typename Record>
+    void convertPoints(const ScanLayout& layout) {
+        PathFileReader reader(m_input, m_options.path, m_progress);
+        PointConversion<Record> conversion(reader, m_options);
+        conversion.begin();
+        checkThatSomethingIsLeft(conversion.totals(), reader.report());
+        OutputFile file(m_options.output);
+        conversion.writeTo(file, layout, m_to);
+        finish(file, conversion.totals(), reader.report());
+    }
+
+    /// Contours become polylines, not as many points.
+    void convertContours() {
+        const DrawingPath path = readPathFile(m_input, m_options.path, m_progress);
+        PathTotals totals;
+        add(path, totals);
+        checkThatSomethingIsLeft(totals, path);
+        m_progress.begin("writing " + outputName(m_options.output), path.points.size());
+        OutputFile file(m_options.output);
+        const std::string name = outputName(m_options.output);
+        const std::shared_ptr<DXFDocument> drawing = converters::drawingOf(path);
+        if (!DXFWriter(*drawing).saveTo(file.descriptor(), name)) {
+            throw FileError(name, "cannot be written");
+        }
+        finish(file, totals, path);
+    }
+
+    void checkThatSomethingIsLeft(const PathTotals& totals, const PathReport& report) {
+        if (totals.contours != 0 || report.leftOut.empty()) {
+            return;
+        }
+        // They may say why: a file that is cut short.
+        if (!m_options.quiet) {
+            tellAssumptions(report, m_notes);
+            m_notes.print();
+        }
+        throw FileError(inputName(m_options.input),
+                        "nothing is left to follow; left out: " + leftOutText(report.leftOut));
+    }
+
+    void finish(OutputFile& file, const PathTotals& totals, const PathReport& report) {
         file.commit();
-        return;
+        m_progress.end();
+        if (!m_options.quiet) {
+            tell(totals, report, m_options, m_to, m_notes);
+            m_notes.print();
+        }
     }
-    converters::ScanWriteOptions writing;
-    writing.digits = options.digits;
-    const converters::ScanOutput output = pointOutputOf(to, options.ascii);
-    if (to == FileFormat::Ply) {
-        writing.width = path.points.size();
-        writing.height = writing.width == 0 ? 0 : 1;
-        converters::ScanWriter writer(sinkTo(file), converters::layoutOfPointXYZI(), output,
-                                      writing);
-        writePoints<pcl::PointXYZI>(
-            path, writer, progress, [&options](const cv::Point3_<double>& point, double number) {
-                return pcl::PointXYZI(static_cast<float>(point.x), static_cast<float>(point.y),
-                                      static_cast<float>(point.z),
-                                      options.intensity.value_or(static_cast<float>(number)));
-            });
-    } else {
-        converters::ScanWriter writer(sinkTo(file), exactLayout, output, writing);
-        writePoints<ExactPoint>(
-            path, writer, progress, [&options](const cv::Point3_<double>& point, double number) {
-                const double contour = options.intensity.has_value()
-                                           ? static_cast<double>(*options.intensity)
-                                           : number;
-                return ExactPoint{point.x, point.y, point.z, contour};
-            });
-    }
-    file.commit();
-}
+
+    const ConvertOptions& m_options;
+    FileFormat m_to;
+    Progress m_progress;
+    Notes m_notes;
+    const InputFile m_input;
+};
 
 } // namespace
 
 void convertDrawing(const ConvertOptions& options, FileFormat to) {
-    const std::string name = inputName(options.input);
-    Progress progress(options.quiet);
-    Notes notes(name);
-    const InputFile input(options.input);
-    checkReplacement(input, options.output, options.force);
-    const DrawingPath path = readPathFile(input, options.path, progress);
-    if (path.contours.empty() && !path.leftOut.empty()) {
-        // They may say why: a file that is cut short.
-        if (!options.quiet) {
-            tellAssumptions(path, notes);
-            notes.print();
-        }
-        throw FileError(name, "nothing is left to follow; left out: " + leftOutText(path.leftOut));
-    }
-    write(path, options, to, progress);
-    progress.end();
-    if (!options.quiet) {
-        tell(path, options, to, notes);
-        notes.print();
-    }
+    Conversion(options, to).run();
 }

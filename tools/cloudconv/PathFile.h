@@ -1,7 +1,9 @@
 #pragma once
 
 #include "converters/DrawingPath.h"
+#include "converters/PathReader.h"
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -22,6 +24,32 @@ converters::DrawingPath readPathFile(const std::string& name,
 /// @throws FileError with the reader's reason, or the system's
 converters::DrawingPath readPathFile(const InputFile& file, converters::PathOptions options,
                                      Progress& progress);
+
+/// Reads the path of a file a few contours at a time; the file is read once and not kept.
+class PathFileReader {
+public:
+    /// Reads the drawing, to its end.
+    ///
+    /// @param progress  told how far all is, as long as this lives
+    /// @throws FileError, as the other functions, with the reader's reason, or the system's
+    PathFileReader(const InputFile& file, converters::PathOptions options, Progress& progress);
+
+    /// As PathReader::report().
+    const converters::PathReport& report() const { return m_reader.report(); }
+
+    /// @param contours  replaced by the next ones
+    /// @return whether there were any
+    bool read(converters::PathContours& contours);
+
+    /// How many points the contours have that are to come.
+    std::size_t countPoints();
+
+private:
+    void check(const converters::ReadResult& result) const;
+
+    std::string m_name;
+    converters::PathReader m_reader;
+};
 
 /// The name of a unit as the command line has it: "mm"; of others, and none, empty.
 std::string shortName(converters::LengthUnit unit);

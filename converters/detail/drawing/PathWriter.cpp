@@ -1,7 +1,6 @@
 #include "converters/detail/drawing/PathWriter.h"
 
 #include "base/LargePages.h"
-#include "converters/detail/drawing/BlockSamples.h"
 #include "converters/detail/drawing/Refusal.h"
 #include "converters/detail/drawing/dxf/EntityCurves.h"
 #include "converters/detail/drawing/dxf/Saturating.h"
@@ -42,6 +41,7 @@ public:
     void follow(const ChainLink& link);
 
     ContourState& state() { return m_state; }
+    bool isInContour() const { return m_state.isInContour; }
 
 private:
     void begin(const Point& start);
@@ -114,8 +114,8 @@ void ContourWalk<Sink>::bridge(const Point& to) {
 /// The points of curves that blocks draw again and again.
 class SamplesOfBlocks {
 public:
-    SamplesOfBlocks(const JoinedDrawing& joined, const SamplingLimits& limits)
-        : m_joined(joined), m_samples(joined.drawing, limits) {}
+    SamplesOfBlocks(const JoinedDrawing& joined, BlockSamples& samples)
+        : m_joined(joined), m_samples(samples) {}
 
     /// @param link  null for what is of no entity
     /// @return null for most curves
@@ -132,17 +132,20 @@ public:
 
 private:
     const JoinedDrawing& m_joined;
-    BlockSamples m_samples;
+    BlockSamples& m_samples;
 };
 
 /// Counts what contours will take.
 class Counter {
 public:
-    /// @param path  what is written already
-    Counter(const SamplingLimits& limits, SamplesOfBlocks& samples, const DrawingPath& path)
-        : points(path.points.size()), contours(path.contours.size()), pieces(path.pieces.size()),
-          entities(path.entities.size()), arcs(path.arcs.size()),
-          ellipticArcs(path.ellipticArcs.size()), splines(path.splines.size()), m_limits(limits),
+    /// @param mostPoints  more are refused
+    /// @param written     is counted as well
+    Counter(const SamplingLimits& limits, std::size_t mostPoints, SamplesOfBlocks& samples,
+            const PathContours& written)
+        : points(written.points.size()), contours(written.contours.size()),
+          pieces(written.pieces.size()), entities(written.entities.size()),
+          arcs(written.arcs.size()), ellipticArcs(written.ellipticArcs.size()),
+          splines(written.splines.size()), m_limits(limits), m_mostPoints(mostPoints),
           m_samples(samples) {}
 
     void begin(const Point&) { addPoints(1); }
@@ -164,14 +167,14 @@ public:
         m_piecesOfContour = 0;
     }
 
-    void reserveIn(DrawingPath& path) const {
-        base::reserveLarge(path.points, points);
-        base::reserveLarge(path.contours, contours);
-        base::reserveLarge(path.pieces, pieces);
-        base::reserveLarge(path.entities, entities);
-        base::reserveLarge(path.arcs, arcs);
-        base::reserveLarge(path.ellipticArcs, ellipticArcs);
-        base::reserveLarge(path.splines, splines);
+    void reserveIn(PathContours& written) const {
+        base::reserveLarge(written.points, points);
+        base::reserveLarge(written.contours, contours);
+        base::reserveLarge(written.pieces, pieces);
+        base::reserveLarge(written.entities, entities);
+        base::reserveLarge(written.arcs, arcs);
+        base::reserveLarge(written.ellipticArcs, ellipticArcs);
+        base::reserveLarge(written.splines, splines);
     }
 
     std::uint64_t points;
@@ -185,12 +188,13 @@ public:
 private:
     void addPoints(std::size_t number) {
         points = saturatingSum(points, number);
-        if (points > m_limits.maximumPoints) {
+        if (points > m_mostPoints) {
             throw Refusal{"more than " + std::to_string(m_limits.maximumPoints) + " points"};
         }
     }
 
     const SamplingLimits& m_limits;
+    std::size_t m_mostPoints;
     SamplesOfBlocks& m_samples;
     std::size_t m_piecesOfContour = 0;
 };
@@ -219,13 +223,46 @@ PathEntityKind pathKindOf(EntityKind kind) {
     return PathEntityKind::polyline;
 }
 
-/// Writes contours into a path.
+/// The box around all points so far.
+class Bounds {
+public:
+    /// @param hasPoints  whether there is a box yet
+    Bounds(PathReport& report, bool& hasPoints) : m_report(report), m_hasPoints(hasPoints) {}
+
+    void extend(const Point* first, const Point* end);
+
+private:
+    PathReport& m_report;
+    bool& m_hasPoints;
+};
+
+void Bounds::extend(const Point* first, const Point* end) {
+    if (first == end) {
+        return;
+    }
+    Point lowest = m_hasPoints ? m_report.lowest : *first;
+    Point highest = m_hasPoints ? m_report.highest : *first;
+    for (const Point* point = first; point != end; ++point) {
+        lowest.x = std::min(lowest.x, point->x);
+        lowest.y = std::min(lowest.y, point->y);
+        lowest.z = std::min(lowest.z, point->z);
+        highest.x = std::max(highest.x, point->x);
+        highest.y = std::max(highest.y, point->y);
+        highest.z = std::max(highest.z, point->z);
+    }
+    m_report.lowest = lowest;
+    m_report.highest = highest;
+    m_hasPoints = true;
+}
+
+/// Writes contours.
 class Writer {
 public:
     /// @param mostPoints  how many points there is room for
     Writer(const LayerTable& layers, const SamplingLimits& limits, std::size_t mostPoints,
-           SamplesOfBlocks& samples, DrawingPath& path)
-        : m_layers(layers), m_limits(limits), m_samples(samples), m_path(path) {
+           SamplesOfBlocks& samples, PathContours& written, Bounds bounds)
+        : m_layers(layers), m_limits(limits), m_samples(samples), m_written(written),
+          m_bounds(bounds) {
         m_limits.maximumPoints = mostPoints;
     }
 
@@ -266,55 +303,54 @@ private:
     bool append(const Curve& curve);
     bool append(const BlockSamples::Samples& samples, const Affine& map, const Point& end);
 
-    void extendBounds();
-
     const LayerTable& m_layers;
     /// For all points together.
     SamplingLimits m_limits;
     SamplesOfBlocks& m_samples;
-    DrawingPath& m_path;
+    PathContours& m_written;
+    Bounds m_bounds;
     PathContour m_contour{};
     bool m_isFull = false;
 };
 
 Writer::Mark::Mark(const Writer& writer)
-    : m_points(writer.m_path.points.size()), m_contours(writer.m_path.contours.size()),
-      m_pieces(writer.m_path.pieces.size()), m_entities(writer.m_path.entities.size()),
-      m_arcs(writer.m_path.arcs.size()), m_ellipticArcs(writer.m_path.ellipticArcs.size()),
-      m_splines(writer.m_path.splines.size()), m_contour(writer.m_contour) {}
+    : m_points(writer.m_written.points.size()), m_contours(writer.m_written.contours.size()),
+      m_pieces(writer.m_written.pieces.size()), m_entities(writer.m_written.entities.size()),
+      m_arcs(writer.m_written.arcs.size()), m_ellipticArcs(writer.m_written.ellipticArcs.size()),
+      m_splines(writer.m_written.splines.size()), m_contour(writer.m_contour) {}
 
 void Writer::Mark::takeBack(Writer& writer) const {
-    DrawingPath& path = writer.m_path;
-    path.points.resize(m_points);
-    path.contours.resize(m_contours);
-    path.pieces.resize(m_pieces);
-    path.entities.resize(m_entities);
-    path.arcs.resize(m_arcs);
-    path.ellipticArcs.resize(m_ellipticArcs);
-    path.splines.resize(m_splines);
+    PathContours& written = writer.m_written;
+    written.points.resize(m_points);
+    written.contours.resize(m_contours);
+    written.pieces.resize(m_pieces);
+    written.entities.resize(m_entities);
+    written.arcs.resize(m_arcs);
+    written.ellipticArcs.resize(m_ellipticArcs);
+    written.splines.resize(m_splines);
     writer.m_contour = m_contour;
 }
 
 void Writer::begin(const Point& start) {
     m_contour = {};
-    m_contour.firstPoint = m_path.points.size();
-    m_contour.firstPiece = m_path.pieces.size();
-    m_contour.firstEntity = m_path.entities.size();
-    m_isFull = m_isFull || m_path.points.size() >= m_limits.maximumPoints;
+    m_contour.firstPoint = m_written.points.size();
+    m_contour.firstPiece = m_written.pieces.size();
+    m_contour.firstEntity = m_written.entities.size();
+    m_isFull = m_isFull || m_written.points.size() >= m_limits.maximumPoints;
     if (!m_isFull) {
-        m_path.points.push_back(start);
+        m_written.points.push_back(start);
     }
 }
 
 void Writer::entity(const Entity& entity, const Placement& placement) {
     const std::uint32_t layer = layerOf(entity.layer, placement, m_layers);
-    if (m_contour.firstEntity == m_path.entities.size()) {
+    if (m_contour.firstEntity == m_written.entities.size()) {
         const Colour colour = colourOf(entity, placement, m_layers);
         m_contour.layer = layer;
         m_contour.colour = colour.index;
         m_contour.trueColour = colour.trueColour;
     }
-    m_path.entities.push_back({entity.handle, placement.insert, layer, pathKindOf(entity.kind)});
+    m_written.entities.push_back({entity.handle, placement.insert, layer, pathKindOf(entity.kind)});
 }
 
 /// Keeps the exact curve of a piece.
@@ -323,18 +359,18 @@ std::uint32_t Writer::keep(Curve&& curve, PathCurveKind& kind) {
     if (const auto* const arc = std::get_if<EllipticArc>(&curve)) {
         if (isCircular(*arc)) {
             kind = PathCurveKind::arc;
-            m_path.arcs.push_back(pathArc(*arc));
-            return static_cast<std::uint32_t>(m_path.arcs.size() - 1);
+            m_written.arcs.push_back(pathArc(*arc));
+            return static_cast<std::uint32_t>(m_written.arcs.size() - 1);
         }
         kind = PathCurveKind::ellipticArc;
-        m_path.ellipticArcs.push_back(pathEllipticArc(*arc));
-        return static_cast<std::uint32_t>(m_path.ellipticArcs.size() - 1);
+        m_written.ellipticArcs.push_back(pathEllipticArc(*arc));
+        return static_cast<std::uint32_t>(m_written.ellipticArcs.size() - 1);
     }
     if (auto* const spline = std::get_if<BSpline>(&curve)) {
         kind = PathCurveKind::spline;
-        m_path.splines.push_back({spline->degree, std::move(spline->knots),
-                                  std::move(spline->controlPoints), std::move(spline->weights)});
-        return static_cast<std::uint32_t>(m_path.splines.size() - 1);
+        m_written.splines.push_back({spline->degree, std::move(spline->knots),
+                                     std::move(spline->controlPoints), std::move(spline->weights)});
+        return static_cast<std::uint32_t>(m_written.splines.size() - 1);
     }
     kind = PathCurveKind::line;
     return 0;
@@ -342,82 +378,64 @@ std::uint32_t Writer::keep(Curve&& curve, PathCurveKind& kind) {
 
 /// @return false where there is no room
 bool Writer::append(const Curve& curve) {
-    if (m_path.points.size() >= m_limits.maximumPoints) {
+    if (m_written.points.size() >= m_limits.maximumPoints) {
         return false;
     }
     if (const auto* const line = std::get_if<Line>(&curve);
         line != nullptr && std::isinf(m_limits.step)) {
-        m_path.points.push_back(line->end);
+        m_written.points.push_back(line->end);
         return true;
     }
     SamplingLimits limits = m_limits;
-    limits.maximumPoints -= m_path.points.size();
-    return appendPoints(curve, limits, m_path.points);
+    limits.maximumPoints -= m_written.points.size();
+    return appendPoints(curve, limits, m_written.points);
 }
 
 /// Appends the points that a curve of a block has where that was drawn before.
 /// @return false where there is no room
 bool Writer::append(const BlockSamples::Samples& samples, const Affine& map, const Point& end) {
-    const std::size_t first = m_path.points.size();
+    const std::size_t first = m_written.points.size();
     if (samples.points.size() > m_limits.maximumPoints - first) {
         return false;
     }
-    m_path.points.resize(first + samples.points.size());
+    m_written.points.resize(first + samples.points.size());
     std::transform(samples.points.begin(), samples.points.end(),
-                   m_path.points.begin() + static_cast<std::ptrdiff_t>(first),
+                   m_written.points.begin() + static_cast<std::ptrdiff_t>(first),
                    [map](const Point& point) { return map(point); });
-    m_path.points.back() = end;
+    m_written.points.back() = end;
     return true;
 }
 
 void Writer::curve(Curve&& curve, const ChainLink* link) {
     PathPiece piece{};
-    piece.firstPoint = m_path.points.size() - 1;
+    piece.firstPoint = m_written.points.size() - 1;
     const BlockSamples::Samples* const samples = m_samples.find(link);
     m_contour.length += samples != nullptr ? samples->length : lengthOf(curve);
     m_isFull = m_isFull || !(samples != nullptr
                                  ? append(*samples, m_samples.placementOf(*link).map, endOf(curve))
                                  : append(curve));
-    piece.lastPoint = m_path.points.size() - 1;
-    piece.entity = static_cast<std::uint32_t>(m_path.entities.size() - 1);
+    piece.lastPoint = m_written.points.size() - 1;
+    piece.entity = static_cast<std::uint32_t>(m_written.entities.size() - 1);
     piece.curve = keep(std::move(curve), piece.kind);
-    m_path.pieces.push_back(piece);
-}
-
-/// By the points of the contour, which are in the processor's cache still.
-void Writer::extendBounds() {
-    const auto points = m_path.points.cbegin();
-    const auto first = points + static_cast<std::ptrdiff_t>(m_contour.firstPoint);
-    const auto end = points + static_cast<std::ptrdiff_t>(m_contour.endPoint);
-    const bool isFirst = m_path.contours.empty() && first != end;
-    Point lowest = isFirst ? *first : m_path.lowest;
-    Point highest = isFirst ? *first : m_path.highest;
-    for (auto point = first; point != end; ++point) {
-        lowest.x = std::min(lowest.x, point->x);
-        lowest.y = std::min(lowest.y, point->y);
-        lowest.z = std::min(lowest.z, point->z);
-        highest.x = std::max(highest.x, point->x);
-        highest.y = std::max(highest.y, point->y);
-        highest.z = std::max(highest.z, point->z);
-    }
-    m_path.lowest = lowest;
-    m_path.highest = highest;
+    m_written.pieces.push_back(piece);
 }
 
 void Writer::end(bool closed, const Point& start) {
-    if (m_contour.firstPiece == m_path.pieces.size()) {
-        const auto entity = static_cast<std::uint32_t>(m_path.entities.size() - 1);
-        m_path.pieces.push_back(
+    if (m_contour.firstPiece == m_written.pieces.size()) {
+        const auto entity = static_cast<std::uint32_t>(m_written.entities.size() - 1);
+        m_written.pieces.push_back(
             {m_contour.firstPoint, m_contour.firstPoint, 0, entity, PathCurveKind::point});
     } else if (closed) {
-        m_path.points.back() = start;
+        m_written.points.back() = start;
     }
     m_contour.closed = closed;
-    m_contour.endPoint = m_path.points.size();
-    extendBounds();
-    m_contour.endPiece = m_path.pieces.size();
-    m_contour.endEntity = m_path.entities.size();
-    m_path.contours.push_back(m_contour);
+    m_contour.endPoint = m_written.points.size();
+    // While they are in the processor's cache.
+    m_bounds.extend(m_written.points.data() + m_contour.firstPoint,
+                    m_written.points.data() + m_contour.endPoint);
+    m_contour.endPiece = m_written.pieces.size();
+    m_contour.endEntity = m_written.entities.size();
+    m_written.contours.push_back(m_contour);
 }
 
 /// Calls follow(link) from a link on until it returns false.
@@ -440,36 +458,42 @@ std::size_t followLinks(const std::vector<ChainLink>& links, std::size_t from,
 /// Room for what so many entities mostly become: memory that is not touched costs nothing, moving
 /// what has grown does.
 void reserveFor(const std::vector<ChainLink>& links, const SamplingLimits& limits,
-                std::size_t mostPoints, DrawingPath& path) {
+                std::size_t mostPoints, PathContours& contours) {
     const std::size_t entities = links.size();
     const std::size_t pointsOfOne = std::isinf(limits.step) ? 64 : 192;
     constexpr std::size_t piecesOfOne = 4;
     constexpr std::size_t arcsOfOne = 2;
-    const auto contours = static_cast<std::size_t>(std::count_if(
+    const auto ends = static_cast<std::size_t>(std::count_if(
         links.begin(), links.end(), [](const ChainLink& link) { return link.endsChain; }));
-    base::reserveLarge(path.points, std::min(entities * pointsOfOne, mostPoints));
-    base::reserveLarge(path.pieces, std::min(entities * piecesOfOne, mostPoints));
-    base::reserveLarge(path.arcs, std::min(entities * arcsOfOne, mostPoints));
-    base::reserveLarge(path.entities, std::min(entities, mostPoints));
-    base::reserveLarge(path.contours, std::min(contours, mostPoints));
+    base::reserveLarge(contours.points, std::min(entities * pointsOfOne, mostPoints));
+    base::reserveLarge(contours.pieces, std::min(entities * piecesOfOne, mostPoints));
+    base::reserveLarge(contours.arcs, std::min(entities * arcsOfOne, mostPoints));
+    base::reserveLarge(contours.entities, std::min(entities, mostPoints));
+    base::reserveLarge(contours.contours, std::min(ends, mostPoints));
 }
 
 } // namespace
 
 // Up to some number of points, what is written needs no counting first.
-void writeContours(const JoinedDrawing& joined, const PathSettings& settings, DrawingPath& path,
-                   const Progress& progress) {
+void PathWriter::write(PathContours& contours, std::size_t enough, PathReport& report,
+                       const Progress& progress) {
     constexpr std::size_t freely = 1 << 21;
-    constexpr double endOfCounting = 0.4;
-    const SamplingLimits& limits = settings.limits;
-    const std::vector<ChainLink>& links = joined.links;
-    const std::size_t room = std::min(limits.maximumPoints, freely);
-    reserveFor(links, limits, room, path);
-    SamplesOfBlocks samples(joined, limits);
-    Writer writer(joined.layers, limits, room, samples, path);
-    ContourWalk<Writer> walk(joined, limits.tolerance, writer);
-    const Progress first = progress.part(0, endOfCounting);
-    const std::size_t written = followLinks(links, 0, first, [&](const ChainLink& link) {
+    const std::vector<ChainLink>& links = m_joined.links;
+    const std::size_t allowed = m_limits.maximumPoints - m_points;
+    const std::size_t room = std::min(allowed, freely);
+    if (enough == all) {
+        reserveFor(links, m_limits, room, contours);
+    }
+    const auto isEnough = [enough](bool isInContour, std::uint64_t points) {
+        return !isInContour && points >= enough && points > 0;
+    };
+    SamplesOfBlocks samples(m_joined, m_samples);
+    Writer writer(m_joined.layers, m_limits, room, samples, contours, {report, m_hasBounds});
+    ContourWalk<Writer> walk(m_joined, m_limits.tolerance, writer);
+    m_next = followLinks(links, m_next, progress, [&](const ChainLink& link) {
+        if (isEnough(walk.isInContour(), contours.points.size())) {
+            return false;
+        }
         const Writer::Mark mark(writer);
         const ContourState state = walk.state();
         walk.follow(link);
@@ -479,22 +503,46 @@ void writeContours(const JoinedDrawing& joined, const PathSettings& settings, Dr
         }
         return !writer.isFull();
     });
-    if (written == links.size()) {
-        return;
+    if (writer.isFull()) {
+        Counter counter(m_limits, allowed, samples, contours);
+        ContourWalk<Counter> counting(m_joined, m_limits.tolerance, counter);
+        counting.state() = walk.state();
+        followLinks(links, m_next, progressHere(progress), [&](const ChainLink& link) {
+            if (isEnough(counting.isInContour(), counter.points)) {
+                return false;
+            }
+            counting.follow(link);
+            return true;
+        });
+        counter.reserveIn(contours);
+        writer.goOn(allowed);
+        m_next = followLinks(links, m_next, progress, [&](const ChainLink& link) {
+            if (isEnough(walk.isInContour(), contours.points.size())) {
+                return false;
+            }
+            walk.follow(link);
+            return true;
+        });
     }
-    Counter counter(limits, samples, path);
-    ContourWalk<Counter> counting(joined, limits.tolerance, counter);
-    counting.state() = walk.state();
-    followLinks(links, written, first, [&](const ChainLink& link) {
+    m_points += contours.points.size();
+}
+
+std::uint64_t PathWriter::countPoints(const Progress& progress) {
+    SamplesOfBlocks samples(m_joined, m_samples);
+    Counter counter(m_limits, m_limits.maximumPoints - m_points, samples, {});
+    ContourWalk<Counter> counting(m_joined, m_limits.tolerance, counter);
+    followLinks(m_joined.links, m_next, progressHere(progress), [&](const ChainLink& link) {
         counting.follow(link);
         return true;
     });
-    counter.reserveIn(path);
-    writer.goOn(limits.maximumPoints);
-    followLinks(links, written, progress.part(endOfCounting, 1), [&](const ChainLink& link) {
-        walk.follow(link);
-        return true;
-    });
+    return counter.points;
+}
+
+/// Counting gets no farther, but can be stopped.
+Progress PathWriter::progressHere(const Progress& progress) const {
+    const std::size_t links = std::max<std::size_t>(m_joined.links.size(), 1);
+    const double here = static_cast<double>(m_next) / static_cast<double>(links);
+    return progress.part(here, here);
 }
 
 } // namespace converters::drawing

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "converters/DrawingPath.h"
+#include "converters/detail/drawing/BlockSamples.h"
 #include "converters/detail/drawing/Chains.h"
 #include "converters/detail/drawing/PathSettings.h"
 #include "converters/detail/drawing/Progress.h"
@@ -8,6 +9,9 @@
 #include "converters/detail/drawing/dxf/Expansion.h"
 #include "converters/detail/drawing/dxf/LayerTable.h"
 
+#include <cstddef>
+#include <cstdint>
+#include <limits>
 #include <vector>
 
 namespace converters::drawing {
@@ -24,10 +28,43 @@ struct JoinedDrawing {
 ///
 /// Where the ends of joined entities differ, the second one is left out when it is within the
 /// tolerance; else a straight piece leads from one to the other.
-///
-/// @param path  gets points, contours, pieces and their curves, entities
-/// @throws Refusal  for more points than allowed, before memory is asked for more than two million
-void writeContours(const JoinedDrawing& joined, const PathSettings& settings, DrawingPath& path,
-                   const Progress& progress);
+class PathWriter {
+public:
+    static constexpr std::size_t all = std::numeric_limits<std::size_t>::max();
+
+    /// @param joined    what it refers to has to outlive this object
+    /// @param settings  how finely curves are sampled
+    PathWriter(const JoinedDrawing& joined, const PathSettings& settings)
+        : m_joined(joined), m_limits(settings.limits), m_samples(joined.drawing, m_limits) {}
+
+    /// Whether there are contours that are not written.
+    bool isAtEnd() const { return m_next == m_joined.links.size(); }
+
+    /// Writes the next contours.
+    ///
+    /// @param contours  has none; gets them
+    /// @param enough    when there are so many points, no further contour begins
+    /// @param report    gets the bounds of all points so far
+    /// @throws Refusal  for more points than allowed, before memory is asked for more than two
+    ///                  million
+    void write(PathContours& contours, std::size_t enough, PathReport& report,
+               const Progress& progress);
+
+    /// How many points the contours have that are not written.
+    ///
+    /// @throws Refusal  for more points than allowed
+    std::uint64_t countPoints(const Progress& progress);
+
+private:
+    Progress progressHere(const Progress& progress) const;
+
+    JoinedDrawing m_joined;
+    SamplingLimits m_limits;
+    BlockSamples m_samples;
+    /// The first link of what is not written, and the points of what is.
+    std::size_t m_next = 0;
+    std::size_t m_points = 0;
+    bool m_hasBounds = false;
+};
 
 } // namespace converters::drawing

@@ -17,7 +17,7 @@ namespace converters::drawing {
 namespace {
 
 /// Whether a closed contour may start at any of its points.
-bool startsAnywhere(const DrawingPath& path, const PathContour& contour) {
+bool startsAnywhere(const PathContours& path, const PathContour& contour) {
     const PathPiece& piece = path.pieces[contour.firstPiece];
     if (contour.endPiece - contour.firstPiece != 1) {
         return false;
@@ -27,7 +27,7 @@ bool startsAnywhere(const DrawingPath& path, const PathContour& contour) {
             path.ellipticArcs[piece.curve].minor != Vector(0, 0, 0));
 }
 
-std::vector<ContourVisit> visitsOf(const DrawingPath& path, PathOrder order,
+std::vector<ContourVisit> visitsOf(const PathContours& path, PathOrder order,
                                    const Progress& progress) {
     // Where pieces start, counted from the start of their contour.
     std::vector<std::size_t> starts;
@@ -67,7 +67,7 @@ void reverse(PathSpline& spline) {
 /// Moves contours from one path into another.
 class Mover {
 public:
-    Mover(DrawingPath& from, DrawingPath& to) : m_from(from), m_to(to) {}
+    Mover(PathContours& from, PathContours& to) : m_from(from), m_to(to) {}
 
     void move(const ContourVisit& visit);
 
@@ -78,8 +78,8 @@ private:
     void reverseCurve(const PathPiece& piece);
     void startElsewhere(const PathPiece& piece, const Point& start);
 
-    DrawingPath& m_from;
-    DrawingPath& m_to;
+    PathContours& m_from;
+    PathContours& m_to;
 };
 
 void Mover::move(const ContourVisit& visit) {
@@ -185,12 +185,12 @@ void Mover::startElsewhere(const PathPiece& piece, const Point& start) {
 
 } // namespace
 
-void reorder(DrawingPath& path, PathOrder order, const Progress& progress) {
+void reorder(PathContours& path, PathOrder order, const Progress& progress) {
     if (order == PathOrder::drawn || path.contours.empty()) {
         return;
     }
     const std::vector<ContourVisit> visits = visitsOf(path, order, progress);
-    DrawingPath moved;
+    PathContours moved;
     base::reserveLarge(moved.points, path.points.size());
     base::reserveLarge(moved.contours, path.contours.size());
     base::reserveLarge(moved.pieces, path.pieces.size());

@@ -10,6 +10,6 @@ namespace converters::drawing {
 ///
 /// A contour that is turned round has its pieces the other way round, too; its entities stay in
 /// their order, of which the first is the one that its layer and colour are of.
-void reorder(DrawingPath& path, PathOrder order, const Progress& progress);
+void reorder(PathContours& path, PathOrder order, const Progress& progress);
 
 } // namespace converters::drawing

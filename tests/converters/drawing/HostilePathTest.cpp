@@ -1,10 +1,11 @@
 // What readPath makes of drawings that are broken or made to hurt: never a crash, never a number
 // that is none, and no more memory than the file and the most points account for. The time is
 // counted in instructions: tests/instructions/growth.py.
-#include "converters/DrawingPath.h"
+#include "converters/PathReader.h"
 #include "tests/support/HostilePathDrawings.h"
 #include "tests/support/Pieces.h"
 #include "tests/support/Random.h"
+#include "tests/support/Repeated.h"
 
 #ifdef CONVERTERS_COUNTED_MEMORY
 #include "tests/support/FailingAllocator.h"
@@ -634,6 +635,24 @@ TEST(HostilePath, WhatIsPassedOverTakesNoMemoryInAFileThatComesInPieces) {
     EXPECT_EQ(path.points.size(), 2U);
     EXPECT_EQ(comments, 0U);
     EXPECT_LE(allocator::peakBytes() - before, std::size_t{1} << 17);
+}
+
+TEST(HostilePath, ContoursThatAreReadOneAfterAnotherTakeTheMemoryOfOne) {
+    const std::string drawing = drawingOf(repeated(60'000, "0\nCIRCLE\n10\n1\n20\n2\n40\n1000\n"));
+    const std::size_t before = allocator::liveBytes();
+    allocator::forgetPeak();
+    converters::PathReader reader(drawing.data(), drawing.size());
+    ASSERT_TRUE(reader.open());
+    const std::size_t peakOfOpening = allocator::peakBytes() - before;
+    converters::PathContours contours;
+    std::size_t points = 0;
+    do {
+        ASSERT_TRUE(reader.read(contours));
+        points += contours.points.size();
+    } while (!contours.contours.empty());
+    EXPECT_GT(points * sizeof contours.points[0], std::size_t{20} << 20);
+    EXPECT_LE(peakOfOpening, std::size_t{1} << 20);
+    EXPECT_LE(allocator::peakBytes() - before, std::size_t{1} << 20);
 }
 
 #endif

@@ -307,7 +307,7 @@ Colour colourOf(const Entity& entity, const Placement& placement, const LayerTab
     }
     const std::uint32_t layer = layerOf(entity.layer, placement, layers);
     const bool isByLayer = entity.colour == colourByLayer || entity.colour == colourByBlock;
-    const std::uint16_t index = isByLayer ? layers[layer].colour : entity.colour;
+    const std::uint16_t index = isByLayer ? layers.colour(layer) : entity.colour;
     const bool isLayers = entity.trueColour == noTrueColour && entity.colour == colourByLayer;
     return {index, isLayers ? layers.trueColour(layer) : entity.trueColour};
 }

@@ -8,6 +8,8 @@ namespace converters::drawing {
 
 namespace {
 
+constexpr std::uint16_t blackOrWhite = 7;
+
 std::vector<std::string> folded(const std::vector<std::string>& patterns) {
     std::vector<std::string> result;
     std::transform(patterns.begin(), patterns.end(), std::back_inserter(result),
@@ -31,7 +33,6 @@ LayerTable::LayerTable(const Drawing& drawing, const TextDecoder& decoder,
 }
 
 void LayerTable::addNames(const Drawing& drawing, const TextDecoder& decoder) {
-    constexpr std::uint16_t blackOrWhite = 7;
     std::unordered_map<std::string, std::uint32_t> layers;
     for (const std::string_view raw : drawing.layerNames.names()) {
         std::string name = decoder.decoded(raw);
@@ -45,6 +46,7 @@ void LayerTable::addNames(const Drawing& drawing, const TextDecoder& decoder) {
 }
 
 void LayerTable::addEntries(const Drawing& drawing) {
+    m_colours.resize(m_layers.size(), blackOrWhite);
     m_trueColours.resize(m_layers.size(), noTrueColour);
     for (const LayerEntry& entry : drawing.layers) {
         const std::uint32_t number = layerOf(entry.name);
@@ -52,6 +54,7 @@ void LayerTable::addEntries(const Drawing& drawing) {
         layer.colour = entry.colour;
         layer.off = entry.off;
         layer.frozen = entry.frozen;
+        m_colours[number] = entry.colour;
         m_trueColours[number] = entry.trueColour;
     }
 }

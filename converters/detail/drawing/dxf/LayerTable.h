@@ -23,6 +23,9 @@ public:
 
     const PathLayer& operator[](std::uint32_t layer) const { return m_layers[layer]; }
 
+    /// The colour of a layer, 1 to 255.
+    std::uint16_t colour(std::uint32_t layer) const { return m_colours[layer]; }
+
     /// The colour of a layer as 0xRRGGBB, or noTrueColour.
     std::int32_t trueColour(std::uint32_t layer) const { return m_trueColours[layer]; }
 
@@ -32,6 +35,7 @@ public:
     /// Whether the layer is frozen, and frozen layers are not asked for.
     bool isFrozen(std::uint32_t layer) const { return m_layers[layer].frozen && !m_takesHidden; }
 
+    /// Nothing but numbers and colours of layers is known afterwards.
     std::vector<PathLayer> takeLayers() { return std::move(m_layers); }
 
 private:
@@ -40,6 +44,7 @@ private:
     void findAsked(const PathOptions& options);
 
     std::vector<PathLayer> m_layers;
+    std::vector<std::uint16_t> m_colours;
     std::vector<std::int32_t> m_trueColours;
     std::vector<bool> m_asked;
     std::vector<std::uint32_t> m_layerOfName;

@@ -1,10 +1,12 @@
 #include "tests/converters/drawing/support/PathReading.h"
 
 #include "tests/support/PathBytes.h"
+#include "tests/support/PathInParts.h"
 #include "tests/support/Pieces.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <sstream>
 
@@ -16,8 +18,8 @@ using Point = cv::Point3_<double>;
 
 namespace {
 
-/// Reads a file that comes in pieces, as it is to give the same; of small files, a piece ends at
-/// every byte.
+/// Reads a file that comes in pieces, and its path in parts, as both are to give the same; of small
+/// files, a piece ends at every byte, and every contour is a part.
 void expectSameInPieces(const std::string& file, converters::PathOptions options,
                         const converters::ReadResult& result, const DrawingPath& path) {
     constexpr std::size_t smallFile = 2000;
@@ -26,6 +28,21 @@ void expectSameInPieces(const std::string& file, converters::PathOptions options
         return;
     }
     options.progress = nullptr;
+    const bool isReordered = options.order != converters::PathOrder::drawn;
+    // Counting what is left costs as much as reading it, for each part again.
+    const std::size_t few = std::max<std::size_t>(path.points.size() / 50, 1);
+    for (const std::size_t points : {std::size_t{0}, std::size_t{2}, few}) {
+        if (points == few || path.points.size() < smallFile) {
+            DrawingPath again;
+            const converters::ReadResult resultAgain =
+                readInParts({file.data(), file.size(), options},
+                            isReordered ? path.points.size() : points, again);
+            EXPECT_EQ(resultAgain.reason, result.reason) << "in parts of " << points << " points";
+            EXPECT_EQ(resultAgain.line, result.line);
+            EXPECT_TRUE(!result || bytesOf(again) == bytesOf(path))
+                << "in parts of " << points << " points";
+        }
+    }
     for (const std::size_t piece : {1, 37, 5000}) {
         if (piece == 5000 || file.size() < smallFile) {
             DrawingPath again;
