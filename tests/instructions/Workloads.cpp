@@ -2,7 +2,7 @@
 // counts.py.
 
 #include "converters/Converters.h"
-#include "converters/DrawingPath.h"
+#include "converters/PathReader.h"
 #include "converters/Scan.h"
 #include "converters/ScanWriter.h"
 #include "dxfeditor/DXFDocument.h"
@@ -182,11 +182,24 @@ void countPath(const char* name, const std::string& drawing, converters::PathOrd
     });
 }
 
+/// A few contours at a time.
+void countPathInParts(const std::string& drawing) {
+    count("PathReader", [&] {
+        converters::PathReader reader(drawing.data(), drawing.size());
+        converters::PathContours contours;
+        require(reader.open().success);
+        do {
+            require(reader.read(contours).success);
+        } while (!contours.contours.empty());
+    });
+}
+
 void countPaths() {
     constexpr std::size_t entities = 2000;
     const std::string plain = pathDrawing(entities, PathDrawingKind::plain);
     const std::string blocks = pathDrawing(entities, PathDrawingKind::inBlocks);
     countPath("readPath", plain, converters::PathOrder::drawn);
+    countPathInParts(plain);
     countPath("readPath-blocks", blocks, converters::PathOrder::drawn);
     countPath("readPath-nearest", plain, converters::PathOrder::nearest);
     countPath("readPath-inside-first", plain, converters::PathOrder::insideFirst);
