@@ -38,8 +38,15 @@ bool isSameInHeight(const Affine& map, double scale) {
 
 } // namespace
 
+const BlockSamples::Samples* BlockSamples::find(const ChainLink* link) {
+    if (link == nullptr || link->reversed || !m_joined.placementOf(*link).isBlock) {
+        return nullptr;
+    }
+    return find(m_joined.expansion.drawn[link->drawn].entity, m_joined.placementOf(*link).map);
+}
+
 const BlockSamples::Samples* BlockSamples::find(std::uint32_t entity, const Affine& map) {
-    const EntityKind kind = m_drawing.entities[entity].kind;
+    const EntityKind kind = m_joined.drawing.entities[entity].kind;
     if (kind != EntityKind::ellipse && kind != EntityKind::spline) {
         return nullptr;
     }
@@ -62,7 +69,8 @@ const BlockSamples::Samples* BlockSamples::find(std::uint32_t entity, const Affi
 void BlockSamples::sample(std::uint32_t entity, Samples& samples) {
     constexpr std::size_t mostPoints = 1 << 18;
     const Affine identity;
-    const Curve curve = EntityCurves(m_drawing, m_drawing.entities[entity], identity)[0];
+    const Curve curve =
+        EntityCurves(m_joined.drawing, m_joined.drawing.entities[entity], identity)[0];
     SamplingLimits limits = m_limits;
     // By less than what was taken for equal above.
     limits.tolerance = m_limits.tolerance / samples.scale * (1 - 4 * rounding);

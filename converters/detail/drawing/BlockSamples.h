@@ -1,6 +1,7 @@
 #pragma once
 
-#include "converters/detail/drawing/dxf/Drawing.h"
+#include "converters/detail/drawing/Chains.h"
+#include "converters/detail/drawing/JoinedDrawing.h"
 #include "converters/detail/drawing/geometry/Affine.h"
 #include "converters/detail/drawing/sampling/Sampling.h"
 
@@ -15,10 +16,10 @@ namespace converters::drawing {
 /// equally large, a curve has the same points, in the coordinates of its block.
 class BlockSamples {
 public:
-    /// @param drawing  has to outlive this object
-    /// @param limits   where the curves are drawn
-    BlockSamples(const Drawing& drawing, const SamplingLimits& limits)
-        : m_drawing(drawing), m_limits(limits) {}
+    /// @param joined  has to outlive this object
+    /// @param limits  where the curves are drawn
+    BlockSamples(const JoinedDrawing& joined, const SamplingLimits& limits)
+        : m_joined(joined), m_limits(limits) {}
 
     /// Those of a curve, behind its start, in the coordinates of its block.
     struct Samples {
@@ -32,16 +33,17 @@ public:
         bool isFlat = false;
     };
 
-    /// @param entity  index into Drawing::entities
-    /// @param map     how its block is drawn
-    /// @return null for other kinds of entity, and where the block is stretched or drawn in another
-    ///         size than the first time. Valid until the next call
-    const Samples* find(std::uint32_t entity, const Affine& map);
+    /// @param link  that a curve is of; null for what is of no entity
+    /// @return null for most curves: those of the drawing itself, of other kinds of entity, and
+    ///         where the block is stretched or drawn in another size than the first time. Valid
+    ///         until the next call
+    const Samples* find(const ChainLink* link);
 
 private:
+    const Samples* find(std::uint32_t entity, const Affine& map);
     void sample(std::uint32_t entity, Samples& samples);
 
-    const Drawing& m_drawing;
+    const JoinedDrawing& m_joined;
     const SamplingLimits m_limits;
     /// By entity; without points where there are none to keep.
     std::unordered_map<std::uint32_t, Samples> m_kept;

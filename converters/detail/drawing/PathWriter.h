@@ -2,27 +2,16 @@
 
 #include "converters/DrawingPath.h"
 #include "converters/detail/drawing/BlockSamples.h"
-#include "converters/detail/drawing/Chains.h"
+#include "converters/detail/drawing/JoinedDrawing.h"
 #include "converters/detail/drawing/PathSettings.h"
 #include "converters/detail/drawing/Progress.h"
-#include "converters/detail/drawing/dxf/Drawing.h"
-#include "converters/detail/drawing/dxf/Expansion.h"
-#include "converters/detail/drawing/dxf/LayerTable.h"
+#include "converters/detail/drawing/sampling/Sampling.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <limits>
-#include <vector>
 
 namespace converters::drawing {
-
-/// What contours are written from.
-struct JoinedDrawing {
-    const Drawing& drawing;
-    const Expansion& expansion;
-    const LayerTable& layers;
-    const std::vector<ChainLink>& links;
-};
 
 /// Writes contours: their points, exact pieces and entities.
 ///
@@ -35,7 +24,10 @@ public:
     /// @param joined    what it refers to has to outlive this object
     /// @param settings  how finely curves are sampled
     PathWriter(const JoinedDrawing& joined, const PathSettings& settings)
-        : m_joined(joined), m_limits(settings.limits), m_samples(joined.drawing, m_limits) {}
+        : m_joined(joined), m_limits(settings.limits), m_samples(m_joined, m_limits) {}
+
+    PathWriter(const PathWriter&) = delete;
+    PathWriter& operator=(const PathWriter&) = delete;
 
     /// Whether there are contours that are not written.
     bool isAtEnd() const { return m_next == m_joined.links.size(); }

@@ -1,0 +1,80 @@
+#pragma once
+
+#include "converters/DrawingPath.h"
+#include "converters/detail/drawing/BlockSamples.h"
+#include "converters/detail/drawing/Chains.h"
+#include "converters/detail/drawing/JoinedDrawing.h"
+#include "converters/detail/drawing/dxf/Drawing.h"
+#include "converters/detail/drawing/dxf/Expansion.h"
+#include "converters/detail/drawing/geometry/Affine.h"
+#include "converters/detail/drawing/geometry/Curve.h"
+#include "converters/detail/drawing/sampling/Sampling.h"
+
+#include <cstddef>
+#include <cstdint>
+
+namespace converters::drawing {
+
+/// Writes contours.
+class ContourWriter {
+public:
+    /// @param mostPoints  how many points there is room for
+    /// @param written     gets the contours
+    /// @param report      gets the bounds of all points so far
+    /// @param hasBounds   whether it has bounds
+    ContourWriter(const JoinedDrawing& joined, const SamplingLimits& limits, std::size_t mostPoints,
+                  BlockSamples& samples, PathContours& written, PathReport& report,
+                  bool& hasBounds);
+
+    /// What a ContourWalk tells.
+    void begin(const Point& start);
+    void entity(const Entity& entity, const Placement& placement);
+    void curve(Curve&& curve, const ChainLink* link);
+    void end(bool closed, const Point& start);
+
+    /// Whether there was no room for a curve. What came since is to be taken back.
+    bool isFull() const { return m_isFull; }
+
+    /// What was written before.
+    class Mark {
+    public:
+        explicit Mark(const ContourWriter& writer);
+        void takeBack(ContourWriter& writer) const;
+
+    private:
+        std::size_t m_points;
+        std::size_t m_contours;
+        std::size_t m_pieces;
+        std::size_t m_entities;
+        std::size_t m_arcs;
+        std::size_t m_ellipticArcs;
+        std::size_t m_splines;
+        PathContour m_contour;
+    };
+
+    /// There is room for so many points now.
+    void goOn(std::size_t mostPoints) {
+        m_limits.maximumPoints = mostPoints;
+        m_isFull = false;
+    }
+
+private:
+    std::uint32_t keep(Curve&& curve, PathCurveKind& kind);
+
+    bool append(const Curve& curve);
+    bool append(const BlockSamples::Samples& samples, const Affine& map, const Point& end);
+
+    void extendBounds();
+
+    const JoinedDrawing& m_joined;
+    /// For all points together.
+    SamplingLimits m_limits;
+    BlockSamples& m_samples;
+    PathContours& m_written;
+    PathReport& m_report;
+    bool& m_hasBounds;
+    PathContour m_contour{};
+    bool m_isFull = false;
+};
+
+} // namespace converters::drawing
