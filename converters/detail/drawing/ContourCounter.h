@@ -1,15 +1,14 @@
 #pragma once
 
-#include "converters/DrawingPath.h"
 #include "converters/detail/drawing/BlockSamples.h"
 #include "converters/detail/drawing/Chains.h"
+#include "converters/detail/drawing/PathSizes.h"
 #include "converters/detail/drawing/dxf/Drawing.h"
 #include "converters/detail/drawing/dxf/Expansion.h"
 #include "converters/detail/drawing/geometry/Curve.h"
 #include "converters/detail/drawing/sampling/Sampling.h"
 
 #include <cstddef>
-#include <cstdint>
 
 namespace converters::drawing {
 
@@ -20,7 +19,8 @@ public:
     /// @param mostPoints  more are refused
     /// @param written     is counted as well
     ContourCounter(const SamplingLimits& limits, std::size_t mostPoints, BlockSamples& samples,
-                   const PathContours& written);
+                   const PathSizes& written)
+        : m_limits(limits), m_mostPoints(mostPoints), m_samples(samples), m_sizes(written) {}
 
     /// What a ContourWalk tells.
     void begin(const Point& start);
@@ -28,9 +28,7 @@ public:
     void curve(const Curve& curve, const ChainLink* link);
     void end(bool closed, const Point& start);
 
-    std::uint64_t points() const { return m_points; }
-
-    void reserveIn(PathContours& contours) const;
+    const PathSizes& sizes() const { return m_sizes; }
 
 private:
     void addPoints(std::size_t number);
@@ -38,13 +36,7 @@ private:
     const SamplingLimits& m_limits;
     std::size_t m_mostPoints;
     BlockSamples& m_samples;
-    std::uint64_t m_points;
-    std::size_t m_contours;
-    std::size_t m_pieces;
-    std::size_t m_entities;
-    std::size_t m_arcs;
-    std::size_t m_ellipticArcs;
-    std::size_t m_splines;
+    PathSizes m_sizes;
     std::size_t m_piecesOfContour = 0;
 };
 

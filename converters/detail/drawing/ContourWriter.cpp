@@ -46,22 +46,9 @@ ContourWriter::ContourWriter(const JoinedDrawing& joined, const SamplingLimits& 
     m_limits.maximumPoints = mostPoints;
 }
 
-ContourWriter::Mark::Mark(const ContourWriter& writer)
-    : m_points(writer.m_written.points.size()), m_contours(writer.m_written.contours.size()),
-      m_pieces(writer.m_written.pieces.size()), m_entities(writer.m_written.entities.size()),
-      m_arcs(writer.m_written.arcs.size()), m_ellipticArcs(writer.m_written.ellipticArcs.size()),
-      m_splines(writer.m_written.splines.size()), m_contour(writer.m_contour) {}
-
-void ContourWriter::Mark::takeBack(ContourWriter& writer) const {
-    PathContours& written = writer.m_written;
-    written.points.resize(m_points);
-    written.contours.resize(m_contours);
-    written.pieces.resize(m_pieces);
-    written.entities.resize(m_entities);
-    written.arcs.resize(m_arcs);
-    written.ellipticArcs.resize(m_ellipticArcs);
-    written.splines.resize(m_splines);
-    writer.m_contour = m_contour;
+void ContourWriter::takeBackTo(const Mark& mark) {
+    cutTo(mark.sizes, m_written);
+    m_contour = mark.contour;
 }
 
 void ContourWriter::begin(const Point& start) {

@@ -4,6 +4,7 @@
 #include "converters/detail/drawing/BlockSamples.h"
 #include "converters/detail/drawing/Chains.h"
 #include "converters/detail/drawing/JoinedDrawing.h"
+#include "converters/detail/drawing/PathSizes.h"
 #include "converters/detail/drawing/dxf/Drawing.h"
 #include "converters/detail/drawing/dxf/Expansion.h"
 #include "converters/detail/drawing/geometry/Affine.h"
@@ -36,21 +37,13 @@ public:
     bool isFull() const { return m_isFull; }
 
     /// What was written before.
-    class Mark {
-    public:
-        explicit Mark(const ContourWriter& writer);
-        void takeBack(ContourWriter& writer) const;
-
-    private:
-        std::size_t m_points;
-        std::size_t m_contours;
-        std::size_t m_pieces;
-        std::size_t m_entities;
-        std::size_t m_arcs;
-        std::size_t m_ellipticArcs;
-        std::size_t m_splines;
-        PathContour m_contour;
+    struct Mark {
+        PathSizes sizes;
+        PathContour contour;
     };
+
+    Mark mark() const { return {sizesOf(m_written), m_contour}; }
+    void takeBackTo(const Mark& mark);
 
     /// There is room for so many points now.
     void goOn(std::size_t mostPoints) {

@@ -1,9 +1,9 @@
 #include "converters/detail/drawing/PathWriter.h"
 
-#include "base/LargePages.h"
 #include "converters/detail/drawing/ContourCounter.h"
 #include "converters/detail/drawing/ContourWalk.h"
 #include "converters/detail/drawing/ContourWriter.h"
+#include "converters/detail/drawing/PathSizes.h"
 
 #include <algorithm>
 #include <cmath>
@@ -39,11 +39,13 @@ void reserveFor(const std::vector<ChainLink>& links, const SamplingLimits& limit
     constexpr std::size_t arcsOfOne = 2;
     const auto ends = static_cast<std::size_t>(std::count_if(
         links.begin(), links.end(), [](const ChainLink& link) { return link.endsChain; }));
-    base::reserveLarge(contours.points, std::min(entities * pointsOfOne, mostPoints));
-    base::reserveLarge(contours.pieces, std::min(entities * piecesOfOne, mostPoints));
-    base::reserveLarge(contours.arcs, std::min(entities * arcsOfOne, mostPoints));
-    base::reserveLarge(contours.entities, std::min(entities, mostPoints));
-    base::reserveLarge(contours.contours, std::min(ends, mostPoints));
+    PathSizes sizes;
+    sizes.points = std::min(entities * pointsOfOne, mostPoints);
+    sizes.pieces = std::min(entities * piecesOfOne, mostPoints);
+    sizes.arcs = std::min(entities * arcsOfOne, mostPoints);
+    sizes.entities = std::min(entities, mostPoints);
+    sizes.contours = std::min(ends, mostPoints);
+    reserve(sizes, contours);
 }
 
 } // namespace
@@ -67,27 +69,27 @@ void PathWriter::write(PathContours& contours, std::size_t enough, PathReport& r
         if (isEnough(walk.isInContour(), contours.points.size())) {
             return false;
         }
-        const ContourWriter::Mark mark(writer);
+        const ContourWriter::Mark mark = writer.mark();
         const ContourState state = walk.state();
         walk.follow(link);
         if (writer.isFull()) {
-            mark.takeBack(writer);
+            writer.takeBackTo(mark);
             walk.state() = state;
         }
         return !writer.isFull();
     });
     if (writer.isFull()) {
-        ContourCounter counter(m_limits, allowed, m_samples, contours);
+        ContourCounter counter(m_limits, allowed, m_samples, sizesOf(contours));
         ContourWalk<ContourCounter> counting(m_joined, m_limits.tolerance, counter);
         counting.state() = walk.state();
         followLinks(links, m_next, progressHere(progress), [&](const ChainLink& link) {
-            if (isEnough(counting.isInContour(), counter.points())) {
+            if (isEnough(counting.isInContour(), counter.sizes().points)) {
                 return false;
             }
             counting.follow(link);
             return true;
         });
-        counter.reserveIn(contours);
+        reserve(counter.sizes(), contours);
         writer.goOn(allowed);
         m_next = followLinks(links, m_next, progress, [&](const ChainLink& link) {
             if (isEnough(walk.isInContour(), contours.points.size())) {
@@ -101,14 +103,13 @@ void PathWriter::write(PathContours& contours, std::size_t enough, PathReport& r
 }
 
 std::uint64_t PathWriter::countPoints(const Progress& progress) {
-    const PathContours none;
-    ContourCounter counter(m_limits, m_limits.maximumPoints - m_points, m_samples, none);
+    ContourCounter counter(m_limits, m_limits.maximumPoints - m_points, m_samples, {});
     ContourWalk<ContourCounter> counting(m_joined, m_limits.tolerance, counter);
     followLinks(m_joined.links, m_next, progressHere(progress), [&](const ChainLink& link) {
         counting.follow(link);
         return true;
     });
-    return counter.points();
+    return counter.sizes().points;
 }
 
 /// Counting gets no farther, but can be stopped.
