@@ -35,14 +35,18 @@ public:
         : m_openWindow(std::move(openWindow)), m_options(options) {}
 
     ReadResult open() {
-        return run([this] { m_decoder.emplace(m_openWindow(), m_options); });
+        if (m_decoder) {
+            return m_result;
+        }
+        const auto openWindow = std::exchange(m_openWindow, nullptr);
+        return run([&] { m_decoder.emplace(openWindow(), m_options); });
     }
 
     ReadResult read(PathContours& contours, std::size_t points) {
         clear(contours);
         // The caller's are empty when the work ends with an exception.
         PathContours read = std::move(contours);
-        const ReadResult result = run([&] { decoder().write(read, points); });
+        const ReadResult result = runOpened([&] { m_decoder->write(read, points); });
         if (result) {
             contours = std::move(read);
         }
@@ -51,17 +55,18 @@ public:
 
     ReadResult countPoints(std::uint64_t& points) {
         points = 0;
-        return run([&] { points = decoder().countPoints(); });
+        return runOpened([&] { points = m_decoder->countPoints(); });
     }
 
     const PathReport& report() const { return m_decoder ? m_decoder->report() : m_noReport; }
 
 private:
-    PathDecoder& decoder() {
-        if (!m_decoder) {
-            throw Refusal{"the drawing was not opened"};
+    template <typename Work>
+    ReadResult runOpened(Work work) {
+        if (m_result && !m_decoder) {
+            return {false, "the drawing was not opened", 0};
         }
-        return *m_decoder;
+        return run(work);
     }
 
     /// Runs a part of the work; its first failure stays.

@@ -12,9 +12,8 @@
 
 namespace converters {
 
-/// Reads the path of a drawing a few contours at a time: what is in memory is the drawing, as it is
-/// without points, and the points of these contours. A drawing of a million entities takes a fifth
-/// of the memory that its whole path does.
+/// Reads the path of a drawing a few contours at a time: in memory are its entities, and the points
+/// of these contours.
 ///
 ///     PathReader reader(std::filesystem::path("drawing.dxf"));
 ///     PathContours contours;
@@ -23,7 +22,7 @@ namespace converters {
 ///         follow(contours);
 ///
 /// The contours are those of readPath(), in its order. Where another order than that of the drawing
-/// is asked for, all come at once.
+/// is asked for, all come at once, and all their points are in memory.
 ///
 /// A reader is used by one thread at a time.
 class CONVERTERS_EXPORT PathReader {
@@ -54,9 +53,9 @@ public:
 
     /// Reads the drawing, to its end; to be called once, before all that follows.
     ///
-    /// @return a failure, with its reason, where readPath() has one; but more points than allowed
-    ///         are found by read() and countPoints()
-    /// @throws what the source throws, and std::bad_alloc
+    /// @return a failure, with its reason, where readPath() has one; but of too many points, often
+    ///         only read() and countPoints() know
+    /// @throws as readPath(): std::bad_alloc, and what the source or `progress` throws
     ReadResult open();
 
     /// What there is to say of the path; from open() on everything but its bounds and lengths,
@@ -65,21 +64,20 @@ public:
 
     /// Reads the next contours.
     ///
-    /// @param contours  replaced by them; their ranges and indexes are those of its own arrays.
-    /// Empty
-    ///                  when there are no more, and after a failure
+    /// @param contours  replaced by them, which their ranges and indexes refer to; empty when there
+    ///                  are no more, and when reading fails
     /// @param points    contours follow until they have so many points; the last one is whole
     /// @return a failure, with its reason, when the path has more points than allowed or `progress`
-    ///         stops the work; every later call gives the same
-    /// @throws std::bad_alloc
+    ///         stops the work; every later call gives the same. A failure, too, before open()
+    /// @throws as readPath()
     ReadResult read(PathContours& contours, std::size_t points = 4096);
 
     /// Counts the points of the contours that read() has not given yet, in less time than reading
     /// them takes: for formats that say first how many points follow.
     ///
-    /// @param points  set to their number; 0 after a failure
+    /// @param points  set to their number; 0 when counting fails
     /// @return as read()
-    /// @throws std::bad_alloc
+    /// @throws as readPath()
     ReadResult countPoints(std::uint64_t& points);
 
 private:

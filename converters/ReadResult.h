@@ -7,7 +7,7 @@ namespace converters {
 
 /// What became of reading a file: success, or the reason why not, in words for a person.
 struct ReadResult {
-    /// Whether the file was read. What the reader was to fill is untouched when not.
+    /// Whether the file was read. What is read as a whole is untouched when not.
     bool success = false;
     /// Why the file was refused, without a full stop, where known with the place in front: "line
     /// 12: '1,5' is no number; a decimal comma?". Empty after success.

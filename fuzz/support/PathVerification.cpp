@@ -185,7 +185,7 @@ void verifyReadPath(const std::uint8_t* bytes, std::size_t size) {
     FUZZ_VERIFY(resultAgain.reason == result.reason && resultAgain.line == result.line);
     DrawingPath parts;
     const ReadResult resultInParts =
-        readInParts({bytes, size, options}, pointsOfPart(options, piece), parts);
+        readInParts({bytes, size, options}, pointsOfPart(options, piece), parts, piece % 2 == 0);
     FUZZ_VERIFY(resultInParts.reason == result.reason && resultInParts.line == result.line);
     if (!result) {
         FUZZ_VERIFY(path.wayLength == -1 && path.points.empty() && path.leftOut.empty());

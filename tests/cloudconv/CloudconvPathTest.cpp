@@ -171,6 +171,8 @@ TEST_F(CloudconvPath, WritesNothingOfADrawingOfTooManyPoints) {
         const ProgramResult streamed = run({file, "-", "--to", "csv", "--max-points", most});
         EXPECT_EQ(streamed.status, 1);
         EXPECT_EQ(streamed.output, "");
+        EXPECT_EQ(run({file, in("missing") / "out.csv", "--max-points", most}).errors,
+                  result.errors);
     }
 }
 
@@ -188,6 +190,22 @@ TEST_F(CloudconvPath, TakesTheMemoryOfTheDrawingNotThatOfItsPoints) {
         const long many = memoryFor("0.001");
         EXPECT_LT(many, few + room);
         EXPECT_GT(fs::file_size(in("out" + extension)), 30'000'000U);
+    }
+}
+
+TEST_F(CloudconvPath, TakesThePointsOfAContourOnce) {
+    if (!unmeasuredMemory().empty()) {
+        GTEST_SKIP() << unmeasuredMemory();
+    }
+    constexpr long room = 16L << 10;
+    constexpr long points = 3'000'000;
+    constexpr long kibibytes = points * 24 / 1024;
+    const fs::path file = drawingFile(inMillimetres(line(0, 0, points, 0)));
+    for (const std::string extension : {".ply", ".csv"}) {
+        const auto memoryFor = [&](const std::string& step) {
+            return mostMemoryOf({file, in("out" + extension), "-q", "--step", step});
+        };
+        EXPECT_LT(memoryFor("1"), memoryFor("1000") + kibibytes + room) << extension;
     }
 }
 

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <string>
 #include <utility>
+#include <vector>
 
 using converters::DrawingPath;
 using converters::PathContours;
@@ -55,40 +56,53 @@ void append(const PathContours& part, DrawingPath& path) {
     append(part.entities, path.entities);
 }
 
-/// Whether no contour follows when there are points enough, and one does while there are not.
-bool hasLength(const PathContours& part, std::size_t points, std::uint64_t left) {
-    const bool isLast = part.points.size() == left;
-    return part.contours.size() == 1 ||
-           (part.contours.back().firstPoint < points && (isLast || part.points.size() >= points));
+/// Whether no contour follows when there are points enough.
+bool endsInTime(const PathContours& part, std::size_t points) {
+    return part.contours.size() == 1 || part.contours.back().firstPoint < points;
+}
+
+/// Why the points that were counted are not those that came; empty when they are.
+std::string miscounted(std::uint64_t counted, std::size_t came) {
+    return counted == came ? ""
+                           : std::to_string(counted) + " points were counted, " +
+                                 std::to_string(came) + " came";
 }
 
 } // namespace
 
-ReadResult readInParts(converters::PathReader reader, std::size_t points, DrawingPath& path) {
+ReadResult readInParts(converters::PathReader reader, std::size_t points, DrawingPath& path,
+                       bool counts) {
     DrawingPath whole;
     PathContours part;
-    std::uint64_t left = 0;
+    // The points to come after those that came, each time.
+    std::vector<std::pair<std::size_t, std::uint64_t>> counted;
+    bool isShort = false;
     ReadResult result = reader.open();
-    if (!result || !(result = reader.countPoints(left))) {
+    while (result) {
+        std::uint64_t left = 0;
+        if (counts && !(result = reader.countPoints(left))) {
+            return result;
+        }
+        counted.emplace_back(whole.points.size(), left);
+        if (!(result = reader.read(part, points)) || part.contours.empty()) {
+            break;
+        }
+        if (isShort || !endsInTime(part, points)) {
+            return {false, "a part has too few points, or too many", 0};
+        }
+        isShort = part.points.size() < points;
+        append(part, whole);
+    }
+    if (!result) {
         return result;
     }
-    while ((result = reader.read(part, points)) && !part.contours.empty()) {
-        if (!hasLength(part, points, left)) {
-            return {false, "a part of " + std::to_string(part.points.size()) + " points", 0};
-        }
-        append(part, whole);
-        left -= part.points.size();
-        std::uint64_t counted = 0;
-        if (!(result = reader.countPoints(counted)) || counted != left) {
-            return {false,
-                    std::to_string(counted) + " points are counted where " + std::to_string(left) +
-                        " are left",
-                    0};
+    for (const auto& [before, left] : counted) {
+        const std::string reason = miscounted(left, whole.points.size() - before);
+        if (counts && !reason.empty()) {
+            return {false, reason, 0};
         }
     }
-    if (result) {
-        static_cast<converters::PathReport&>(whole) = reader.report();
-        path = std::move(whole);
-    }
+    static_cast<converters::PathReport&>(whole) = reader.report();
+    path = std::move(whole);
     return result;
 }

@@ -99,78 +99,96 @@ public:
     PointConversion(PathFileReader& reader, const ConvertOptions& options)
         : m_reader(reader), m_options(options) {}
 
-    /// Reads all points of a drawing that is not large, the first ones of others.
+    /// Reads the first contours, and counts all points.
     void begin() {
-        constexpr std::size_t few = mostKept / 8;
-        while (!m_isAtEnd && m_records.size() < mostKept) {
-            readSome();
-            if (m_records.size() > few) {
-                base::reserveLarge(m_records, mostKept + mostKept / 16);
+        while (readSome() && m_records.size() + m_contours.points.size() <= mostKept) {
+            if (m_records.size() + m_contours.points.size() > mostKept / 8) {
+                base::reserveLarge(m_records, mostKept);
             }
+            makeRecords([] {});
         }
+        m_points = m_totals.points + m_reader.countPoints();
     }
 
+    /// All points.
+    std::size_t points() const { return m_points; }
     /// What has been read.
     const PathTotals& totals() const { return m_totals; }
 
-    /// Reads the other points, and writes all.
-    void writeTo(OutputFile& file, const ScanLayout& layout, FileFormat to) {
-        const std::size_t points =
-            m_totals.points + (m_isAtEnd ? std::size_t{0} : m_reader.countPoints());
+    /// Writes all points, and reads those that are still to be read.
+    void writeTo(OutputFile& file, const ScanLayout& layout, FileFormat to, Progress& progress) {
         converters::ScanWriteOptions writing;
         writing.digits = m_options.digits;
         if (to == FileFormat::Ply) {
-            writing.width = points;
-            writing.height = points == 0 ? 0 : 1;
+            writing.width = m_points;
+            writing.height = m_points == 0 ? 0 : 1;
         }
         converters::ScanWriter writer(sinkTo(file), layout, pointOutputOf(to, m_options.ascii),
                                       writing);
-        writer.begin(points);
-        write(writer);
-        while (!m_isAtEnd) {
+        std::size_t written = 0;
+        const auto writeRecords = [&] {
+            for (std::size_t i = 0; i < m_records.size(); i += blockSize) {
+                const std::size_t size = std::min(blockSize, m_records.size() - i);
+                static_cast<void>(writer.write(&m_records[i], size));
+                written += size;
+                progress.reached(written);
+            }
+            m_records.clear();
+        };
+        writer.begin(m_points);
+        writeRecords();
+        while (!m_contours.contours.empty()) {
+            makeRecords([&] {
+                if (m_records.size() == blockSize) {
+                    writeRecords();
+                }
+            });
+            writeRecords();
             readSome();
-            write(writer);
         }
         static_cast<void>(writer.finish());
     }
 
 private:
-    // PLY files say in front how many points there are: what is known of larger drawings has to be
-    // found by following them twice.
+    // Points come behind their number in a PLY file, and in no file when they are too many. So
+    // drawings of more points than these are followed twice: to count, and to write.
     static constexpr std::size_t mostKept = std::size_t{1} << 18;
+    // Few enough to stay in the second cache.
+    static constexpr std::size_t blockSize = 4096;
 
-    void readSome() {
-        m_isAtEnd = !m_reader.read(m_contours);
-        for (const PathContour& contour : m_contours.contours) {
-            ++m_number;
-            const double number = m_options.intensity.value_or(static_cast<float>(m_number));
-            for (std::size_t i = contour.firstPoint; i < contour.endPoint; ++i) {
-                m_records.emplace_back(m_contours.points[i], number);
-            }
-        }
+    /// @return false when there are no more contours
+    bool readSome() {
+        const bool isSome = m_reader.read(m_contours);
         add(m_contours, m_totals);
         if (std::is_same_v<Record, FloatPoint> && !m_options.quiet) {
             addMoves(m_contours, m_totals);
         }
+        return isSome;
     }
 
-    void write(converters::ScanWriter& writer) {
-        // Few enough to stay in the second cache.
-        constexpr std::size_t blockSize = 4096;
-        for (std::size_t i = 0; i < m_records.size(); i += blockSize) {
-            const std::size_t size = std::min(blockSize, m_records.size() - i);
-            static_cast<void>(writer.write(&m_records[i], size));
+    /// @param added  called behind each record
+    template <typename Added>
+    void makeRecords(const Added& added) {
+        for (const PathContour& contour : m_contours.contours) {
+            m_number += 1.0;
+            const double number =
+                m_options.intensity ? static_cast<double>(*m_options.intensity) : m_number;
+            for (std::size_t i = contour.firstPoint; i < contour.endPoint; ++i) {
+                m_records.emplace_back(m_contours.points[i], number);
+                added();
+            }
         }
-        m_records.clear();
     }
 
     PathFileReader& m_reader;
     const ConvertOptions& m_options;
+    /// Those read last.
     PathContours m_contours;
+    /// Of contours before these.
     std::vector<Record> m_records;
+    std::size_t m_points = 0;
     PathTotals m_totals;
-    std::size_t m_number = 0;
-    bool m_isAtEnd = false;
+    double m_number = 0.0;
 };
 
 /// What the reader had to assume.
@@ -236,8 +254,9 @@ private:
         PointConversion<Record> conversion(reader, m_options);
         conversion.begin();
         checkThatSomethingIsLeft(conversion.totals(), reader.report());
+        m_progress.begin("writing " + outputName(m_options.output), conversion.points());
         OutputFile file(m_options.output);
-        conversion.writeTo(file, layout, m_to);
+        conversion.writeTo(file, layout, m_to, m_progress);
         finish(file, conversion.totals(), reader.report());
     }
 

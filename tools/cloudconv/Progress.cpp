@@ -45,13 +45,16 @@ void Progress::begin(const std::string& work, std::size_t total) {
     m_work = printable(work);
     m_total = total;
     m_done = 0;
+    ++m_begun;
 }
 
 std::function<bool(double)> Progress::beginParts(const std::string& work) {
     constexpr double parts = 1000.0;
     begin(work, static_cast<std::size_t>(parts));
-    return [this](double done) {
-        reached(static_cast<std::size_t>(done * parts));
+    return [this, number = m_begun](double done) {
+        if (number == m_begun) {
+            reached(static_cast<std::size_t>(done * parts));
+        }
         return true;
     };
 }

@@ -26,7 +26,8 @@ public:
 
     /// Begins work of which somebody tells the part that is done.
     ///
-    /// @return to be called with that part, 0 to 1, as long as this lives; it returns true
+    /// @return to be called with that part, 0 to 1, as long as this lives; it returns true, and
+    ///         shows nothing once other work has begun
     std::function<bool(double)> beginParts(const std::string& work);
 
     /// One more of the steps that there are in total is done.
@@ -49,6 +50,7 @@ private:
     std::condition_variable m_changed;
     std::string m_work;
     std::size_t m_total = 0;
+    std::size_t m_begun = 0;
     std::atomic<std::size_t> m_done = 0;
     bool m_ended = false;
     std::thread m_shower;

@@ -40,9 +40,8 @@ PathEntityKind pathKindOf(EntityKind kind) {
 
 ContourWriter::ContourWriter(const JoinedDrawing& joined, const SamplingLimits& limits,
                              std::size_t mostPoints, BlockSamples& samples, PathContours& written,
-                             PathReport& report, bool& hasBounds)
-    : m_joined(joined), m_limits(limits), m_samples(samples), m_written(written), m_report(report),
-      m_hasBounds(hasBounds) {
+                             PathBounds& bounds)
+    : m_joined(joined), m_limits(limits), m_samples(samples), m_written(written), m_bounds(bounds) {
     m_limits.maximumPoints = mostPoints;
 }
 
@@ -145,11 +144,8 @@ void ContourWriter::curve(Curve&& curve, const ChainLink* link) {
 void ContourWriter::extendBounds() {
     const Point* const first = m_written.points.data() + m_contour.firstPoint;
     const Point* const end = m_written.points.data() + m_contour.endPoint;
-    if (first == end) {
-        return;
-    }
-    Point lowest = m_hasBounds ? m_report.lowest : *first;
-    Point highest = m_hasBounds ? m_report.highest : *first;
+    Point lowest = m_bounds.hasPoints ? m_bounds.lowest : *first;
+    Point highest = m_bounds.hasPoints ? m_bounds.highest : *first;
     for (const Point* point = first; point != end; ++point) {
         lowest.x = std::min(lowest.x, point->x);
         lowest.y = std::min(lowest.y, point->y);
@@ -158,12 +154,14 @@ void ContourWriter::extendBounds() {
         highest.y = std::max(highest.y, point->y);
         highest.z = std::max(highest.z, point->z);
     }
-    m_report.lowest = lowest;
-    m_report.highest = highest;
-    m_hasBounds = true;
+    m_bounds = {lowest, highest, true};
 }
 
 void ContourWriter::end(bool closed, const Point& start) {
+    if (m_isFull) {
+        // The last point is of what came before.
+        return;
+    }
     if (m_contour.firstPiece == m_written.pieces.size()) {
         const auto entity = static_cast<std::uint32_t>(m_written.entities.size() - 1);
         m_written.pieces.push_back(

@@ -4,6 +4,7 @@
 #include "converters/detail/drawing/BlockSamples.h"
 #include "converters/detail/drawing/Chains.h"
 #include "converters/detail/drawing/JoinedDrawing.h"
+#include "converters/detail/drawing/PathBounds.h"
 #include "converters/detail/drawing/PathSizes.h"
 #include "converters/detail/drawing/dxf/Drawing.h"
 #include "converters/detail/drawing/dxf/Expansion.h"
@@ -21,11 +22,9 @@ class ContourWriter {
 public:
     /// @param mostPoints  how many points there is room for
     /// @param written     gets the contours
-    /// @param report      gets the bounds of all points so far
-    /// @param hasBounds   whether it has bounds
+    /// @param bounds      gets their points
     ContourWriter(const JoinedDrawing& joined, const SamplingLimits& limits, std::size_t mostPoints,
-                  BlockSamples& samples, PathContours& written, PathReport& report,
-                  bool& hasBounds);
+                  BlockSamples& samples, PathContours& written, PathBounds& bounds);
 
     /// What a ContourWalk tells.
     void begin(const Point& start);
@@ -64,8 +63,7 @@ private:
     SamplingLimits m_limits;
     BlockSamples& m_samples;
     PathContours& m_written;
-    PathReport& m_report;
-    bool& m_hasBounds;
+    PathBounds& m_bounds;
     PathContour m_contour{};
     bool m_isFull = false;
 };

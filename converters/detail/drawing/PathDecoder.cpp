@@ -116,15 +116,17 @@ void PathDecoder::write(PathContours& contours, std::size_t enough) {
     const bool isReordered = m_options.order != PathOrder::drawn;
     const Progress whole(m_options.progress);
     PathWriter& writer = *m_joined->writer;
-    writer.write(contours, isReordered ? PathWriter::all : enough, m_report,
+    writer.write(contours, isReordered ? PathWriter::all : enough,
                  m_progress.part(endOfJoining, 1));
     if (isReordered) {
         reorder(contours, m_options.order, whole.part(endOfReading, 1));
     }
-    addLengths(contours);
     if (writer.isAtEnd()) {
         whole.report(1);
     }
+    addLengths(contours);
+    m_report.lowest = writer.bounds().lowest;
+    m_report.highest = writer.bounds().highest;
 }
 
 /// Adds up the lengths of the contours and of the ways between them.

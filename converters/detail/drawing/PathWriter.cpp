@@ -51,8 +51,10 @@ void reserveFor(const std::vector<ChainLink>& links, const SamplingLimits& limit
 } // namespace
 
 // Up to some number of points, what is written needs no counting first.
-void PathWriter::write(PathContours& contours, std::size_t enough, PathReport& report,
-                       const Progress& progress) {
+void PathWriter::write(PathContours& contours, std::size_t enough, const Progress& progress) {
+    if (isAtEnd()) {
+        return;
+    }
     constexpr std::size_t freely = 1 << 21;
     const std::vector<ChainLink>& links = m_joined.links;
     const std::size_t allowed = m_limits.maximumPoints - m_points;
@@ -63,7 +65,7 @@ void PathWriter::write(PathContours& contours, std::size_t enough, PathReport& r
     const auto isEnough = [enough](bool isInContour, std::uint64_t points) {
         return !isInContour && points >= enough && points > 0;
     };
-    ContourWriter writer(m_joined, m_limits, room, m_samples, contours, report, m_hasBounds);
+    ContourWriter writer(m_joined, m_limits, room, m_samples, contours, m_bounds);
     ContourWalk<ContourWriter> walk(m_joined, m_limits.tolerance, writer);
     m_next = followLinks(links, m_next, progress, [&](const ChainLink& link) {
         if (isEnough(walk.isInContour(), contours.points.size())) {
@@ -82,13 +84,14 @@ void PathWriter::write(PathContours& contours, std::size_t enough, PathReport& r
         ContourCounter counter(m_limits, allowed, m_samples, sizesOf(contours));
         ContourWalk<ContourCounter> counting(m_joined, m_limits.tolerance, counter);
         counting.state() = walk.state();
-        followLinks(links, m_next, progressHere(progress), [&](const ChainLink& link) {
-            if (isEnough(counting.isInContour(), counter.sizes().points)) {
-                return false;
-            }
-            counting.follow(link);
-            return true;
-        });
+        followLinks(links, m_next, progress.part(partDone(), partDone()),
+                    [&](const ChainLink& link) {
+                        if (isEnough(counting.isInContour(), counter.sizes().points)) {
+                            return false;
+                        }
+                        counting.follow(link);
+                        return true;
+                    });
         reserve(counter.sizes(), contours);
         writer.goOn(allowed);
         m_next = followLinks(links, m_next, progress, [&](const ChainLink& link) {
@@ -100,23 +103,24 @@ void PathWriter::write(PathContours& contours, std::size_t enough, PathReport& r
         });
     }
     m_points += contours.points.size();
+    progress.report(partDone());
 }
 
+// Counting gets no farther, but can be stopped.
 std::uint64_t PathWriter::countPoints(const Progress& progress) {
     ContourCounter counter(m_limits, m_limits.maximumPoints - m_points, m_samples, {});
     ContourWalk<ContourCounter> counting(m_joined, m_limits.tolerance, counter);
-    followLinks(m_joined.links, m_next, progressHere(progress), [&](const ChainLink& link) {
-        counting.follow(link);
-        return true;
-    });
+    followLinks(m_joined.links, m_next, progress.part(partDone(), partDone()),
+                [&](const ChainLink& link) {
+                    counting.follow(link);
+                    return true;
+                });
     return counter.sizes().points;
 }
 
-/// Counting gets no farther, but can be stopped.
-Progress PathWriter::progressHere(const Progress& progress) const {
+double PathWriter::partDone() const {
     const std::size_t links = std::max<std::size_t>(m_joined.links.size(), 1);
-    const double here = static_cast<double>(m_next) / static_cast<double>(links);
-    return progress.part(here, here);
+    return static_cast<double>(m_next) / static_cast<double>(links);
 }
 
 } // namespace converters::drawing

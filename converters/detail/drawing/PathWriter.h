@@ -3,6 +3,7 @@
 #include "converters/DrawingPath.h"
 #include "converters/detail/drawing/BlockSamples.h"
 #include "converters/detail/drawing/JoinedDrawing.h"
+#include "converters/detail/drawing/PathBounds.h"
 #include "converters/detail/drawing/PathSettings.h"
 #include "converters/detail/drawing/Progress.h"
 #include "converters/detail/drawing/sampling/Sampling.h"
@@ -29,18 +30,19 @@ public:
     PathWriter(const PathWriter&) = delete;
     PathWriter& operator=(const PathWriter&) = delete;
 
-    /// Whether there are contours that are not written.
+    /// Whether all contours are written.
     bool isAtEnd() const { return m_next == m_joined.links.size(); }
 
     /// Writes the next contours.
     ///
     /// @param contours  has none; gets them
     /// @param enough    when there are so many points, no further contour begins
-    /// @param report    gets the bounds of all points so far
     /// @throws Refusal  for more points than allowed, before memory is asked for more than two
     ///                  million
-    void write(PathContours& contours, std::size_t enough, PathReport& report,
-               const Progress& progress);
+    void write(PathContours& contours, std::size_t enough, const Progress& progress);
+
+    /// Of all points so far.
+    const PathBounds& bounds() const { return m_bounds; }
 
     /// How many points the contours have that are not written.
     ///
@@ -48,7 +50,7 @@ public:
     std::uint64_t countPoints(const Progress& progress);
 
 private:
-    Progress progressHere(const Progress& progress) const;
+    double partDone() const;
 
     JoinedDrawing m_joined;
     SamplingLimits m_limits;
@@ -56,7 +58,7 @@ private:
     /// The first link of what is not written, and the points of what is.
     std::size_t m_next = 0;
     std::size_t m_points = 0;
-    bool m_hasBounds = false;
+    PathBounds m_bounds;
 };
 
 } // namespace converters::drawing

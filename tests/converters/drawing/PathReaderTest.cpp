@@ -15,6 +15,7 @@
 #include <algorithm>
 #include <cmath>
 #include <fstream>
+#include <memory>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -170,11 +171,31 @@ TEST(PathReader, RefusesWhatReadPathRefuses) {
 }
 
 TEST(PathReader, RefusesToReadWhatWasNotOpened) {
+    PathReader reader = readerOf(threeLines);
     PathContours contours;
     std::uint64_t points = 7;
-    EXPECT_EQ(readerOf(threeLines).read(contours).reason, "the drawing was not opened");
-    EXPECT_EQ(readerOf(threeLines).countPoints(points).reason, "the drawing was not opened");
+    EXPECT_EQ(reader.read(contours).reason, "the drawing was not opened");
+    EXPECT_EQ(reader.countPoints(points).reason, "the drawing was not opened");
     EXPECT_EQ(points, 0U);
+    ASSERT_TRUE(reader.open());
+    ASSERT_TRUE(reader.read(contours));
+    EXPECT_EQ(contours.points.size(), 6U);
+}
+
+TEST(PathReader, OpensOnce) {
+    auto lines = std::make_shared<std::string>(threeLines);
+    const std::weak_ptr<std::string> held = lines;
+    PathReader reader([lines, source = piecesOf(*lines, 9)](void* bytes, std::size_t room) mutable {
+        return source(bytes, room);
+    });
+    lines.reset();
+    ASSERT_TRUE(reader.open());
+    EXPECT_TRUE(held.expired()) << "what was read is held";
+    PathContours contours;
+    ASSERT_TRUE(reader.read(contours, 1));
+    ASSERT_TRUE(reader.open());
+    ASSERT_TRUE(reader.read(contours, 1));
+    EXPECT_EQ(contours.points.at(0).x, 5);
 }
 
 TEST(PathReader, FindsTooManyPointsWhenItComesToThem) {
@@ -189,6 +210,23 @@ TEST(PathReader, FindsTooManyPointsWhenItComesToThem) {
     for (int i = 0; i < 2; ++i) {
         EXPECT_EQ(reader.read(contours, 1).reason, "more than 5 points");
         EXPECT_TRUE(contours.points.empty() && contours.contours.empty());
+    }
+    EXPECT_EQ(reader.report().highest, cv::Point3d(6, 0, 0)) << "those of contours that were given";
+    EXPECT_EQ(reader.report().length, 2);
+}
+
+TEST(PathReader, FindsTooManyPointsWhereNoneIsAllowedAnyMore) {
+    const std::string file =
+        drawingOf("0 LINE  10 0  20 0  11 1  21 0  0 CIRCLE  10 9  20 9  40 3");
+    PathOptions options;
+    options.maximumPoints = 2;
+    for (const bool isReused : {true, false}) {
+        PathReader reader = readerOf(file, options);
+        ASSERT_TRUE(reader.open());
+        PathContours first;
+        ASSERT_TRUE(reader.read(first, 1));
+        PathContours second;
+        EXPECT_EQ(reader.read(isReused ? first : second, 1).reason, "more than 2 points");
     }
 }
 
@@ -230,6 +268,28 @@ TEST(PathReader, GivesContoursOfMillionsOfPoints) {
               "more than " + std::to_string(options.maximumPoints) + " points");
 }
 
+// Contours that are closed where the room ends that is written without counting.
+TEST(PathReader, GivesThePointsOfReadPathWhereverTheseAreCountedFrom) {
+    constexpr std::size_t uncounted = std::size_t{1} << 21;
+    PathOptions options;
+    options.step = 1;
+    for (std::size_t more = 0; more < 6; ++more) {
+        const std::size_t length = uncounted - 5 + more;
+        const std::string file =
+            drawingOf("0 LINE  10 0  20 0  11 " + std::to_string(length) +
+                      "  21 0  0 LINE  10 0  20 5  11 1  21 5  0 LINE  10 1  20 5  11 0  21 6"
+                      "  0 LINE  10 0  20 6  11 0  21 5");
+        DrawingPath whole;
+        ASSERT_TRUE(converters::readPath(file.data(), file.size(), whole, options));
+        ASSERT_EQ(whole.contours.size(), 2U);
+        EXPECT_EQ(whole.points.at(whole.contours[0].endPoint - 1),
+                  cv::Point3d(static_cast<double>(length), 0, 0));
+        DrawingPath path;
+        ASSERT_TRUE(readInParts({file.data(), file.size(), options}, 1, path));
+        EXPECT_TRUE(bytesOf(path) == bytesOf(whole)) << more;
+    }
+}
+
 TEST(PathReader, TellsHowFarAllOfItIsAndCanBeStopped) {
     const std::string file =
         drawingOf(repeated(500'000, "0 CIRCLE  10 1  20 2  40 3  ") + "0 POINT");
@@ -247,10 +307,13 @@ TEST(PathReader, TellsHowFarAllOfItIsAndCanBeStopped) {
     std::uint64_t points = 0;
     ASSERT_TRUE(reader.read(contours, 10'000));
     ASSERT_TRUE(reader.countPoints(points));
+    std::size_t reads = 0;
     do {
         ASSERT_TRUE(reader.read(contours, 10'000));
+        ++reads;
     } while (!contours.contours.empty());
-    EXPECT_GT(reports.size(), reportsOfOpening + 5);
+    EXPECT_GT(reads, 5U);
+    EXPECT_GE(reports.size(), reportsOfOpening + reads);
     EXPECT_TRUE(std::is_sorted(reports.begin(), reports.end()));
     EXPECT_EQ(reports.back(), 1.0);
 
