@@ -285,7 +285,7 @@ TEST(PathReader, GivesThePointsOfReadPathWhereverTheseAreCountedFrom) {
         EXPECT_EQ(whole.points.at(whole.contours[0].endPoint - 1),
                   cv::Point3d(static_cast<double>(length), 0, 0));
         DrawingPath path;
-        ASSERT_TRUE(readInParts({file.data(), file.size(), options}, 1, path));
+        ASSERT_TRUE(readInParts({file.data(), file.size(), options}, 1, path, false));
         EXPECT_TRUE(bytesOf(path) == bytesOf(whole)) << more;
     }
 }

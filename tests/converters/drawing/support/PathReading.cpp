@@ -29,18 +29,21 @@ void expectSameInPieces(const std::string& file, converters::PathOptions options
     }
     options.progress = nullptr;
     const bool isReordered = options.order != converters::PathOrder::drawn;
-    // Counting what is left costs as much as reading it, for each part again.
-    const std::size_t few = std::max<std::size_t>(path.points.size() / 50, 1);
-    for (const std::size_t points : {std::size_t{0}, std::size_t{2}, few}) {
-        for (const bool counts : {true, false}) {
-            if (points != few && path.points.size() >= smallFile) {
-                continue;
-            }
-            SCOPED_TRACE("in parts of " + std::to_string(points) + " points");
+    struct Parts {
+        std::size_t points;
+        /// Counting what is left costs as much as reading it, for each part again.
+        bool areCounted;
+        std::size_t mostPoints;
+    };
+    const std::size_t few = std::max<std::size_t>(path.points.size() / 4, 1);
+    for (const Parts& parts : {Parts{0, false, smallFile}, Parts{2, true, smallFile / 20},
+                               Parts{few, true, mostPoints}}) {
+        if (path.points.size() <= parts.mostPoints) {
+            SCOPED_TRACE("in parts of " + std::to_string(parts.points) + " points");
             DrawingPath again;
-            const converters::ReadResult resultAgain =
-                readInParts({file.data(), file.size(), options},
-                            isReordered ? path.points.size() : points, again, counts);
+            const converters::ReadResult resultAgain = readInParts(
+                {file.data(), file.size(), options},
+                isReordered ? path.points.size() : parts.points, again, parts.areCounted);
             EXPECT_EQ(resultAgain.reason, result.reason);
             EXPECT_EQ(resultAgain.line, result.line);
             EXPECT_TRUE(!result || bytesOf(again) == bytesOf(path));
