@@ -125,6 +125,10 @@ std::size_t readInParts(const std::string& file, const converters::PathOptions& 
     while ((result = result ? reader.read(contours) : result) && !contours.contours.empty()) {
         points += contours.points.size();
     }
+    if (!result) {
+        std::fprintf(stderr, "%s: %s\n", file.c_str(), result.reason.c_str());
+        std::abort();
+    }
     return points;
 }
 
